@@ -1,0 +1,88 @@
+// Shared state of the result archive: the base name, the product tag and the
+// three file extensions, the directory form of the run, what the last section
+// look-up found, and the unit table with its per-call caches.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace respcore {
+
+// An open archive file, shared by every unit connected to the same path
+// within one call.
+struct OpenFile {
+  int fd = -1;
+  int64_t size = 0;
+  ~OpenFile();
+};
+
+// A unit number's connection: a file and the record length it was opened
+// with. Records are read at x reclen bytes.
+struct Connection {
+  std::shared_ptr<OpenFile> file;  // null: not connected
+  int64_t reclen = 0;              // bytes
+};
+
+// One directory entry as read from a file.
+struct DirEntry {
+  std::array<char, 4> tag{};
+  int32_t serial = 0;
+  int64_t first = 0;
+  int64_t last = 0;
+  int32_t reclen = 0;
+};
+
+// The walk of a directory from its first head record, kept for the call:
+// every entry passed before the walk ended, and how it ended (4: a blank
+// entry or the end of the chain; 2: a read error; 7: a head that does not
+// fit). A look-up replays it instead of reading the directory again.
+struct DirWalk {
+  std::vector<DirEntry> entries;
+  int32_t end_status = 4;
+};
+
+// Directory constants and the last records read, shared by the look-ups and
+// the directory writer.
+struct DirectoryBlock {
+  float version = 1.0f;  // becomes 2.0 once the 64-bit form was recognised
+  int64_t create_base64 = 0;  // record base of the 64-bit directory writer
+};
+
+struct ArchiveState {
+  std::string FNAME = std::string(1024, ' ');
+  int32_t FNAME_LEN = 0;
+  std::array<char, 5> PRODUCT_TAG{' ', ' ', ' ', ' ', ' '};
+  // Extensions of the first, second and direct file, set from the tag.
+  std::array<char, 4> EXT_FIRST{' ', ' ', ' ', ' '};
+  std::array<char, 4> EXT_SECOND{' ', ' ', ' ', ' '};
+  std::array<char, 4> EXT_DIRECT{' ', ' ', ' ', ' '};
+  // Digits and suffix length of the last direct-file name.
+  std::string DIRECT_DIGITS;
+  int32_t DIRECT_SUFFIX_LEN = 4;
+  int32_t READ_METHOD = 0;
+  std::array<char, 4> SEC_TAG{' ', ' ', ' ', ' '};
+  int32_t SEC_SERIAL = 0;
+  int32_t SEC_RECLEN = 0;
+  int64_t SEC_NREC = 0;
+  DirectoryBlock dir;
+  // 32-bit work fields of the plain-form access routines (they keep their
+  // value between calls, as the routines' locals do).
+  int32_t rf_bin_work = 0;
+  int32_t rf_bin_t_work = 0;
+  int32_t rf_bin_direct_work = 0;
+};
+
+// Units and the per-call caches behind them. Everything here is released
+// when a call closes its units.
+struct UnitTable {
+  std::map<int32_t, Connection> units;
+  std::unordered_map<std::string, std::shared_ptr<OpenFile>> files;  // null: cannot be opened
+  std::unordered_map<std::string, std::shared_ptr<DirWalk>> walks;
+};
+
+}  // namespace respcore

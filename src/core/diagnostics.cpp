@@ -1,0 +1,65 @@
+#include "core/diagnostics.hpp"
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "core/arrays.hpp"
+#include "core/kernel_state.hpp"
+
+namespace respcore {
+
+void report_bound_failure(const char* name, int64_t value, int64_t lo, int64_t hi) {
+  std::fprintf(stderr, "array bound exceeded: %s subscript %lld bound %lld:%lld\n", name,
+               static_cast<long long>(value), static_cast<long long>(lo),
+               static_cast<long long>(hi));
+}
+
+int64_t checked_count(int64_t elem_size, int64_t n1, int64_t n2, int64_t n3) {
+  int64_t count = std::max<int64_t>(n1, 0);
+  int64_t bytes = 0;
+  if (__builtin_mul_overflow(count, std::max<int64_t>(n2, 0), &count) ||
+      __builtin_mul_overflow(count, std::max<int64_t>(n3, 0), &count) ||
+      __builtin_mul_overflow(count, elem_size, &bytes) || bytes > kMaxArrayBytes) {
+    throw std::bad_alloc();
+  }
+  return count;
+}
+
+void print_line(KernelState& K, std::string_view line) {
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
+  K.output_lines.emplace_back(line);
+}
+
+void write_message(KernelState& K, std::string_view line) {
+  K.messages.append(line);
+  K.messages.push_back('\n');
+}
+
+std::string format_int(int64_t value, int width) {
+  std::string s = std::to_string(value);
+  if (static_cast<int>(s.size()) > width) return std::string(static_cast<size_t>(width), '*');
+  return std::string(static_cast<size_t>(width) - s.size(), ' ') + s;
+}
+
+std::string format_fixed(double value, int width, int decimals) {
+  if (!std::isfinite(value)) return std::string(static_cast<size_t>(width), '*');
+  char buf[128];
+  std::snprintf(buf, sizeof buf, "%.*f", decimals, value);
+  std::string s = buf;
+  // Fortran drops the leading zero of a fraction when the field is too narrow.
+  if (static_cast<int>(s.size()) > width) {
+    if (s.rfind("0.", 0) == 0) s.erase(0, 1);
+    else if (s.rfind("-0.", 0) == 0) s.erase(1, 1);
+  }
+  if (static_cast<int>(s.size()) > width) return std::string(static_cast<size_t>(width), '*');
+  return std::string(static_cast<size_t>(width) - s.size(), ' ') + s;
+}
+
+void stop_run(KernelState& K) {
+  (void)K;
+  throw FatalStop{};
+}
+
+}  // namespace respcore

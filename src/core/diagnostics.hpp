@@ -1,0 +1,38 @@
+// The library's three output channels.
+//
+// - Standard output carries only the system's own error lines (look-up
+//   failures, singular inverses, geometry warnings). Each line is also kept
+//   in the kernel state so that the C++ API can hand it back.
+// - Standard error carries the bound diagnostics of the checked arrays.
+// - Unit 78 is the element message sink: kept in memory, never a file.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace respcore {
+
+struct KernelState;
+
+// Writes LINE and a newline to standard output and records it.
+void print_line(KernelState& K, std::string_view line);
+
+// Appends LINE and a newline to the message sink (unit 78).
+void write_message(KernelState& K, std::string_view line);
+
+// Fortran-style right-justified integer field of width W; a value that does
+// not fit prints as W asterisks.
+std::string format_int(int64_t value, int width);
+
+// Fortran-style fixed real field Fw.d; a value that does not fit prints as
+// W asterisks.
+std::string format_fixed(double value, int width, int decimals);
+
+// Thrown by the fatal stop of a singular 2x2/3x3 inverse. The exported entry
+// ends the process; the status entries turn it into status 1.
+struct FatalStop {};
+
+[[noreturn]] void stop_run(KernelState& K);
+
+}  // namespace respcore

@@ -1,0 +1,45 @@
+// The kernel state: everything one kernel keeps, one plain struct per shared
+// block of the original design. Routines take it as their first argument.
+// Two states never share anything.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "archive/archive_state.hpp"
+#include "continuum/continuum_state.hpp"
+#include "core/element_material.hpp"
+#include "line/line_state.hpp"
+#include "nodal/nodal_state.hpp"
+#include "numeric/numeric_state.hpp"
+#include "plane/plane_state.hpp"
+#include "plate/plate_state.hpp"
+#include "recovery/recovery_state.hpp"
+#include "run/run_context.hpp"
+#include "solid/solid_state.hpp"
+
+namespace respcore {
+
+struct KernelState {
+  RunContext run;
+  ArchiveState archive;
+  UnitTable units;
+  ElementMaterial ELEM_MATERIAL;
+  InactiveTables inactive;
+  NodeSkew skew;
+  NodalState nodal;
+  LineState line;
+  NumericState numeric;
+  ContinuumState continuum;
+  PlateState plate;
+  RecoveryState recovery;
+  SolidState solid;
+  PlaneState plane;
+
+  // Lines written to standard output by the current call.
+  std::vector<std::string> output_lines;
+  // The element message sink (unit 78).
+  std::string messages;
+};
+
+}  // namespace respcore
