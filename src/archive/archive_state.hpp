@@ -75,6 +75,8 @@ struct ArchiveState {
   int32_t rf_bin_work = 0;
   int32_t rf_bin_t_work = 0;
   int32_t rf_bin_direct_work = 0;
+  // Material number of the last element whose table entry could be read.
+  int32_t material_number = 0;
 };
 
 // Units and the per-call caches behind them. Everything here is released

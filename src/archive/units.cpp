@@ -1,0 +1,165 @@
+#include "archive/units.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <vector>
+
+#include "core/kernel_state.hpp"
+
+namespace respcore {
+
+OpenFile::~OpenFile() {
+  if (fd >= 0) ::close(fd);
+}
+
+namespace {
+
+// Fortran ignores trailing blanks of a file name.
+std::string trimmed(const std::string& path) {
+  size_t n = path.size();
+  while (n > 0 && path[n - 1] == ' ') --n;
+  return path.substr(0, n);
+}
+
+std::shared_ptr<OpenFile> open_cached(KernelState& K, const std::string& raw_path) {
+  const std::string path = trimmed(raw_path);
+  auto it = K.units.files.find(path);
+  if (it != K.units.files.end()) return it->second;
+  std::shared_ptr<OpenFile> f;
+  if (!path.empty()) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd >= 0) {
+      struct stat st {};
+      if (::fstat(fd, &st) == 0 && !S_ISDIR(st.st_mode)) {
+        f = std::make_shared<OpenFile>();
+        f->fd = fd;
+        f->size = static_cast<int64_t>(st.st_size);
+      } else {
+        ::close(fd);
+      }
+    }
+  }
+  K.units.files.emplace(path, f);
+  return f;
+}
+
+// Byte offset of record REC, or -1 when it cannot exist.
+int64_t record_offset(int64_t rec, int64_t reclen) {
+  int64_t off = 0;
+  if (rec < 1 || __builtin_mul_overflow(rec - 1, reclen, &off)) return -1;
+  return off;
+}
+
+bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
+  char* p = static_cast<char*>(dst);
+  while (nbytes > 0) {
+    const ssize_t got = ::pread(fd, p, static_cast<size_t>(nbytes), off);
+    if (got <= 0) return false;
+    p += got;
+    off += got;
+    nbytes -= got;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool unit_open(KernelState& K, int32_t unit, const std::string& path, int64_t reclen) {
+  unit_close(K, unit);
+  if (reclen <= 0) return false;
+  auto f = open_cached(K, path);
+  if (!f) return false;
+  Connection& c = K.units.units[unit];
+  c.file = std::move(f);
+  c.reclen = reclen;
+  return true;
+}
+
+void unit_close(KernelState& K, int32_t unit) {
+  auto it = K.units.units.find(unit);
+  if (it != K.units.units.end()) it->second = Connection{};
+}
+
+bool unit_connected(const KernelState& K, int32_t unit) {
+  auto it = K.units.units.find(unit);
+  return it != K.units.units.end() && it->second.file != nullptr;
+}
+
+int64_t unit_reclen(const KernelState& K, int32_t unit) {
+  auto it = K.units.units.find(unit);
+  return it == K.units.units.end() ? 0 : it->second.reclen;
+}
+
+bool read_record(KernelState& K, int32_t unit, int64_t rec, void* dst, int64_t nbytes) {
+  auto it = K.units.units.find(unit);
+  if (it == K.units.units.end() || !it->second.file) return false;
+  const Connection& c = it->second;
+  if (nbytes < 0 || nbytes > c.reclen) return false;
+  const int64_t off = record_offset(rec, c.reclen);
+  if (off < 0 || off > c.file->size - nbytes) return false;
+  if (nbytes == 0) return true;
+  return pread_all(c.file->fd, dst, nbytes, off);
+}
+
+int64_t read_records(KernelState& K, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
+                     void* dst, std::vector<char>* ok) {
+  ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
+  auto it = K.units.units.find(unit);
+  if (count <= 0 || it == K.units.units.end() || !it->second.file) return 0;
+  const Connection& c = it->second;
+  if (nbytes < 0 || nbytes > c.reclen) return 0;
+  // Records that exist lie in one contiguous span of the file.
+  int64_t lo = std::max<int64_t>(first, 1);
+  int64_t hi = first + count - 1;
+  const int64_t size = c.file->size;
+  while (hi >= lo) {
+    const int64_t off = record_offset(hi, c.reclen);
+    if (off >= 0 && off <= size - nbytes) break;
+    --hi;
+  }
+  if (hi < lo) return 0;
+  const int64_t span_off = record_offset(lo, c.reclen);
+  const int64_t span_len = (hi - lo) * c.reclen + nbytes;
+  std::vector<char> buf(static_cast<size_t>(checked_count(1, span_len)));
+  if (!pread_all(c.file->fd, buf.data(), span_len, span_off)) return 0;
+  int64_t n_ok = 0;
+  for (int64_t r = lo; r <= hi; ++r) {
+    std::memcpy(static_cast<char*>(dst) + (r - first) * nbytes,
+                buf.data() + (r - lo) * c.reclen, static_cast<size_t>(nbytes));
+    (*ok)[static_cast<size_t>(r - first)] = 1;
+    ++n_ok;
+  }
+  return n_ok;
+}
+
+bool read_f64(KernelState& K, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n) {
+  if (n <= 0) return read_record(K, unit, rec, nullptr, 0);
+  std::vector<double> tmp(static_cast<size_t>(checked_count(sizeof(double), n)));
+  if (!read_record(K, unit, rec, tmp.data(), n * 8)) return false;
+  const int64_t fit = std::min<int64_t>(n, dst.size());
+  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(double));
+  if (fit < n) report_bound_failure(dst.name(), dst.lo() + fit, dst.lo(), dst.hi());
+  return true;
+}
+
+bool read_i32(KernelState& K, int32_t unit, int64_t rec, VecRef<int32_t> dst, int64_t n) {
+  if (n <= 0) return read_record(K, unit, rec, nullptr, 0);
+  std::vector<int32_t> tmp(static_cast<size_t>(checked_count(sizeof(int32_t), n)));
+  if (!read_record(K, unit, rec, tmp.data(), n * 4)) return false;
+  const int64_t fit = std::min<int64_t>(n, dst.size());
+  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(int32_t));
+  if (fit < n) report_bound_failure(dst.name(), dst.lo() + fit, dst.lo(), dst.hi());
+  return true;
+}
+
+void close_all_units(KernelState& K) {
+  for (int32_t u : {32, 36, 63, 68, 78}) unit_close(K, u);
+  K.units.units.clear();
+  K.units.files.clear();
+  K.units.walks.clear();
+}
+
+}  // namespace respcore

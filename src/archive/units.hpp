@@ -1,0 +1,51 @@
+// File connections by unit number.
+//
+// A unit is a file plus the record length it was opened with; record R starts
+// at byte x length. Within one call every path is opened once and kept,
+// so that reconnecting a unit (which every section look-up does) costs no
+// system call; close_all_units() ends the call and releases everything.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "core/arrays.hpp"
+
+namespace respcore {
+
+struct KernelState;
+
+// Units of the archive files.
+inline constexpr int32_t UNIT_SECOND = 32;  // second file, RF_BIN_T
+inline constexpr int32_t UNIT_DIRECT = 36;  // direct files, RF_BIN_DIRECT
+inline constexpr int32_t UNIT_FIRST = 63;   // first file, RF_BIN
+
+// Connects UNIT to the existing file PATH with RECLEN bytes per record,
+// closing whatever the unit held. Fails (and leaves the unit closed) when
+// the file cannot be opened or RECLEN is not positive.
+bool unit_open(KernelState& K, int32_t unit, const std::string& path, int64_t reclen);
+void unit_close(KernelState& K, int32_t unit);
+bool unit_connected(const KernelState& K, int32_t unit);
+int64_t unit_reclen(const KernelState& K, int32_t unit);
+
+// Reads NBYTES from the start of record REC into DST. A read that needs more
+// bytes than the record length or the file holds fails as a whole and leaves
+// DST unchanged.
+bool read_record(KernelState& K, int32_t unit, int64_t rec, void* dst, int64_t nbytes);
+
+// Reads the first NBYTES of COUNT consecutive records starting at FIRST into
+// DST, record i at DST + i*NBYTES, with one system call. Returns a flag per
+// record in OK (size COUNT): the same outcome as COUNT separate reads.
+int64_t read_records(KernelState& K, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
+                     void* dst, std::vector<char>* ok);
+
+// Reads N doubles from record REC into DST(1..N). A target shorter than N is
+// a bound failure: what does not fit is dropped.
+bool read_f64(KernelState& K, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n);
+// Reads N 32-bit integers from record REC into DST(1..N).
+bool read_i32(KernelState& K, int32_t unit, int64_t rec, VecRef<int32_t> dst, int64_t n);
+
+// Closes units 32, 36, 63, 68 and 78 and releases the call's caches.
+void close_all_units(KernelState& K);
+
+}  // namespace respcore
