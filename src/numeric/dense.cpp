@@ -10,17 +10,6 @@ namespace respcore {
 
 namespace {
 
-// The callee's view of a matrix argument: the caller's storage read with the
-// leading dimension passed to the routine, as a dummy array of that shape
-// would read it. Columns beyond what the storage holds are cut off, so every
-// subscript stays checked against real storage.
-MatRef<double> as_shape(MatRef<double> m, int64_t rows, int64_t cols) {
-  if (m.rows() == rows && m.cols() >= cols) return MatRef<double>(m.data(), rows, cols, m.name());
-  const int64_t total = m.rows() * m.cols();
-  const int64_t fit = rows > 0 ? std::min<int64_t>(cols, total / rows) : 0;
-  return MatRef<double>(m.data(), rows, fit, m.name());
-}
-
 // The element number of the inverse routines' message. It sits in storage of
 // their own that nothing ever writes, so the message always shows 0.
 constexpr int32_t kInverseElementNo = 0;

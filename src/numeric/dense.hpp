@@ -16,6 +16,20 @@ namespace respcore {
 
 struct KernelState;
 
+// The callee's view of a matrix argument: the caller's storage read with the
+// leading dimension passed to the routine, as a dummy array of that shape
+// would read it (a caller holding a larger array hands over a contiguous
+// block of exactly that size). Columns beyond what the storage holds are cut
+// off, so every subscript stays checked against real storage.
+inline MatRef<double> as_shape(MatRef<double> m, int64_t rows, int64_t cols) {
+  rows = rows > 0 ? rows : 0;
+  cols = cols > 0 ? cols : 0;
+  if (m.rows() == rows && m.cols() >= cols) return MatRef<double>(m.data(), rows, cols, m.name());
+  const int64_t total = m.rows() * m.cols();
+  const int64_t fit = rows > 0 ? (cols < total / rows ? cols : total / rows) : 0;
+  return MatRef<double>(m.data(), rows, fit, m.name());
+}
+
 // A_INV := inverse of A(N,N). For N = 2 and 3 the closed forms below are used
 // and A is left as it is; for any other positive N, A is reduced by
 // Gauss-Jordan elimination without pivoting and is overwritten. Exact zero
