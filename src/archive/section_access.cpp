@@ -170,16 +170,8 @@ void READING_ELEMENT_MATERIAL_DATA(KernelState& K, int32_t element_serial) {
   RF_BIN_T(K, 3, 40, first, found);
   // Records past the end of the file cannot be read, so a count larger than
   // the file holds is cut there rather than tried record by record.
-  const int64_t reclen = unit_reclen(K, UNIT_SECOND);
-  int64_t count = A.SEC_NREC;
-  if (reclen > 0 && unit_connected(K, UNIT_SECOND)) {
-    const int64_t size = K.units.units[UNIT_SECOND].file->size;
-    const int64_t last_possible = size / reclen + 1;
-    if (first > last_possible) count = 0;
-    else count = std::min<int64_t>(count, last_possible - first + 1);
-  } else {
-    count = 0;
-  }
+  const int64_t count =
+      std::min<int64_t>(A.SEC_NREC, unit_last_record(K, UNIT_SECOND, 13 * 8) - first + 1);
   constexpr int64_t kBatch = 4096;
   std::vector<double> recs;
   std::vector<char> ok;

@@ -163,3 +163,32 @@ void close_all_units(KernelState& K) {
 }
 
 }  // namespace respcore
+
+namespace respcore {
+
+bool read_record_f64_at(KernelState& K, int32_t unit, int64_t rec, int64_t nbytes,
+                        int64_t byte_offset, double& out) {
+  auto it = K.units.units.find(unit);
+  if (it == K.units.units.end() || !it->second.file) return false;
+  const Connection& c = it->second;
+  if (nbytes < 0 || nbytes > c.reclen) return false;
+  int64_t off = 0;
+  if (rec < 1 || __builtin_mul_overflow(rec - 1, c.reclen, &off)) return false;
+  if (off > c.file->size - nbytes) return false;
+  if (byte_offset < 0 || byte_offset + 8 > nbytes) return true;
+  return pread_all(c.file->fd, &out, 8, off + byte_offset);
+}
+
+}  // namespace respcore
+
+namespace respcore {
+
+int64_t unit_last_record(const KernelState& K, int32_t unit, int64_t nbytes) {
+  auto it = K.units.units.find(unit);
+  if (it == K.units.units.end() || !it->second.file) return 0;
+  const Connection& c = it->second;
+  if (nbytes < 0 || nbytes > c.reclen || c.file->size < nbytes) return 0;
+  return (c.file->size - nbytes) / c.reclen + 1;
+}
+
+}  // namespace respcore

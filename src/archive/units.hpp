@@ -49,3 +49,22 @@ bool read_i32(KernelState& K, int32_t unit, int64_t rec, VecRef<int32_t> dst, in
 void close_all_units(KernelState& K);
 
 }  // namespace respcore
+
+namespace respcore {
+
+// Checks that a read of NBYTES from record REC of UNIT would succeed, and
+// then reads only the 8 bytes at BYTE_OFFSET of the record into OUT. The
+// outcome is that of the whole read; only the bytes used are fetched.
+bool read_record_f64_at(KernelState& K, int32_t unit, int64_t rec, int64_t nbytes,
+                        int64_t byte_offset, double& out);
+
+}  // namespace respcore
+
+namespace respcore {
+
+// The last record of UNIT from which NBYTES can be read (0 if none): records
+// behind it lie past the end of the file, so loops over a section may stop
+// there whatever count the directory claims.
+int64_t unit_last_record(const KernelState& K, int32_t unit, int64_t nbytes);
+
+}  // namespace respcore

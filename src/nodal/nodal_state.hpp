@@ -4,6 +4,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <utility>
+#include <vector>
 
 #include "core/arrays.hpp"
 
@@ -20,6 +23,25 @@ struct NodalState {
   Arr3<double> FF_TMP{"FF_TMP", 0, 0, 0};
   // One node-transform record; keeps what an earlier read left.
   Vec<double> TEMP{"TEMP", 29};
+  bool ISER_made = false;
+
+  // Per call: blocks of modal-coordinate records already read, by first
+  // record and count, and a buffer for one history record.
+  struct RecordBlock {
+    std::vector<double> values;
+    std::vector<char> ok;
+  };
+  std::map<std::pair<int64_t, int64_t>, RecordBlock> modal_blocks;
+  std::vector<double> row_buffer;
+
+  void end_call() {
+    ISER.clear();
+    ISER_made = false;
+    FF_TMP.clear();
+    modal_blocks.clear();
+    row_buffer.clear();
+    row_buffer.shrink_to_fit();
+  }
 };
 
 struct InactiveTables {

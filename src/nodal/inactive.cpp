@@ -1,0 +1,137 @@
+#include "nodal/inactive.hpp"
+
+#include <vector>
+
+#include "archive/section_access.hpp"
+#include "archive/units.hpp"
+#include "core/kernel_state.hpp"
+
+namespace respcore {
+
+void READ_INFORM_INITIAL(KernelState& K) {
+  InactiveTables& T = K.inactive;
+  int64_t first = 0;
+  int32_t found = 0;
+  RF_BIN(K, 4, 243, first, found);
+  if (!found) {
+    T.NUM_INACTIVE = 0;
+    return;
+  }
+  const int32_t n = K.archive.SEC_RECLEN;
+  T.INFM_TMHL.resize(n);
+  read_i32(K, UNIT_FIRST, first, T.INFM_TMHL.ref(), n);
+  if (T.INFM_TMHL(1) == 0) {
+    T.NUM_INACTIVE = 0;
+    return;
+  }
+  RF_BIN(K, 4, 244, first, found);
+  if (!found) {
+    T.NUM_INACTIVE = 0;
+    return;
+  }
+  T.NUM_INACTIVE = static_cast<int32_t>(K.archive.SEC_NREC);
+  T.INACTIVE_INFORM.resize(3, T.NUM_INACTIVE);
+  T.NUM_TRUS = T.NUM_BEAM = T.NUM_WARB = 0;
+  // The records are read in batches; each record has the outcome of its own
+  // read, and a record that cannot be read leaves its column as it was.
+  constexpr int64_t kBatch = 8192;
+  std::vector<int32_t> buf;
+  std::vector<char> ok;
+  for (int64_t done = 0; done < T.NUM_INACTIVE; done += kBatch) {
+    const int64_t cnt = std::min<int64_t>(kBatch, T.NUM_INACTIVE - done);
+    buf.assign(static_cast<size_t>(3 * cnt), 0);
+    if (read_records(K, UNIT_FIRST, first + done, cnt, 12, buf.data(), &ok) == 0) break;
+    for (int64_t i = 0; i < cnt; ++i) {
+      if (!ok[static_cast<size_t>(i)]) continue;
+      for (int64_t f = 0; f < 3; ++f) {
+        T.INACTIVE_INFORM(f + 1, done + i + 1) = buf[static_cast<size_t>(3 * i + f)];
+      }
+    }
+  }
+  for (int64_t k = 1; k <= T.NUM_INACTIVE; ++k) {
+    const int32_t kind = T.INACTIVE_INFORM(2, k);
+    if (kind == INACTIVE_KIND_TRUSS) ++T.NUM_TRUS;
+    else if (kind == INACTIVE_KIND_BEAM) ++T.NUM_BEAM;
+    else if (kind == INACTIVE_KIND_WALL_BEAM) ++T.NUM_WARB;
+  }
+  T.TRUS.resize(T.NUM_TRUS);
+  T.BEAM.resize(T.NUM_BEAM);
+  T.WARB.resize(T.NUM_WARB);
+  int32_t nt = 0, nb = 0, nw = 0;
+  for (int64_t k = 1; k <= T.NUM_INACTIVE; ++k) {
+    const int32_t kind = T.INACTIVE_INFORM(2, k);
+    const int32_t id = T.INACTIVE_INFORM(3, k);
+    if (kind == INACTIVE_KIND_TRUSS) T.TRUS(++nt) = id;
+    else if (kind == INACTIVE_KIND_BEAM) T.BEAM(++nb) = id;
+    else if (kind == INACTIVE_KIND_WALL_BEAM) T.WARB(++nw) = id;
+  }
+}
+
+void CHECK_INACTIVE_ELEM(KernelState& K, int32_t kind, int32_t element, int32_t hist_case,
+                         int32_t& flag) {
+  InactiveTables& T = K.inactive;
+  T.IS_INACTIVE = 0;
+  flag = 0;
+  if (T.INFM_TMHL(hist_case) == 0) return;
+  Vec<int32_t>* list = nullptr;
+  int32_t count = 0;
+  switch (kind) {
+    case INACTIVE_KIND_TRUSS: list = &T.TRUS; count = T.NUM_TRUS; break;
+    case INACTIVE_KIND_BEAM: list = &T.BEAM; count = T.NUM_BEAM; break;
+    case INACTIVE_KIND_WALL_BEAM: list = &T.WARB; count = T.NUM_WARB; break;
+    default: return;
+  }
+  for (int32_t i = 1; i <= count; ++i) {
+    if ((*list)(i) == element) {
+      flag = 1;
+      T.IS_INACTIVE = 1;
+    }
+  }
+}
+
+void DISP_EQUATION_INITIAL(KernelState& K, VecRef<double> DISP_INIT, int32_t NDOF,
+                           VecRef<int32_t> LM) {
+  int32_t reclen = 0;
+  int64_t start = 0;
+  RF_BIN_DIRECT(K, 1, 2, 1, reclen, start);
+  const int64_t n = reclen / 2;
+  for (int32_t i = 1; i <= NDOF; ++i) DISP_INIT(i) = 0.0;
+  // The whole record of N doubles is read; only the entries of the
+  // element's equations are fetched from it.
+  double probe = 0.0;
+  if (!read_record_f64_at(K, UNIT_DIRECT, start, std::max<int64_t>(n, 0) * 8, -1, probe)) {
+    // A failed read leaves the freshly made work array at zero.
+    for (int32_t i = 1; i <= NDOF; ++i) {
+      const int32_t e = LM(i);
+      if (e <= 0) continue;
+      if (e > n) report_bound_failure("DTEMP", e, 1, std::max<int64_t>(n, 0));
+      DISP_INIT(i) = 0.0;
+    }
+    return;
+  }
+  for (int32_t i = 1; i <= NDOF; ++i) {
+    const int32_t e = LM(i);
+    if (e <= 0) continue;
+    if (e > n) {
+      report_bound_failure("DTEMP", e, 1, std::max<int64_t>(n, 0));
+      DISP_INIT(i) = 0.0;
+      continue;
+    }
+    double v = 0.0;
+    read_record_f64_at(K, UNIT_DIRECT, start, n * 8, int64_t{e - 1} * 8, v);
+    DISP_INIT(i) = v;
+  }
+}
+
+void release_inactive_tables(KernelState& K) {
+  InactiveTables& T = K.inactive;
+  T.INFM_TMHL.clear();
+  T.INACTIVE_INFORM.clear();
+  T.TRUS.clear();
+  T.BEAM.clear();
+  T.WARB.clear();
+  T.NUM_INACTIVE = 0;
+  T.NUM_TRUS = T.NUM_BEAM = T.NUM_WARB = 0;
+}
+
+}  // namespace respcore

@@ -1,0 +1,13 @@
+// Families whose history is not built yet: the dispatch reaches them and
+// they leave TDSP as it is.
+#include "run/histories.hpp"
+
+namespace respcore {
+
+void PSTR_TIME(KernelState&, Tdsp&, ItemList, ItemList, int32_t, int32_t, VecRef<double>) {}
+
+void PLANE_STRESS_HIGH(KernelState&, Tdsp&, ItemList, ItemList, int32_t, int32_t) {}
+
+void PLANE_STRAIN_HIGH(KernelState&, Tdsp&, ItemList, ItemList, int32_t, int32_t) {}
+
+}  // namespace respcore

@@ -1,0 +1,11 @@
+// Families whose history is not built yet: the dispatch reaches them and
+// they leave TDSP as it is.
+#include "run/histories.hpp"
+
+namespace respcore {
+
+void SOLID_TIME(KernelState&, Tdsp&, ItemList, ItemList, int32_t, int32_t) {}
+
+void SOLID_HIGH(KernelState&, Tdsp&, ItemList, ItemList, int32_t, int32_t) {}
+
+}  // namespace respcore
