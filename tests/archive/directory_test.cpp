@@ -1,0 +1,260 @@
+// Section look-ups in the archive's directories: every status, every error
+// line, the chaining of blocks and the two directory forms.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+
+#include "archive/directory.hpp"
+#include "archive/units.hpp"
+#include "core/kernel_state.hpp"
+#include "respcore/archive_writer.hpp"
+#include "respcore/kernel.hpp"
+#include "support/temp_dir.hpp"
+
+namespace respcore {
+namespace {
+
+using testing::TempDir;
+
+Tag4 tag(const char* s) {
+  Tag4 t;
+  std::memcpy(t.data(), s, 4);
+  return t;
+}
+
+struct Lookup {
+  int32_t status = -1;
+  int64_t first = -1;
+  int32_t reclen = -1;
+  int64_t nrec = -1;
+  std::string out;
+};
+
+Lookup plain(KernelState& K, const std::string& path, const char* t, int32_t serial,
+             int32_t code = 2) {
+  Lookup r;
+  int32_t first = -1;
+  ::testing::internal::CaptureStdout();
+  READ_F(K, 63, path, static_cast<int32_t>(path.size()), code, tag(t), serial, first, r.reclen,
+         r.nrec, r.status);
+  r.out = ::testing::internal::GetCapturedStdout();
+  r.first = first;
+  return r;
+}
+
+Lookup wide(KernelState& K, const std::string& path, const char* t, int32_t serial) {
+  Lookup r;
+  ::testing::internal::CaptureStdout();
+  READ_F_8(K, 32, path, static_cast<int32_t>(path.size()), 2, tag(t), serial, r.first, r.reclen,
+           r.nrec, r.status);
+  r.out = ::testing::internal::GetCapturedStdout();
+  return r;
+}
+
+std::string error_line(const char* t, const char* serial5) {
+  return std::string("   ERROR READ-F IN RESP CORE , ID_M, ID_S=") + t + "  " + serial5 + "\n";
+}
+
+TEST(DirectoryLookup, FindsSectionsAndReadsTheirRecords) {
+  TempDir dir;
+  const std::string path = dir.file("a.PA2");
+  ArchiveFile f;
+  Section& s = f.add("TRUS", 3, 6, 4);
+  for (int r = 1; r <= 4; ++r) s.put_f64(r, 0, 10.0 * r);
+  f.add("TRUS", 4, 2, 1).put_f64(1, 0, -1.0);
+  Section& one = f.add("BEAM", 3, 2, 1);
+  one.put_f64(1, 0, 7.5);
+  f.write(path);
+
+  KernelState K;
+  Lookup a = plain(K, path, "TRUS", 3);
+  EXPECT_EQ(a.status, 0);
+  EXPECT_EQ(a.reclen, 6);
+  EXPECT_EQ(a.nrec, 4);
+  EXPECT_EQ(a.first, s.first);
+  EXPECT_EQ(a.out, "");
+  double v = 0;
+  ASSERT_TRUE(read_record(K, 63, a.first + 2, &v, 8));
+  EXPECT_EQ(v, 30.0);
+
+  // Same tag, other serial: a section of its own.
+  Lookup b = plain(K, path, "TRUS", 4);
+  EXPECT_EQ(b.status, 0);
+  EXPECT_EQ(b.reclen, 2);
+  // The unit now has the new record length: the first section's records
+  // can no longer be read as before.
+  EXPECT_FALSE(read_record(K, 63, a.first + 2, &v, 24));
+
+  // A section with first = last has one record.
+  Lookup c = plain(K, path, "BEAM", 3);
+  EXPECT_EQ(c.nrec, 1);
+  ASSERT_TRUE(read_record(K, 63, c.first, &v, 8));
+  EXPECT_EQ(v, 7.5);
+}
+
+TEST(DirectoryLookup, MissingSectionIsSilentAndZeroesTheOutputs) {
+  TempDir dir;
+  const std::string path = dir.file("a.PA2");
+  ArchiveFile f;
+  f.add("TRUS", 3, 6, 4);
+  f.write(path);
+  KernelState K;
+  Lookup r = plain(K, path, "BEAM", 3);
+  EXPECT_EQ(r.status, 4);
+  EXPECT_EQ(r.first, 0);
+  EXPECT_EQ(r.reclen, 0);
+  EXPECT_EQ(r.nrec, 0);
+  EXPECT_EQ(r.out, "");
+  // Tag alone or serial alone does not match.
+  EXPECT_EQ(plain(K, path, "TRUS", 4).status, 4);
+}
+
+TEST(DirectoryLookup, ChainedBlocksAreFollowedUntilABlankEntry) {
+  TempDir dir;
+  const std::string path = dir.file("a.PA2");
+  ArchiveFile f;
+  for (int i = 1; i <= 45; ++i) f.add("SECT", i, 2, 1).put_f64(1, 0, i);
+  f.write(path);
+  KernelState K;
+  for (int i : {1, 19, 20, 39, 40, 45}) {
+    Lookup r = plain(K, path, "SECT", i);
+    ASSERT_EQ(r.status, 0) << i;
+    double v = 0;
+    ASSERT_TRUE(read_record(K, 63, r.first, &v, 8));
+    EXPECT_EQ(v, i);
+  }
+  EXPECT_EQ(plain(K, path, "SECT", 46).status, 4);
+
+  // A blank entry in the first block hides the blocks behind it.
+  const std::string hidden = dir.file("b.PA2");
+  ArchiveFile g;
+  g.add("AAAA", 1, 2, 1);
+  g.add_blank_entry();
+  for (int i = 1; i <= 30; ++i) g.add("SECT", i, 2, 1);
+  g.write(hidden);
+  EXPECT_EQ(plain(K, hidden, "AAAA", 1).status, 0);
+  Lookup r = plain(K, hidden, "SECT", 25);
+  EXPECT_EQ(r.status, 4);
+  EXPECT_EQ(r.out, "");
+  EXPECT_EQ(plain(K, hidden, "SECT", 1).status, 4);
+}
+
+TEST(DirectoryLookup, BadRequestsAreRefusedWithTheErrorLine) {
+  TempDir dir;
+  const std::string path = dir.file("a.PA2");
+  ArchiveFile f;
+  f.add("TRUS", 3, 6, 1);
+  f.write(path);
+  KernelState K;
+  Lookup r = plain(K, path, "HEAD", 1);
+  EXPECT_EQ(r.status, 6);
+  EXPECT_EQ(r.out, error_line("HEAD", "    1"));
+  // The outputs are not touched by a refused request.
+  EXPECT_EQ(r.reclen, -1);
+  r = plain(K, path, "    ", 12345);
+  EXPECT_EQ(r.status, 6);
+  EXPECT_EQ(r.out, error_line("    ", "12345"));
+  int32_t first = 0, reclen = 0, status = 0;
+  int64_t nrec = 0;
+  ::testing::internal::CaptureStdout();
+  READ_F(K, 63, path, 0, 2, tag("TRUS"), 3, first, reclen, nrec, status);
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), error_line("TRUS", "    3"));
+  EXPECT_EQ(status, 6);
+}
+
+TEST(DirectoryLookup, MissingFileAndBrokenDirectories) {
+  TempDir dir;
+  KernelState K;
+  Lookup r = plain(K, dir.file("none.PA2"), "TRUS", 3);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.out, error_line("TRUS", "    3"));
+
+  const std::string path = dir.file("a.PA2");
+  ArchiveFile f;
+  f.add("TRUS", 3, 6, 1);
+  const auto good = f.build();
+  auto write_variant = [&](const std::string& name, size_t off, const void* bytes, size_t n,
+                           size_t keep = 0) {
+    std::vector<unsigned char> b = good;
+    if (n) std::memcpy(b.data() + off, bytes, n);
+    if (keep) b.resize(keep);
+    std::ofstream(dir.file(name), std::ios::binary)
+        .write(reinterpret_cast<const char*>(b.data()), static_cast<std::streamsize>(b.size()));
+    return dir.file(name);
+  };
+  // Serial in a field of 5, with a negative one too.
+  const char qvx[4] = {'Q', 'V', 'Y', ' '};
+  r = plain(K, write_variant("id.PA2", 0, qvx, 4), "TRUS", -42);
+  EXPECT_EQ(r.status, 7);
+  EXPECT_EQ(r.out, error_line("TRUS", "  -42"));
+  const float v2 = 2.0f;
+  EXPECT_EQ(plain(K, write_variant("ver.PA2", 8, &v2, 4), "TRUS", 3).status, 7);
+  const float vnan = std::nanf("");
+  EXPECT_EQ(plain(K, write_variant("nan.PA2", 8, &vnan, 4), "TRUS", 3).status, 7);
+  const int32_t entries = 19;
+  EXPECT_EQ(plain(K, write_variant("ent.PA2", 12, &entries, 4), "TRUS", 3).status, 7);
+  EXPECT_EQ(plain(K, write_variant("code.PA2", 0, nullptr, 0), "TRUS", 3, 5).status, 7);
+  // Cut inside the entries: a read error.
+  r = plain(K, write_variant("cut.PA2", 0, nullptr, 0, 50), "TRUS", 3);
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.out, error_line("TRUS", "    3"));
+  // A chain that points back to its own head ends the search.
+  const int32_t self = 1;
+  EXPECT_EQ(plain(K, write_variant("loop.PA2", 16, &self, 4), "XXXX", 3).status, 4);
+  // A section with a non-positive record length cannot be opened.
+  const int32_t zero = 0;
+  r = plain(K, write_variant("rl.PA2", 2 * 20 + 16, &zero, 4), "TRUS", 3);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.reclen, 0);
+}
+
+TEST(DirectoryLookup, WideFormAndTheVersionExpectation) {
+  TempDir dir;
+  const std::string path = dir.file("w.PA2");
+  ArchiveFile f(DirectoryForm::Wide);
+  for (int i = 1; i <= 25; ++i) f.add("SECT", i, 4, 3).put_f64(3, 0, i);
+  f.write(path);
+  KernelState K;
+  // Still expecting version 1.0: the head does not fit.
+  Lookup r = wide(K, path, "SECT", 22);
+  EXPECT_EQ(r.status, 7);
+  EXPECT_EQ(r.out, error_line("SECT", "   22"));
+  K.archive.dir.version = 2.0f;
+  r = wide(K, path, "SECT", 22);
+  ASSERT_EQ(r.status, 0);
+  EXPECT_EQ(r.nrec, 3);
+  EXPECT_EQ(r.reclen, 4);
+  double v = 0;
+  ASSERT_TRUE(read_record(K, 32, r.first + 2, &v, 8));
+  EXPECT_EQ(v, 22.0);
+  r = wide(K, path, "SECT", 26);
+  EXPECT_EQ(r.status, 4);
+  EXPECT_EQ(r.first, 0);
+}
+
+TEST(CreateDirectory, LaysAnEmptyDirectoryThatLookUpsRead) {
+  TempDir dir;
+  Kernel k;
+  EXPECT_EQ(k.create_directory("", 2, 0), 6);
+  const std::string path = dir.file("new.PA1");
+  std::ofstream(path) << "old contents that must go";
+  ASSERT_EQ(k.create_directory(path, 2, 0), 0);
+  std::ifstream in(path, std::ios::binary);
+  std::vector<unsigned char> b((std::istreambuf_iterator<char>(in)), {});
+  ASSERT_EQ(b.size(), 21u * 20u);
+  EXPECT_EQ(std::memcmp(b.data(), "QVX ", 4), 0);
+  EXPECT_EQ(std::memcmp(b.data() + 20, "HEAD", 4), 0);
+  int32_t own[4];
+  std::memcpy(own, b.data() + 24, 16);
+  EXPECT_EQ(own[0], 1);
+  EXPECT_EQ(own[1], 2);
+  EXPECT_EQ(own[2], 21);
+  EXPECT_EQ(own[3], 5);
+  KernelState K;
+  EXPECT_EQ(plain(K, path, "TRUS", 3).status, 4);
+}
+
+}  // namespace
+}  // namespace respcore
