@@ -1,0 +1,159 @@
+// Requests from entry to return: the request fields, the history case, the
+// exported C entries, and archives that are missing or absent.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "core/kernel_state.hpp"
+#include "respcore/respcore.h"
+#include "support/archive_fixture.hpp"
+
+namespace respcore::testing {
+namespace {
+
+// One node with equations 1..6 whose displacement at step s is 10 e + s.
+void one_node(ArchiveFixture& a, int32_t store_code, int32_t nsteps) {
+  a.history_cases({{store_code, 1, nsteps, 0, 0}});
+  std::vector<EquationHistory> eqs(6);
+  for (int e = 1; e <= 6; ++e) {
+    for (int s = 1; s <= nsteps; ++s) {
+      eqs[e - 1].disp.push_back(10.0 * e + s);
+      eqs[e - 1].vel.push_back(0);
+      eqs[e - 1].acc.push_back(0);
+    }
+  }
+  a.direct_histories(1, eqs, nsteps);
+  a.node_records({{{1, 2, 3, 4, 5, 6}, {}}, {{4, 5, 6, 1, 2, 3}, {}}});
+  a.write();
+}
+
+TEST(Entry, DirectStorageCodeThreeActsAsTwo) {
+  ArchiveFixture a;
+  one_node(a, 3, 4);
+  Kernel k;
+  auto r = k.run(a.request(9, 2, 4));
+  EXPECT_EQ(r.values, (std::vector<double>{21, 22, 23, 24}));
+}
+
+TEST(Entry, HistoryModeTakesTheFirstItemOnly) {
+  ArchiveFixture a;
+  one_node(a, 2, 3);
+  Kernel k;
+  auto q = a.request(9, 1, 3);
+  q.num_items = 7;
+  q.elements = {2, 1, 1, 1, 1, 1, 1};
+  q.serials = std::vector<int32_t>(7, 1);
+  EXPECT_EQ(k.run(q).values, (std::vector<double>{41, 42, 43}));
+}
+
+TEST(Entry, FamiliesOutsideTheTableCallNothing) {
+  ArchiveFixture a;
+  one_node(a, 2, 3);
+  Kernel k;
+  for (int32_t type : {0, 15}) {
+    auto q = a.request(type, 1, 3);
+    EXPECT_EQ(k.run(q).values, (std::vector<double>{0, 0, 0}));
+    q.request_mode = 3;
+    EXPECT_EQ(k.run(q).values, std::vector<double>(12, 0.0));
+    // A snapshot copies nothing: the caller's array stays as it was.
+    std::vector<double> out = {-1, -1};
+    const int32_t serial = 1, node = 1;
+    ASSERT_EQ(k.request(a.base().c_str(), static_cast<int32_t>(a.base().size()), type, 1, 1, 1,
+                        1, 1, 2, 1, 0, out.data(), &serial, &node, 1),
+              0);
+    EXPECT_EQ(out, (std::vector<double>{-1, -1}));
+  }
+}
+
+TEST(Entry, NameLengthIsCheckedAndCut) {
+  Kernel k;
+  std::string name(1025, 'x');
+  std::vector<double> out(2, -1.0);
+  const int32_t one = 1;
+  ::testing::internal::CaptureStderr();
+  ::testing::internal::CaptureStdout();
+  k.request(name.data(), 1025, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
+  const std::string out_lines = ::testing::internal::GetCapturedStdout();
+  const std::string err = ::testing::internal::GetCapturedStderr();
+  EXPECT_NE(err.find("array bound exceeded: K_FNAME subscript 1025 bound 1:1024"), std::string::npos);
+  EXPECT_EQ(k.state().archive.FNAME_LEN, 1024);
+  // No such archive: error lines, and zeros.
+  EXPECT_NE(out_lines.find("   OPENING ERROR READ-F IN RESP CORE \n"), std::string::npos);
+  EXPECT_EQ(out, (std::vector<double>{0, 0}));
+
+  ::testing::internal::CaptureStderr();
+  ::testing::internal::CaptureStdout();
+  k.request(name.data(), 1024, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
+  ::testing::internal::GetCapturedStdout();
+  EXPECT_EQ(::testing::internal::GetCapturedStderr().find("K_FNAME"), std::string::npos);
+  ::testing::internal::CaptureStderr();
+  ::testing::internal::CaptureStdout();
+  k.request(name.data(), -3, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
+  ::testing::internal::GetCapturedStdout();
+  EXPECT_NE(::testing::internal::GetCapturedStderr().find("K_FNAME subscript -3"), std::string::npos);
+  EXPECT_EQ(k.state().archive.FNAME_LEN, 0);
+}
+
+TEST(Entry, ProductTagPersistsForUnknownIndices) {
+  ArchiveFixture a("Y.J.P");
+  one_node(a, 2, 2);
+  Kernel k;
+  auto q = a.request(9, 1, 2);
+  q.product_index = 2;
+  EXPECT_EQ(k.run(q).values, (std::vector<double>{11, 12}));
+  q.product_index = 0;  // keeps "Y.J.P"
+  auto r = k.run(q);
+  EXPECT_EQ(r.values, (std::vector<double>{11, 12}));
+  EXPECT_TRUE(r.output_lines.empty());
+  q.product_index = 1;  // "P.R.W": no such files
+  r = k.run(q);
+  EXPECT_EQ(r.values, (std::vector<double>{0, 0}));
+  EXPECT_FALSE(r.output_lines.empty());
+}
+
+TEST(Entry, KernelsDoNotShareState) {
+  ArchiveFixture a("Y.J.P");
+  one_node(a, 2, 2);
+  Kernel k1, k2;
+  auto q = a.request(9, 1, 2);
+  q.product_index = 2;
+  k1.run(q);
+  q.product_index = 0;
+  EXPECT_EQ(k1.run(q).values, (std::vector<double>{11, 12}));
+  // A fresh kernel has no tag yet: the names have no extension.
+  auto r = k2.run(q);
+  EXPECT_EQ(r.values, (std::vector<double>{0, 0}));
+}
+
+using EntryFn = decltype(&respcore_request);
+
+TEST(Entry, ExportedSymbolsOfTheSharedLibrary) {
+  const char* lib = std::getenv("RESPCORE_TEST_LIB");
+  if (lib == nullptr) GTEST_SKIP() << "RESPCORE_TEST_LIB not set";
+  void* h = dlopen(lib, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(h, nullptr) << dlerror();
+  auto entry = reinterpret_cast<void (*)(const char*, int32_t, int32_t, int32_t, int32_t, int32_t,
+                                         int32_t, int32_t, int32_t, int32_t, int32_t, double*,
+                                         const int32_t*, const int32_t*, int32_t)>(
+      dlsym(h, "_RESPCORE"));
+  auto request = reinterpret_cast<EntryFn>(dlsym(h, "respcore_request"));
+  ASSERT_NE(entry, nullptr);
+  ASSERT_NE(request, nullptr);
+  ArchiveFixture a;
+  one_node(a, 2, 3);
+  std::vector<double> out(3, 0.0);
+  const int32_t serial = 1, node = 2;
+  entry(a.base().c_str(), static_cast<int32_t>(a.base().size()), 9, 3, 1, 3, 1, 1, 1, 1, 0,
+        out.data(), &serial, &node, 1);
+  EXPECT_EQ(out, (std::vector<double>{61, 62, 63}));
+  out.assign(3, 0.0);
+  EXPECT_EQ(request(a.base().c_str(), static_cast<int32_t>(a.base().size()), 9, 4, 1, 3, 1, 1, 1,
+                    1, 0, out.data(), &serial, &node, 1),
+            0);
+  EXPECT_EQ(out, (std::vector<double>{11, 12, 13}));
+  dlclose(h);
+}
+
+}  // namespace
+}  // namespace respcore::testing
