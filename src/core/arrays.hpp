@@ -20,7 +20,7 @@ void report_bound_failure(const char* name, int64_t value, int64_t lo, int64_t h
 
 // Largest single array the library will make; beyond this an allocation is
 // refused with std::bad_alloc instead of exhausting the machine.
-inline constexpr int64_t kMaxArrayBytes = int64_t{2} << 30;
+inline constexpr int64_t kMaxArrayBytes = int64_t{1} << 30;
 
 // Element count of an array of the given extents, clamped at 0 per extent;
 // throws std::bad_alloc when the product overflows or exceeds kMaxArrayBytes.

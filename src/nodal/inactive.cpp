@@ -18,8 +18,12 @@ void READ_INFORM_INITIAL(KernelState& K) {
     return;
   }
   const int32_t n = K.archive.SEC_RECLEN;
-  T.INFM_TMHL.resize(n);
-  read_i32(K, UNIT_FIRST, first, T.INFM_TMHL.ref(), n);
+  // The table is only ever consulted when its first entry is set, which
+  // takes a successful read; a record that cannot be read leaves it zero,
+  // so its first entry stands for all of it.
+  const bool readable = n > 0 && unit_last_record(K, UNIT_FIRST, int64_t{n} * 4) >= first;
+  T.INFM_TMHL.resize(readable ? n : std::min(n, 1));
+  if (readable) read_i32(K, UNIT_FIRST, first, T.INFM_TMHL.ref(), n);
   if (T.INFM_TMHL(1) == 0) {
     T.NUM_INACTIVE = 0;
     return;
