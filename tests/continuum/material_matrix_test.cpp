@@ -89,8 +89,11 @@ TEST(MaterialMatrix, OrthotropicTimesComplianceIsIdentity) {
   EXPECT_EQ(d6[5 + 6 * 5], 2.5e4);
   EXPECT_EQ(d4[3 + 4 * 3], 4.0e4);
   for (int i = 0; i < 6; ++i)
-    for (int j = 3; j < 6; ++j)
-      if (i != j) EXPECT_EQ(d6[i + 6 * j], 0.0);
+    for (int j = 3; j < 6; ++j) {
+      if (i != j) {
+        EXPECT_EQ(d6[i + 6 * j], 0.0);
+      }
+    }
 }
 
 TEST(MaterialMatrix, PlaneStressAndPlaneStrainByHand) {
