@@ -1,0 +1,42 @@
+// The step loop shared by the two solid histories: the results of all
+// steps come from one matrix product (displacements of every step at once);
+// each step's column is then turned to global axes, its strains are formed,
+// and, for element-axis results, everything is turned back; at the end the
+// columns go to TDSP.
+#pragma once
+
+#include <cstdint>
+
+#include "core/arrays.hpp"
+#include "run/tdsp.hpp"
+
+namespace respcore {
+
+struct KernelState;
+
+struct SolidStepLayout {
+  int32_t force_rows = 0;     // rows of nodal forces at the head of a column
+  int32_t max_points = 0;     // stress points the column holds (centre included)
+  bool low_order = false;     // integration-point stresses still to extrapolate,
+                              // and forces still in element axes
+};
+
+// OUT := M(1..mrows, 1..ncols) times DISP(1..ncols, all steps), with leading
+// dimensions taken from the matrices. OUT keeps its rows beyond MROWS.
+void solid_product(MatRef<double> OUT, MatRef<double> M, int32_t mrows, int32_t ncols,
+                   MatRef<double> DISP);
+
+// Per step of OUT: extrapolation (low order), turning to global axes with
+// T (columns the element axes), strains into STRAIN_TIME(6 x points, step),
+// and with AXIS_FLAG 0 the turn back to element axes of strains, stresses and
+// forces. NN is the element's node count (points NN + 1).
+void solid_steps(KernelState& K, const SolidStepLayout& L, MatRef<double> OUT,
+                 MatRef<double> STRAIN_TIME, MatRef<double> T, int32_t NN, int32_t AXIS_FLAG);
+
+// Rows 1..NROWS of OUT and rows 1..NSTRAIN of STRAIN_TIME (to TDSP rows
+// STRAIN_ROW0 + k) into TDSP: under REQUEST_MODE 1 step s to column s,
+// otherwise the first step to column ITEM.
+void solid_deliver(KernelState& K, Tdsp& TDSP, int64_t ITEM, MatRef<double> OUT, int32_t NROWS,
+                   MatRef<double> STRAIN_TIME, int32_t STRAIN_ROW0, int32_t NSTRAIN);
+
+}  // namespace respcore

@@ -1,0 +1,189 @@
+#include "solid/solid_tensors.hpp"
+
+#include "continuum/material_matrix.hpp"
+#include "core/kernel_state.hpp"
+#include "numeric/dense.hpp"
+#include "recovery/shape_library.hpp"
+
+namespace respcore {
+
+namespace {
+
+// Whether points 1..NPTS of six values each lie inside V, so that the raw
+// storage may be used; otherwise every subscript goes through the check.
+bool fits(VecRef<double> v, int64_t nvals) { return nvals <= v.size(); }
+
+void load6(VecRef<double> v, int64_t base, double out[6], bool fast) {
+  if (fast) {
+    const double* p = v.data() + (base - v.lo());
+    for (int i = 0; i < 6; ++i) out[i] = p[i];
+  } else {
+    for (int i = 0; i < 6; ++i) out[i] = v(base + i);
+  }
+}
+
+void store6(VecRef<double> v, int64_t base, const double in[6], bool fast) {
+  if (fast) {
+    double* p = v.data() + (base - v.lo());
+    for (int i = 0; i < 6; ++i) p[i] = in[i];
+  } else {
+    for (int i = 0; i < 6; ++i) v(base + i) = in[i];
+  }
+}
+
+void read_t(MatRef<double> T_arg, double t[3][3]) {
+  MatRef<double> T = as_shape(T_arg, 3, 3);
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) t[i][j] = T(i + 1, j + 1);
+}
+
+// R := A S A' (TRANSPOSE false) or A' S A (TRANSPOSE true) for the
+// symmetric S given by its six values.
+void rotate6(const double a[3][3], bool transpose, double v[6]) {
+  const double s[3][3] = {{v[0], v[3], v[5]}, {v[3], v[1], v[4]}, {v[5], v[4], v[2]}};
+  double m[3][3];
+  auto A = [&](int i, int j) { return transpose ? a[j][i] : a[i][j]; };
+  // m := A S
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) m[i][j] = A(i, 0) * s[0][j] + A(i, 1) * s[1][j] + A(i, 2) * s[2][j];
+  // r := m A'
+  double r[3][3];
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) r[i][j] = m[i][0] * A(j, 0) + m[i][1] * A(j, 1) + m[i][2] * A(j, 2);
+  v[0] = r[0][0];
+  v[1] = r[1][1];
+  v[2] = r[2][2];
+  v[3] = r[0][1];
+  v[4] = r[1][2];
+  v[5] = r[2][0];
+}
+
+void rotate_tensors(VecRef<double> VALUES, MatRef<double> T, int32_t NN, bool transpose) {
+  if (NN < 0) return;
+  double t[3][3];
+  read_t(T, t);
+  const int64_t npts = int64_t{NN} + 1;
+  const bool fast = fits(VALUES, 6 * npts);
+  for (int64_t p = 1; p <= npts; ++p) {
+    double v[6];
+    const int64_t base = VALUES.lo() + 6 * (p - 1);
+    load6(VALUES, base, v, fast);
+    rotate6(t, transpose, v);
+    store6(VALUES, base, v, fast);
+  }
+}
+
+void rotate_forces(VecRef<double> F, MatRef<double> T, int32_t NN, bool transpose) {
+  if (NN <= 0) return;
+  double t[3][3];
+  read_t(T, t);
+  const bool fast = fits(F, 3 * int64_t{NN});
+  for (int64_t n = 1; n <= NN; ++n) {
+    const int64_t base = F.lo() + 3 * (n - 1);
+    double f[3];
+    for (int i = 0; i < 3; ++i) f[i] = fast ? F.data()[base - F.lo() + i] : F(base + i);
+    double g[3];
+    for (int i = 0; i < 3; ++i) {
+      g[i] = transpose ? t[0][i] * f[0] + t[1][i] * f[1] + t[2][i] * f[2]
+                       : t[i][0] * f[0] + t[i][1] * f[1] + t[i][2] * f[2];
+    }
+    for (int i = 0; i < 3; ++i) {
+      if (fast) F.data()[base - F.lo() + i] = g[i];
+      else F(base + i) = g[i];
+    }
+  }
+}
+
+}  // namespace
+
+void CHANGE_L_G(VecRef<double> VALUES, MatRef<double> T, int32_t NN) {
+  rotate_tensors(VALUES, T, NN, false);
+}
+
+void CHANGE_G_L(VecRef<double> VALUES, MatRef<double> T, int32_t NN) {
+  rotate_tensors(VALUES, T, NN, true);
+}
+
+void CHANGE_L_G_FORC(VecRef<double> F, MatRef<double> T, int32_t NN) {
+  rotate_forces(F, T, NN, false);
+}
+
+void CHANGE_G_L_FORC(VecRef<double> F, MatRef<double> T, int32_t NN) {
+  rotate_forces(F, T, NN, true);
+}
+
+void SOL_RECV_H(VecRef<double> SIG, int32_t NN) {
+  // Point slot P (1 the centre) holds SIG(6(P-1)+1 .. 6P).
+  auto at = [&](int32_t p, int32_t c) -> double& { return SIG(SIG.lo() + 6 * (p - 1) + (c - 1)); };
+  switch (NN) {
+    case 4: {
+      for (int32_t k = 1; k <= 4; ++k)
+        for (int32_t c = 1; c <= 6; ++c) at(k + 1, c) = at(1, c);
+      return;
+    }
+    case 6:
+    case 8: {
+      const int32_t ngp = NN;
+      double result[8][6] = {};
+      double w[8];
+      for (int32_t k = 1; k <= NN; ++k) {
+        VecRef<double> N(w, ngp, "N");
+        if (NN == 8) SOLID_SHAPE_8NODES(N, k + 1);
+        else SOLID_SHAPE_6NODES(N, k + 1);
+        for (int32_t c = 1; c <= 6; ++c) {
+          double s = 0.0;
+          for (int32_t g = 1; g <= ngp; ++g) s += w[g - 1] * at(g + 1, c);
+          result[k - 1][c - 1] = s;
+        }
+      }
+      for (int32_t k = 1; k <= NN; ++k)
+        for (int32_t c = 1; c <= 6; ++c) at(k + 1, c) = result[k - 1][c - 1];
+      return;
+    }
+    case 5: {
+      double pts[8][6];
+      for (int32_t g = 1; g <= 8; ++g)
+        for (int32_t c = 1; c <= 6; ++c) pts[g - 1][c - 1] = at(g + 1, c);
+      for (int32_t g = 1; g <= 8; ++g)
+        for (int32_t c = 1; c <= 6; ++c) at(g + 1, c) = 0.0;
+      double w[8];
+      for (int32_t k = 1; k <= 5; ++k) {
+        SOLID_SHAPE_5NODES(VecRef<double>(w, 8, "N"), k + 1);
+        for (int32_t c = 1; c <= 6; ++c) {
+          double s = 0.0;
+          for (int32_t g = 1; g <= 8; ++g) s += w[g - 1] * pts[g - 1][c - 1];
+          at(k + 1, c) = s;
+        }
+      }
+      return;
+    }
+    default:
+      return;
+  }
+}
+
+void SOLID_STRAIN_TIME(KernelState& K, int32_t NN, int32_t& FIRST, VecRef<double> STRESS,
+                       VecRef<double> STRAIN) {
+  SolidState& S = K.solid;
+  if (FIRST == 1) {
+    STRESS_STRAIN_MATRIX(K, S.DD.ref());
+    INVERSE(K, S.DD.ref(), S.DD_INV.ref(), 6);
+    FIRST = 0;
+  }
+  if (NN < 0) return;
+  const int64_t npts = int64_t{NN} + 1;
+  const bool fast = fits(STRESS, 6 * npts) && fits(STRAIN, 6 * npts);
+  const double* c = S.DD_INV.data();
+  for (int64_t p = 1; p <= npts; ++p) {
+    double sig[6], eps[6];
+    load6(STRESS, STRESS.lo() + 6 * (p - 1), sig, fast);
+    for (int i = 0; i < 6; ++i) {
+      double e = 0.0;
+      for (int j = 0; j < 6; ++j) e += c[i + 6 * j] * sig[j];
+      eps[i] = e;
+    }
+    store6(STRAIN, STRAIN.lo() + 6 * (p - 1), eps, fast);
+  }
+}
+
+}  // namespace respcore

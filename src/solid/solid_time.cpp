@@ -1,0 +1,123 @@
+// Solid history (4-node tetrahedron, 5-node pyramid, 6-node wedge, 8-node
+// hexahedron): nodal forces, stresses and strains of each listed element
+// from the stress-displacement matrix the analysis stored per element.
+//
+// Element record (section SOLD, serial 3, or 4 when ELEM_FORM is 2), 3805
+// doubles, integers stored as doubles:
+//   1 .. NDOF                 equation numbers LM
+//   NDOF+1 .. NDOF+NR*NDOF    STRS(NR,NDOF), column by column: rows 1..24
+//                             nodal forces in element axes (3 per node),
+//                             rows 25.. six stresses (element axes) at the
+//                             centre and then each integration point
+//   3793 NDOF (at most 48), 3794 NR (at most 78), 3795 not used,
+//   3796 NN, 3797..3805 T(I,J) = word 3796 + 3(I-1) + J, whose columns are
+//   the element axes in global components.
+//
+// TDSP rows: 1..24 forces, 25..78 stresses of the centre and the nodes,
+// from 79 the strains in the same order.
+#include <algorithm>
+
+#include "archive/section_access.hpp"
+#include "archive/units.hpp"
+#include "core/kernel_state.hpp"
+#include "nodal/disp_equation.hpp"
+#include "run/histories.hpp"
+#include "solid/solid_steps.hpp"
+
+namespace respcore {
+
+namespace {
+
+constexpr int32_t kRecWords = 3805;
+constexpr int32_t kMaxDof = 48;
+constexpr int32_t kMaxRow = 78;
+constexpr int32_t kForceRows = 24;
+constexpr int32_t kMaxPoints = 9;
+constexpr int32_t kMaxNodes = 8;
+
+}  // namespace
+
+void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT,
+                int32_t NCOLS, int32_t AXIS_FLAG) {
+  (void)NCOLS;
+  RunContext& R = K.run;
+  const int32_t nsteps = std::max(R.NUM_STEPS, 0);
+  const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
+
+  Vec<double> SA("SA", kRecWords);
+  Mat<double> STRS("STRS", kMaxRow, kMaxDof);
+  Mat<double> T("T", 3, 3);
+  Vec<int32_t> LM("LM", kMaxDof);
+  Vec<int32_t> IIA("IIA", kMaxNodes);
+  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps);
+  Mat<double> DISP_NO("DISP_NO", 0, 0);
+  Mat<double> SSIG("SSIG", kMaxRow, nsteps);
+  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", 6 * kMaxPoints, nsteps);
+
+  SolidStepLayout layout;
+  layout.force_rows = kForceRows;
+  layout.max_points = kMaxPoints;
+  layout.low_order = true;
+
+  for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
+    RSET(0.0, STRAIN_GLOBAL_TIME.flat(), int64_t{6} * kMaxPoints * nsteps);
+    T.fill(0.0);
+    SA.fill(0.0);
+    const int32_t serial = INUM_SERIAL(p);
+    const int32_t element = INUM_ELEMNT(p);
+    R.CURRENT_ELEM = element;
+
+    READING_ELEMENT_MATERIAL_DATA(K, element);
+    int64_t first = 0;
+    int32_t found = 0;
+    RF_BIN_T(K, ID, 8, first, found);
+    read_f64(K, UNIT_SECOND, first + serial - 1, SA.ref(), kRecWords);
+
+    const int32_t NDOF = trunc_i32(SA(3793));
+    const int32_t NR = trunc_i32(SA(3794));
+    const int32_t NN = trunc_i32(SA(3796));
+    for (int32_t i = 1; i <= 3; ++i)
+      for (int32_t j = 1; j <= 3; ++j) T(i, j) = SA(3796 + 3 * (i - 1) + j);
+
+    // The record holds at most 48 columns and 78 rows; anything beyond is a
+    // bound failure, reported once and left out.
+    int32_t ndof = std::max(NDOF, 0);
+    int32_t nr = std::max(NR, 0);
+    if (ndof > kMaxDof) {
+      report_bound_failure("LM", ndof, 1, kMaxDof);
+      ndof = kMaxDof;
+    }
+    if (nr > kMaxRow) {
+      report_bound_failure("STRS", nr, 1, kMaxRow);
+      nr = kMaxRow;
+    }
+    int32_t nn = std::max(NN, 0);
+    if (nn + 1 > kMaxPoints) {
+      report_bound_failure("SIG", kForceRows + 6 * (int64_t{nn} + 1), 1, kMaxRow);
+      nn = kMaxPoints - 1;
+    }
+
+    LM.fill(0);
+    for (int32_t i = 1; i <= ndof; ++i) LM(i) = trunc_i32(SA(i));
+    STRS.fill(0.0);
+    for (int32_t j = 1; j <= ndof; ++j) {
+      const int64_t base = int64_t{NDOF} + int64_t{j - 1} * NR;
+      for (int32_t i = 1; i <= nr; ++i) STRS(i, j) = SA(base + i);
+    }
+
+    DISP_EQUATION(K, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), ndof, LM.ref(), IIA.ref(),
+                  std::min(nn, kMaxNodes), 1);
+
+    // All steps in one product; rows beyond NR stay zero.
+    SSIG.fill(0.0);
+    solid_product(SSIG.ref(), STRS.ref(), nr, ndof, DISP_EQ.ref());
+    solid_steps(K, layout, SSIG.ref(), STRAIN_GLOBAL_TIME.ref(), T.ref(), nn, AXIS_FLAG);
+
+    // The extrapolated node values are delivered even when the stored matrix
+    // ends at the centre (a tetrahedron's single point).
+    const int32_t nrows = std::min(std::max(nr, kForceRows + 6 * (nn + 1)), kMaxRow);
+    solid_deliver(K, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kMaxRow, 6 * (nn + 1));
+  }
+}
+
+}  // namespace respcore
