@@ -213,29 +213,6 @@ TEST(WallBeamHistory, DeliveredRowsAndResultSet) {
   EXPECT_NE(s16, 0.0);
 }
 
-TEST(WallBeamHistory, SnapshotOfTwoItems) {
-  constexpr int kSteps = 2;
-  ArchiveFixture a;
-  wall_case(a, kSteps);
-  wall_beam_section(a, {wall_beam_words(full_record(1.0)), wall_beam_words(full_record(2.0))});
-  a.write();
-  const Rows one = delivered(expected_set(wall_matrix(1.0), step_disp(2)));
-  const Rows two = delivered(expected_set(wall_matrix(2.0), step_disp(2)));
-  Kernel k;
-  Request r = a.request(14, 14, 1);
-  r.request_mode = 2;
-  r.num_items = 2;
-  r.step_no = 2;
-  r.serials = {1, 2};
-  r.elements = {1, 2};
-  Result res = k.run(r);
-  ASSERT_EQ(res.values.size(), 4u);
-  EXPECT_EQ(res.values[0], one[27]);
-  EXPECT_EQ(res.values[1], one[31]);
-  EXPECT_EQ(res.values[2], two[27]);
-  EXPECT_EQ(res.values[3], two[31]);
-}
-
 TEST(WallBeamHistory, InitialForcesOfAnInactiveWallBeamReachTheCorners) {
   constexpr int kSteps = 2;
   ArchiveFixture a;
