@@ -36,7 +36,9 @@ void CALC_CN_3D(MatRef<double> XL_arg, MatRef<double> XYZ_arg, MatRef<double> T_
 void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_arg, double W,
                    int32_t NDOF) {
   if (NDOF <= 0) return;
-  MatRef<double> S = as_shape(S_arg, NDOF, NDOF);
+  // S keeps its own leading dimension: the caller's stiffness is larger than
+  // the element's NDOF for all but the largest element.
+  MatRef<double> S = S_arg;
   MatRef<double> D = as_shape(D_arg, 6, 6);
   MatRef<double> B = as_shape(B_arg, 6, NDOF);
   // DB := D B, one column at a time, then S += W B' DB.

@@ -30,7 +30,8 @@ int32_t SOLID_HIGH_NGP(int32_t NN);
 // projection of node 1.
 void CALC_CN_3D(MatRef<double> XL, MatRef<double> XYZ, MatRef<double> T, int32_t NN);
 
-// S(NDOF,NDOF) += W B' D B, with B(6,NDOF) and D(6,6).
+// S += W B' D B over the leading NDOF rows and columns of S (read with its
+// own leading dimension), with B(6,NDOF) and D(6,6).
 void SOL_STIFF_MAT(MatRef<double> S, MatRef<double> D, MatRef<double> B, double W, int32_t NDOF);
 
 // Rows IROW+1 .. IROW+6 of STR := D B with its columns turned to global

@@ -1,0 +1,337 @@
+// Test support for the solid families: small vector algebra, materials,
+// displacement fields, archives of solid elements written with the writer,
+// and an element formulation of the test's own (shape functions, B matrix,
+// integration) from which the stored stress-displacement matrices are made.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/archive_fixture.hpp"
+
+namespace respcore::testing::solid {
+
+using V3 = std::array<double, 3>;
+using M3 = std::array<std::array<double, 3>, 3>;  // m[i][j]
+using V6 = std::array<double, 6>;                 // xx, yy, zz, xy, yz, zx
+using M6 = std::array<double, 36>;                // column-major 6 by 6
+
+inline M3 matmul(const M3& a, const M3& b) {
+  M3 c{};
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j)
+      for (int k = 0; k < 3; ++k) c[i][j] += a[i][k] * b[k][j];
+  return c;
+}
+inline M3 transpose(const M3& a) {
+  M3 t{};
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) t[i][j] = a[j][i];
+  return t;
+}
+inline V3 mul(const M3& a, const V3& v) {
+  V3 r{};
+  for (int i = 0; i < 3; ++i) r[i] = a[i][0] * v[0] + a[i][1] * v[1] + a[i][2] * v[2];
+  return r;
+}
+inline V3 add(const V3& a, const V3& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
+inline V3 cross(const V3& a, const V3& b) {
+  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+inline double det3(const M3& a) {
+  return a[0][0] * (a[1][1] * a[2][2] - a[1][2] * a[2][1]) -
+         a[0][1] * (a[1][0] * a[2][2] - a[1][2] * a[2][0]) +
+         a[0][2] * (a[1][0] * a[2][1] - a[1][1] * a[2][0]);
+}
+// Cofactor matrix: det(F) F^-T.
+inline M3 cofactor(const M3& a) {
+  M3 c{};
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) {
+      const int i1 = (i + 1) % 3, i2 = (i + 2) % 3, j1 = (j + 1) % 3, j2 = (j + 2) % 3;
+      c[i][j] = a[i1][j1] * a[i2][j2] - a[i1][j2] * a[i2][j1];
+    }
+  }
+  return c;
+}
+
+// A proper rotation from three angles (about z, then y, then x).
+inline M3 rotation(double a, double b, double c) {
+  const M3 rz = {{{std::cos(a), -std::sin(a), 0}, {std::sin(a), std::cos(a), 0}, {0, 0, 1}}};
+  const M3 ry = {{{std::cos(b), 0, std::sin(b)}, {0, 1, 0}, {-std::sin(b), 0, std::cos(b)}}};
+  const M3 rx = {{{1, 0, 0}, {0, std::cos(c), -std::sin(c)}, {0, std::sin(c), std::cos(c)}}};
+  return matmul(rz, matmul(ry, rx));
+}
+
+// Symmetric tensor <-> six values.
+inline M3 tensor(const V6& v) {
+  return {{{v[0], v[3], v[5]}, {v[3], v[1], v[4]}, {v[5], v[4], v[2]}}};
+}
+inline V6 six(const M3& s) { return {s[0][0], s[1][1], s[2][2], s[0][1], s[1][2], s[2][0]}; }
+// R S R'.
+inline V6 rotate(const M3& r, const V6& v) {
+  return six(matmul(r, matmul(tensor(v), transpose(r))));
+}
+
+// Engineering strain of a displacement gradient G[i][j] = du_i/dx_j.
+inline V6 strain_of(const M3& g) {
+  return {g[0][0], g[1][1], g[2][2], g[0][1] + g[1][0], g[1][2] + g[2][1], g[2][0] + g[0][2]};
+}
+inline V6 mul6(const M6& d, const V6& v) {
+  V6 r{};
+  for (int i = 0; i < 6; ++i)
+    for (int j = 0; j < 6; ++j) r[i] += d[i + 6 * j] * v[j];
+  return r;
+}
+
+struct Material {
+  double E = 2.0e5;
+  double nu = 0.3;
+  int type = 0;                   // 0 isotropic, 1 orthotropic
+  std::array<double, 9> vals{};   // E2, nu13, -, E3, nu23, -, G12, G23, G31
+};
+
+inline Material orthotropic() {
+  Material m;
+  m.type = 1;
+  m.E = 1.5e5;
+  m.nu = 0.25;
+  m.vals = {0.9e5, 0.2, 0.0, 0.6e5, 0.3, 0.0, 4.0e4, 2.5e4, 3.0e4};
+  return m;
+}
+
+// Compliance, written down from the engineering constants.
+inline M6 compliance(const Material& m) {
+  M6 c{};
+  if (m.type == 1) {
+    const double E1 = m.E, E2 = m.vals[0], E3 = m.vals[3];
+    const double n12 = m.nu, n13 = m.vals[1], n23 = m.vals[4];
+    const double a[3][3] = {{1 / E1, -n12 / E1, -n13 / E1},
+                            {-n12 / E1, 1 / E2, -n23 / E2},
+                            {-n13 / E1, -n23 / E2, 1 / E3}};
+    for (int i = 0; i < 3; ++i)
+      for (int j = 0; j < 3; ++j) c[i + 6 * j] = a[i][j];
+    for (int i = 0; i < 3; ++i) c[(3 + i) * 7] = 1.0 / m.vals[6 + i];
+  } else {
+    const double G = m.E / (2 * (1 + m.nu));
+    for (int i = 0; i < 3; ++i) {
+      for (int j = 0; j < 3; ++j) c[i + 6 * j] = (i == j ? 1.0 : -m.nu) / m.E;
+      c[(3 + i) * 7] = 1.0 / G;
+    }
+  }
+  return c;
+}
+
+// Elastic matrix: Lame form for the isotropic material, the inverse of the
+// compliance (by Gauss elimination with pivoting) for the orthotropic one.
+inline M6 elastic(const Material& m) {
+  M6 d{};
+  if (m.type != 1) {
+    const double lam = m.E * m.nu / ((1 + m.nu) * (1 - 2 * m.nu));
+    const double mu = m.E / (2 * (1 + m.nu));
+    for (int i = 0; i < 3; ++i) {
+      for (int j = 0; j < 3; ++j) d[i + 6 * j] = lam + (i == j ? 2 * mu : 0.0);
+      d[(3 + i) * 7] = mu;
+    }
+    return d;
+  }
+  M6 a = compliance(m);
+  M6 inv{};
+  for (int i = 0; i < 6; ++i) inv[i * 7] = 1.0;
+  for (int k = 0; k < 6; ++k) {
+    int piv = k;
+    for (int i = k + 1; i < 6; ++i)
+      if (std::fabs(a[i + 6 * k]) > std::fabs(a[piv + 6 * k])) piv = i;
+    for (int j = 0; j < 6; ++j) {
+      std::swap(a[k + 6 * j], a[piv + 6 * j]);
+      std::swap(inv[k + 6 * j], inv[piv + 6 * j]);
+    }
+    const double p = a[k + 6 * k];
+    for (int j = 0; j < 6; ++j) {
+      a[k + 6 * j] /= p;
+      inv[k + 6 * j] /= p;
+    }
+    for (int i = 0; i < 6; ++i) {
+      if (i == k) continue;
+      const double f = a[i + 6 * k];
+      for (int j = 0; j < 6; ++j) {
+        a[i + 6 * j] -= f * a[k + 6 * j];
+        inv[i + 6 * j] -= f * inv[k + 6 * j];
+      }
+    }
+  }
+  return inv;
+}
+
+// The global stress of a constant strain (displacement gradient G), the
+// material being given in the element axes, the columns of Q.
+inline V6 stress_of_element(const Material& m, const M3& Q, const M3& G) {
+  M3 e = tensor(strain_of(G));
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j)
+      if (i != j) e[i][j] *= 0.5;
+  const M3 el = matmul(transpose(Q), matmul(e, Q));
+  const V6 evl = {el[0][0], el[1][1], el[2][2], 2 * el[0][1], 2 * el[1][2], 2 * el[2][0]};
+  return rotate(Q, mul6(elastic(m), evl));
+}
+
+// ---------------------------------------------------------------------------
+// Displacement fields: u(X, step).
+
+using Field = std::function<V3(const V3&, int)>;
+
+// u = s (a + G X) at step s.
+inline Field linear_field(const V3& a, const M3& g) {
+  return [a, g](const V3& x, int s) {
+    const V3 u = add(a, mul(g, x));
+    return V3{s * u[0], s * u[1], s * u[2]};
+  };
+}
+// u = s (a + w x X): an infinitesimal rigid motion.
+inline Field rigid_field(const V3& a, const V3& w) {
+  return [a, w](const V3& x, int s) {
+    const V3 u = add(a, cross(w, x));
+    return V3{s * u[0], s * u[1], s * u[2]};
+  };
+}
+
+inline M3 sample_gradient() {
+  return {{{1.2e-3, -0.4e-3, 0.7e-3}, {0.3e-3, -0.9e-3, 0.5e-3}, {-0.6e-3, 0.8e-3, 0.4e-3}}};
+}
+
+// ---------------------------------------------------------------------------
+// An archive of solid elements: nodes numbered from 1, equation 3(n-1)+c for
+// node n and direction c, direct storage of the histories in file 1, case 1.
+
+struct SolidModel {
+  std::vector<V3> nodes;
+  std::vector<Material> materials;    // material k+1
+  std::vector<int> element_material;  // per element serial: material number
+
+  void write_common(ArchiveFixture& a, const Field& u, int nsteps) const {
+    a.history_cases({{2, 1, nsteps, 0, 0}});
+    std::vector<EquationHistory> eqs(3 * nodes.size());
+    for (size_t n = 0; n < nodes.size(); ++n) {
+      for (int s = 1; s <= nsteps; ++s) {
+        const V3 d = u(nodes[n], s);
+        for (int c = 0; c < 3; ++c) eqs[3 * n + c].disp.push_back(d[c]);
+      }
+    }
+    a.direct_histories(1, eqs, nsteps);
+    Section& elmt = a.writer().second().add("ELMT", 3, 1, static_cast<int64_t>(element_material.size()));
+    for (size_t e = 0; e < element_material.size(); ++e)
+      elmt.put_i32(static_cast<int64_t>(e) + 1, 0, element_material[e]);
+    std::vector<std::vector<double>> mats;
+    for (size_t m = 0; m < materials.size(); ++m) {
+      std::vector<double> r = {double(m + 1), materials[m].E, materials[m].nu, double(materials[m].type)};
+      for (double v : materials[m].vals) r.push_back(v);
+      mats.push_back(r);
+    }
+    a.writer().second().add_f64_rows("MATL", 3, mats, 13);
+  }
+};
+
+// Rows 1..NROWS of TDSP of one item over NSTEPS steps, each row through its
+// own REQUEST_MODE 1 request: rows[r-1][s-1].
+inline std::vector<std::vector<double>> all_rows(Kernel& k, Request r, int nrows) {
+  std::vector<std::vector<double>> rows;
+  for (int c = 1; c <= nrows; ++c) {
+    r.result_comp = c;
+    Result res = k.run(r);
+    EXPECT_EQ(res.status, STATUS_DONE);
+    rows.push_back(res.values);
+  }
+  return rows;
+}
+
+inline V6 point6(const std::vector<std::vector<double>>& rows, int row0, int s) {
+  V6 v{};
+  for (int i = 0; i < 6; ++i) v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
+  return v;
+}
+inline V3 point3(const std::vector<std::vector<double>>& rows, int row0, int s) {
+  V3 v{};
+  for (int i = 0; i < 3; ++i) v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
+  return v;
+}
+
+inline double norm6(const V6& v) {
+  double s = 0;
+  for (double x : v) s += x * x;
+  return std::sqrt(s);
+}
+
+// Component by component; a message may be streamed behind.
+#define EXPECT_V6_NEAR(a, b, tol) \
+  for (int i_ = 0; i_ < 6; ++i_) EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
+#define EXPECT_V3_NEAR(a, b, tol) \
+  for (int i_ = 0; i_ < 3; ++i_) EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
+
+// ---------------------------------------------------------------------------
+// Natural node coordinates of the shapes, in element order.
+
+inline std::vector<V3> natural_nodes(int nn) {
+  switch (nn) {
+    case 4: return {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    case 5: return {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}, {0, 0, 1}};
+    case 6: return {{0, 0, -1}, {1, 0, -1}, {0, 1, -1}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}};
+    case 8:
+      return {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1},
+              {-1, -1, 1},  {1, -1, 1},  {1, 1, 1},  {-1, 1, 1}};
+    case 10:
+      return {{0, 0, 0},   {1, 0, 0},     {0, 1, 0},   {0, 0, 1},   {0.5, 0, 0},
+              {0.5, 0.5, 0}, {0, 0.5, 0}, {0, 0, 0.5}, {0.5, 0, 0.5}, {0, 0.5, 0.5}};
+    case 13:
+      return {{-1, -1, 0}, {1, -1, 0},   {1, 1, 0},    {-1, 1, 0},     {0, 0, 1},
+              {0, -1, 0},  {1, 0, 0},    {0, 1, 0},    {-1, 0, 0},     {-0.5, -0.5, 0.5},
+              {0.5, -0.5, 0.5}, {0.5, 0.5, 0.5}, {-0.5, 0.5, 0.5}};
+    case 15:
+      return {{0, 0, -1},   {1, 0, -1},   {0, 1, -1}, {0, 0, 1},   {1, 0, 1},
+              {0, 1, 1},    {0.5, 0, -1}, {0.5, 0.5, -1}, {0, 0.5, -1}, {0.5, 0, 1},
+              {0.5, 0.5, 1}, {0, 0.5, 1}, {0, 0, 0},  {1, 0, 0},   {0, 1, 0}};
+    case 20:
+      return {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}, {-1, -1, 1}, {1, -1, 1},
+              {1, 1, 1},    {-1, 1, 1},  {0, -1, -1}, {1, 0, -1}, {0, 1, -1}, {-1, 0, -1},
+              {0, -1, 1},   {1, 0, 1},   {0, 1, 1},  {-1, 0, 1},  {-1, -1, 0}, {1, -1, 0},
+              {1, 1, 0},    {-1, 1, 0}};
+    default: return {};
+  }
+}
+
+// Global node positions: X = Q (A x + bump(x)) + C, with A upper triangular so
+// that the element axes built from nodes 1..3 (or 1..4) are the columns of Q.
+struct Placement {
+  M3 Q = rotation(0.0, 0.0, 0.0);
+  M3 A = {{{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};
+  V3 C = {0.0, 0.0, 0.0};
+  double bump = 0.0;  // curvature given to nodes that are not corners
+};
+
+inline Placement sample_placement(int variant) {
+  Placement p;
+  const double ang[3][3] = {{0.4, -0.7, 1.1}, {2.3, 0.5, -0.9}, {-1.4, 1.2, 0.3}};
+  p.Q = rotation(ang[variant % 3][0], ang[variant % 3][1], ang[variant % 3][2]);
+  p.A = {{{2.0, 0.3, -0.2}, {0.0, 1.5, 0.4}, {0.0, 0.0, 1.2}}};
+  p.C = {10.0, -4.0, 7.5};
+  return p;
+}
+
+inline std::vector<V3> place(const std::vector<V3>& nat, int ncorner, const Placement& p) {
+  std::vector<V3> out;
+  for (size_t k = 0; k < nat.size(); ++k) {
+    V3 x = mul(p.A, nat[k]);
+    if (static_cast<int>(k) >= ncorner && p.bump != 0.0) {
+      const double f = p.bump;
+      x = add(x, V3{f * std::sin(1.0 + k), f * std::cos(2.0 * k), f * std::sin(0.5 * k + 0.3)});
+    }
+    out.push_back(add(mul(p.Q, x), p.C));
+  }
+  return out;
+}
+
+}  // namespace respcore::testing::solid
