@@ -67,7 +67,7 @@ std::vector<double> beam_record(const FrameModel& model, const Member& m) {
   // bending factors negated, as the kernel reads them).
   const double cyz = s.cy / s.Iz, czy = s.cz / s.Iy;
   const double fi[7] = {-1 / s.A, -1 / s.Avz, -1 / s.Avy, -cyz, cyz, czy, -czy};
-  const double fj[7] = {1 / s.A, 1 / s.Avz, -1 / s.Avy, cyz, -cyz, -czy, czy};
+  const double fj[7] = {1 / s.A, 1 / s.Avz, 1 / s.Avy, cyz, -cyz, -czy, czy};
   for (int r = 0; r < 7; ++r) {
     S(12 + r, 0) = fi[r];
     S(19 + r, 3) = fj[r];

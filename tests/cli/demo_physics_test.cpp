@@ -1,0 +1,362 @@
+// The demo archive is a physically right analysis, checked through the
+// kernel: both storages give the same response, an undamped run is in
+// equilibrium at every step, the stored modes are mass-orthonormal, the end
+// forces agree with the slope-deflection equations of the node motion, and
+// the modal integration is exact for loads it can represent.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <map>
+
+#include "support/temp_dir.hpp"
+
+#ifdef RESPCORE_HAVE_DEMO
+#include "archive/section_access.hpp"
+#include "archive/units.hpp"
+#include "core/kernel_state.hpp"
+#include "frame_demo.hpp"
+#include "respcore/kernel.hpp"
+
+namespace respcore::testing {
+namespace {
+
+using demo::DemoOptions;
+using demo::FrameModel;
+using demo::Member;
+using demo::Role;
+
+struct DemoArchive {
+  explicit DemoArchive(double damping) {
+    opt.damping = damping;
+    summary = demo::write_demo_archive(dir.file("out"), opt);
+    model = demo::build_frame(opt);
+  }
+  TempDir dir;
+  DemoOptions opt;
+  demo::DemoSummary summary;
+  FrameModel model;
+};
+
+// The demo as shipped (2 % damping) and without damping, written once.
+const DemoArchive& shipped() {
+  static const DemoArchive a(DemoOptions{}.damping);
+  return a;
+}
+
+const DemoArchive& undamped() {
+  static const DemoArchive a(0.0);
+  return a;
+}
+
+Request request(const DemoArchive& a, int elem_type, int comp, int hist_case) {
+  Request r;
+  r.base = a.summary.base;
+  r.elem_type = elem_type;
+  r.result_comp = comp;
+  r.hist_case = hist_case;
+  r.num_steps = a.summary.steps;
+  r.request_mode = 1;
+  r.axis_flag = 1;
+  return r;
+}
+
+// History of one node component (relative motion unless STEP_NO says).
+std::vector<double> node_history(Kernel& k, const DemoArchive& a, int type, int node, int comp,
+                                 int hist_case, int step_no = 1) {
+  Request r = request(a, type, comp, hist_case);
+  r.step_no = step_no;
+  r.serials = {node};
+  r.elements = {node};
+  Result res = k.run(r);
+  EXPECT_EQ(res.status, 0);
+  EXPECT_TRUE(res.output_lines.empty());
+  return res.values;
+}
+
+std::vector<double> element_history(Kernel& k, const DemoArchive& a, const Member& m, int row,
+                                    int hist_case) {
+  Request r = request(a, m.elem_type, row, hist_case);
+  r.serials = {m.serial};
+  r.elements = {m.number};
+  Result res = k.run(r);
+  EXPECT_EQ(res.status, 0);
+  EXPECT_TRUE(res.output_lines.empty());
+  return res.values;
+}
+
+double peak(const std::vector<double>& v) {
+  double p = 0;
+  for (double x : v) p = std::max(p, std::abs(x));
+  return p;
+}
+
+TEST(DemoPhysics, ModalAndDirectCasesGiveTheSameResponse) {
+  const DemoArchive& a = shipped();
+  Kernel k;
+  // Node motion: every component of the roof and first-floor nodes, all
+  // three quantities.
+  for (const demo::Node& n : a.model.nodes) {
+    if (n.level != 1 && n.level != a.opt.storeys) continue;
+    for (int type : {9, 10, 11}) {
+      for (int comp = 1; comp <= 6; ++comp) {
+        const auto modal = node_history(k, a, type, n.number, comp, 1);
+        const auto direct = node_history(k, a, type, n.number, comp, 2);
+        ASSERT_EQ(modal.size(), direct.size());
+        const double tol = 1e-9 * std::max(peak(modal), 1e-12);
+        for (size_t s = 0; s < modal.size(); ++s) {
+          ASSERT_NEAR(modal[s], direct[s], tol) << "node " << n.number << " type " << type << " comp " << comp << " step " << s + 1;
+        }
+      }
+    }
+  }
+  // End forces of every column, beam and brace.
+  for (const Member& m : a.model.members) {
+    const int rows = m.elem_type == 13 ? 12 : 4;
+    for (int row = 1; row <= rows; ++row) {
+      const auto modal = element_history(k, a, m, row, 1);
+      const auto direct = element_history(k, a, m, row, 2);
+      const double tol = 1e-9 * std::max(peak(modal), 1e-9);
+      ASSERT_GT(peak(modal), 0.0) << "member " << m.number << " row " << row;
+      for (size_t s = 0; s < modal.size(); ++s) {
+        ASSERT_NEAR(modal[s], direct[s], tol) << "member " << m.number << " row " << row << " step " << s + 1;
+      }
+    }
+  }
+}
+
+// Without damping the only horizontal forces on the frame are the inertia
+// forces of the masses and the support reactions, which the ground-storey
+// columns carry alone (no brace reaches the ground). The columns' local y is
+// global X and their local z global Y, and end i is the base, so the base
+// shears Vy-i, Vz-i (internal forces at end i) sum to the inertia forces
+// -m a_abs.
+TEST(DemoPhysics, UndampedBaseShearBalancesInertiaForcesAtEveryStep) {
+  const DemoArchive& a = undamped();
+  Kernel k;
+  for (int hist_case : {1, 2}) {
+    for (int dir = 0; dir < 2; ++dir) {
+      std::vector<double> shear(static_cast<size_t>(a.summary.steps), 0.0), inertia = shear;
+      for (const Member& m : a.model.members) {
+        if (m.role != Role::Column || m.storey != 1) continue;
+        ASSERT_EQ(a.model.node(m.node_i).level, 0);
+        ASSERT_DOUBLE_EQ(m.axes[1][0], 1.0);  // local y along X
+        ASSERT_DOUBLE_EQ(m.axes[2][1], 1.0);  // local z along Y
+        const auto v = element_history(k, a, m, dir == 0 ? 2 : 3, hist_case);
+        for (size_t s = 0; s < v.size(); ++s) shear[s] += v[s];
+      }
+      for (const demo::Node& n : a.model.nodes) {
+        if (n.fixed) continue;
+        const auto acc = node_history(k, a, 11, n.number, dir + 1, hist_case, 2);
+        for (size_t s = 0; s < acc.size(); ++s) inertia[s] -= n.mass * acc[s];
+      }
+      const double scale = peak(inertia);
+      ASSERT_GT(scale, 100.0);  // a real earthquake response, in kN
+      for (size_t s = 0; s < shear.size(); ++s) {
+        ASSERT_NEAR(shear[s], inertia[s], 1e-7 * scale) << "case " << hist_case << " direction " << dir << " step " << s + 1;
+      }
+    }
+  }
+}
+
+TEST(DemoPhysics, DampingTakesEnergyOut) {
+  // Same record, same structure: the damped roof motion decays after the
+  // strong phase, and its peak is below the undamped one.
+  Kernel k;
+  const int roof = static_cast<int>(shipped().model.nodes.size());
+  const auto damped = node_history(k, shipped(), 9, roof, 1, 1);
+  const auto free = node_history(k, undamped(), 9, roof, 1, 1);
+  EXPECT_LT(peak(damped), peak(free));
+  const std::vector<double> tail_d(damped.end() - 100, damped.end()), tail_f(free.end() - 100, free.end());
+  EXPECT_LT(peak(tail_d), 0.7 * peak(tail_f));
+}
+
+// The shapes as the kernel reads them (section MSHP, one record per
+// equation) against the lumped masses of the model: Phi' M Phi = I.
+TEST(DemoPhysics, ModeShapesAreMassOrthonormal) {
+  const DemoArchive& a = shipped();
+  Kernel k;
+  KernelState& K = k.state();
+  K.archive.FNAME = a.summary.base + std::string(1024 - a.summary.base.size(), ' ');
+  K.archive.FNAME_LEN = static_cast<int32_t>(a.summary.base.size());
+  std::memcpy(K.archive.PRODUCT_TAG.data(), "P.R.W", 5);
+  K.archive.READ_METHOD = 0;
+  int64_t first = 0;
+  int32_t found = 0;
+  RF_BIN_T(K, 3, 10, first, found);
+  ASSERT_EQ(found, 1);
+  const int nm = a.summary.modes, neq = a.model.num_equations;
+  ASSERT_EQ(nm, static_cast<int>(a.model.mass_equations.size()));
+  std::vector<std::vector<double>> phi(static_cast<size_t>(neq), std::vector<double>(static_cast<size_t>(nm)));
+  for (int e = 1; e <= neq; ++e) {
+    ASSERT_TRUE(read_f64(K, UNIT_SECOND, first + e - 1, VecRef<double>(phi[static_cast<size_t>(e - 1)].data(), nm, "PHI"), nm));
+  }
+  close_all_units(K);
+  for (int m = 0; m < nm; ++m) {
+    for (int n = 0; n < nm; ++n) {
+      double g = 0;
+      for (int e = 1; e <= neq; ++e) g += a.model.mass_of_equation[static_cast<size_t>(e - 1)] * phi[static_cast<size_t>(e - 1)][static_cast<size_t>(m)] * phi[static_cast<size_t>(e - 1)][static_cast<size_t>(n)];
+      EXPECT_NEAR(g, m == n ? 1.0 : 0.0, 1e-9) << "modes " << m + 1 << ", " << n + 1;
+    }
+  }
+}
+
+// Each member's end forces from the kernel against the classic
+// slope-deflection and equilibrium equations, written from the kernel's own
+// node motion of the member's two nodes turned into the member's axes.
+TEST(DemoPhysics, EndForcesFollowSlopeDeflectionOfTheNodeMotion) {
+  const DemoArchive& a = shipped();
+  Kernel k;
+  const std::vector<int> steps = {150, 420, 531, 777};
+  // Node motion at those steps: [node][comp][k].
+  std::map<int, std::array<std::vector<double>, 6>> motion;
+  for (const demo::Node& n : a.model.nodes) {
+    for (int c = 0; c < 6; ++c) {
+      const auto h = node_history(k, a, 9, n.number, c + 1, 1);
+      for (int s : steps) motion[n.number][static_cast<size_t>(c)].push_back(h[static_cast<size_t>(s - 1)]);
+    }
+  }
+  for (const Member& m : a.model.members) {
+    const auto& sec = a.model.sections[static_cast<size_t>(m.section)];
+    const auto& mat = a.model.materials[static_cast<size_t>(m.material - 1)];
+    const double L = m.length, E = mat.E, G = mat.G();
+    std::vector<std::vector<double>> rows;
+    const int nrows = m.elem_type == 13 ? 12 : 4;
+    for (int r = 1; r <= nrows; ++r) rows.push_back(element_history(k, a, m, r, 1));
+    for (size_t q = 0; q < steps.size(); ++q) {
+      // Local translations and rotations of both ends.
+      auto local = [&](int node, int off) {
+        std::array<double, 3> v{};
+        for (int i = 0; i < 3; ++i) {
+          for (int j = 0; j < 3; ++j) v[static_cast<size_t>(i)] += m.axes[static_cast<size_t>(i)][static_cast<size_t>(j)] * motion[node][static_cast<size_t>(off + j)][q];
+        }
+        return v;
+      };
+      const auto ui = local(m.node_i, 0), uj = local(m.node_j, 0);
+      const auto ri = local(m.node_i, 3), rj = local(m.node_j, 3);
+      const double N = E * sec.A / L * (uj[0] - ui[0]);
+      const size_t s = static_cast<size_t>(steps[q] - 1);
+      if (m.elem_type == 12) {
+        const double tol = 1e-8 * std::abs(N) + 1e-6;
+        EXPECT_NEAR(rows[0][s], N, tol);
+        EXPECT_NEAR(rows[1][s], N, tol);
+        EXPECT_NEAR(rows[2][s], N / sec.A, tol / sec.A);
+        continue;
+      }
+      // Moments acting on the member at its ends.
+      const double Mzi = 2 * E * sec.Iz / L * (2 * ri[2] + rj[2] - 3 * (uj[1] - ui[1]) / L);
+      const double Mzj = 2 * E * sec.Iz / L * (ri[2] + 2 * rj[2] - 3 * (uj[1] - ui[1]) / L);
+      const double Myi = 2 * E * sec.Iy / L * (2 * ri[1] + rj[1] + 3 * (uj[2] - ui[2]) / L);
+      const double Myj = 2 * E * sec.Iy / L * (ri[1] + 2 * rj[1] + 3 * (uj[2] - ui[2]) / L);
+      const double T = G * sec.J / L * (rj[0] - ri[0]);
+      const double fyj = -(Mzi + Mzj) / L, fzj = (Myi + Myj) / L;
+      // Kernel rows: the internal forces of the section at each end (the
+      // negated end forces at end i, the end forces at end j), except the
+      // moment about y, counted the other way at both ends.
+      const double expect[12] = {N, fyj, fzj, T, Myi, -Mzi, N, fyj, fzj, T, -Myj, Mzj};
+      double scale = 0;
+      for (double v : expect) scale = std::max(scale, std::abs(v));
+      for (int r = 0; r < 12; ++r) {
+        EXPECT_NEAR(rows[static_cast<size_t>(r)][s], expect[r], 1e-7 * scale + 1e-9)
+            << "member " << m.number << " row " << r + 1 << " step " << steps[q];
+      }
+    }
+  }
+}
+
+// Stress rows against the section: axial stress N/A and shear stresses V/Av
+// at both ends, and the
+// worst corner |N|/A + |My| cz/Iy + |Mz| cy/Iz, since the four corners
+// take every sign combination of the two bending stresses.
+TEST(DemoPhysics, CornerStressesMatchTheSectionFormula) {
+  const DemoArchive& a = shipped();
+  Kernel k;
+  for (const Member& m : a.model.members) {
+    if (m.elem_type != 13) continue;
+    const auto& sec = a.model.sections[static_cast<size_t>(m.section)];
+    std::map<int, std::vector<double>> row;
+    for (int r : {1, 2, 3, 5, 6, 7, 8, 9, 11, 12, 13, 14, 15, 20, 21, 22, 27, 28, 29, 30, 31, 32, 33, 34}) {
+      row[r] = element_history(k, a, m, r, 1);
+    }
+    for (size_t s = 0; s < row[1].size(); s += 97) {
+      for (int end = 0; end < 2; ++end) {
+        const double N = row[end ? 7 : 1][s], My = row[end ? 11 : 5][s], Mz = row[end ? 12 : 6][s];
+        const double worst = std::abs(N) / sec.A + std::abs(My) * sec.cz / sec.Iy + std::abs(Mz) * sec.cy / sec.Iz;
+        double got = 0;
+        for (int c = 0; c < 4; ++c) got = std::max(got, std::abs(row[(end ? 31 : 27) + c][s]));
+        EXPECT_NEAR(got, worst, 1e-9 * worst + 1e-9) << "member " << m.number << " step " << s + 1;
+        EXPECT_NEAR(row[end ? 20 : 13][s], N / sec.A, 1e-9 * std::abs(N / sec.A) + 1e-9);
+        const double ty = row[end ? 8 : 2][s] / sec.Avy, tz = row[end ? 9 : 3][s] / sec.Avz;
+        EXPECT_NEAR(row[end ? 21 : 14][s], ty, 1e-9 * std::abs(ty) + 1e-9);
+        EXPECT_NEAR(row[end ? 22 : 15][s], tz, 1e-9 * std::abs(tz) + 1e-9);
+      }
+    }
+  }
+}
+
+// The step of the modal integration against closed-form responses.
+TEST(DemoPhysics, ModalStepIsExactForStepAndRampLoads) {
+  const double w = 7.3, z = 0.05, h = 0.013, p = 2.5;
+  double q = 0, v = 0, acc = 0;
+  const double wd = w * std::sqrt(1 - z * z);
+  for (int s = 1; s <= 500; ++s) {
+    demo::exact_modal_step(w, z, h, p, p, q, v, acc);
+    const double t = s * h;
+    const double e = std::exp(-z * w * t);
+    const double exact = p / (w * w) * (1 - e * (std::cos(wd * t) + z / std::sqrt(1 - z * z) * std::sin(wd * t)));
+    ASSERT_NEAR(q, exact, 1e-12) << "step " << s;
+  }
+  // Undamped ramp p = r t from rest: q = r/w^2 (t - sin(w t)/w).
+  const double r = 3.0;
+  q = v = acc = 0;
+  for (int s = 1; s <= 500; ++s) {
+    demo::exact_modal_step(w, 0.0, h, r * (s - 1) * h, r * s * h, q, v, acc);
+    const double t = s * h;
+    ASSERT_NEAR(q, r / (w * w) * (t - std::sin(w * t) / w), 1e-12);
+    ASSERT_NEAR(v, r / (w * w) * (1 - std::cos(w * t)), 1e-12);
+    ASSERT_NEAR(acc, r / w * std::sin(w * t), 1e-10);
+  }
+}
+
+// The stored ground motion: velocity and displacement are the integrals of
+// the acceleration, seen through the kernel as absolute minus relative
+// motion of a node.
+TEST(DemoPhysics, GroundMotionIsConsistentThroughTheKernel) {
+  const DemoArchive& a = shipped();
+  Kernel k;
+  const int node = a.model.nodes.back().number;
+  std::array<std::vector<double>, 3> ground;
+  for (int type : {9, 10, 11}) {
+    const auto rel = node_history(k, a, type, node, 1, 1);
+    const auto abs = node_history(k, a, type, node, 1, 1, 2);
+    for (size_t s = 0; s < rel.size(); ++s) ground[static_cast<size_t>(type - 9)].push_back(abs[s] - rel[s]);
+  }
+  const double h = a.summary.dt;
+  const auto& d = ground[0];
+  const auto& vel = ground[1];
+  const auto& acc = ground[2];
+  EXPECT_NEAR(peak(acc), a.opt.pga_x, 1e-9);
+  // The record is piecewise linear in acceleration from rest, so over a step
+  // the velocity grows by the trapezoid of the acceleration, and the
+  // displacement by the trapezoid of the velocity less h^2 (a1 - a0) / 12.
+  double a0 = 0, v0 = 0, d0 = 0;
+  for (size_t s = 0; s < d.size(); ++s) {
+    ASSERT_NEAR(vel[s] - v0, h * (a0 + acc[s]) / 2, 1e-9 * peak(vel)) << "step " << s + 1;
+    ASSERT_NEAR(d[s] - d0, h * (v0 + vel[s]) / 2 - h * h * (acc[s] - a0) / 12, 1e-9 * peak(d)) << "step " << s + 1;
+    a0 = acc[s];
+    v0 = vel[s];
+    d0 = d[s];
+  }
+}
+
+}  // namespace
+}  // namespace respcore::testing
+
+#else
+
+TEST(DemoPhysics, NeedsTheDemoModule) {
+  GTEST_SKIP() << "the demo analysis is built with the tools (RESPCORE_BUILD_TOOLS=ON)";
+}
+
+#endif
