@@ -56,8 +56,11 @@ void SOLID_HIGH(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
   Mat<double> M("ASA_NODAL", kOutRows, kMaxDof);
   Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps);
   Mat<double> DISP_NO("DISP_NO", 0, 0);
-  Mat<double> SIG("SIG", kOutRows, nsteps);
-  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", 6 * kMaxPoints, nsteps);
+  // One element over many steps needs only the requested row: the full
+  // tables serve the other request modes, whose steps are one.
+  const int32_t full_steps = R.REQUEST_MODE == 1 ? 0 : nsteps;
+  Mat<double> SIG("SIG", kOutRows, full_steps);
+  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", 6 * kMaxPoints, full_steps);
   Mat<double> VALUE_GAUSS("VALUE_GAUSS", 6 * kMaxDof, SOLID_HIGH_MAX_GP);
   Mat<double> VALUE_NODAL("VALUE_NODAL", 6 * kMaxDof, kMaxPoints);
 
@@ -71,7 +74,6 @@ void SOLID_HIGH(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
     const int32_t element = INUM_ELEMNT(p);
     R.CURRENT_ELEM = element;
     SA.fill(0.0);
-    STRAIN_GLOBAL_TIME.fill(0.0);
 
     // 1. Material, then the element record, whose material values win.
     READING_ELEMENT_MATERIAL_DATA(K, element);
@@ -144,7 +146,11 @@ void SOLID_HIGH(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
     }
 
     // 5. The steps.
-    SIG.fill(0.0);
+    if (R.REQUEST_MODE == 1) {
+      solid_history_row(K, TDSP, layout, M.ref(), kOutRows, neq, DISP_EQ.ref(), TT.ref(), nn,
+                        AXIS_FLAG, kMaxDof + 6 * npts, kStrainRow0, 6 * npts);
+      continue;
+    }
     solid_product(SIG.ref(), M.ref(), kOutRows, neq, DISP_EQ.ref());
     solid_steps(K, layout, SIG.ref(), STRAIN_GLOBAL_TIME.ref(), TT.ref(), nn, AXIS_FLAG);
     solid_deliver(K, TDSP, p, SIG.ref(), kMaxDof + 6 * npts, STRAIN_GLOBAL_TIME.ref(),

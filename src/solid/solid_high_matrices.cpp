@@ -41,7 +41,31 @@ void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_
   MatRef<double> S = S_arg;
   MatRef<double> D = as_shape(D_arg, 6, 6);
   MatRef<double> B = as_shape(B_arg, 6, NDOF);
-  // DB := D B, one column at a time, then S += W B' DB.
+  // DB := D B, then S += W B' DB, column by column.
+  if (S.rows() >= NDOF && S.cols() >= NDOF && B.cols() >= NDOF) {
+    double d[6][6];
+    for (int32_t r = 0; r < 6; ++r)
+      for (int32_t k = 0; k < 6; ++k) d[r][k] = D(r + 1, k + 1);
+    const double* b = B.data();
+    const int64_t lds = S.rows();
+    for (int32_t j = 0; j < NDOF; ++j) {
+      const double* bj = b + 6 * j;
+      double db[6];
+      for (int32_t r = 0; r < 6; ++r) {
+        double x = 0.0;
+        for (int32_t k = 0; k < 6; ++k) x += d[r][k] * bj[k];
+        db[r] = x;
+      }
+      double* sj = S.data() + lds * j;
+      for (int32_t i = 0; i < NDOF; ++i) {
+        const double* bi = b + 6 * i;
+        double x = 0.0;
+        for (int32_t k = 0; k < 6; ++k) x += bi[k] * db[k];
+        sj[i] = sj[i] + W * x;
+      }
+    }
+    return;
+  }
   double db[6];
   for (int32_t j = 1; j <= NDOF; ++j) {
     for (int32_t r = 1; r <= 6; ++r) {

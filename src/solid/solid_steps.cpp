@@ -11,8 +11,11 @@ namespace respcore {
 void solid_product(MatRef<double> OUT, MatRef<double> M, int32_t mrows, int32_t ncols,
                    MatRef<double> DISP) {
   const int64_t nsteps = std::min(OUT.cols(), DISP.cols());
-  if (mrows <= 0 || ncols <= 0 || nsteps <= 0) return;
-  if (mrows > OUT.rows() || mrows > M.rows() || ncols > M.cols() || ncols > DISP.rows()) return;
+  if (mrows <= 0 || nsteps <= 0 || mrows > OUT.rows()) return;
+  if (ncols <= 0 || mrows > M.rows() || ncols > M.cols() || ncols > DISP.rows()) {
+    for (int64_t s = 1; s <= nsteps; ++s) std::fill(OUT.col(s), OUT.col(s) + mrows, 0.0);
+    return;
+  }
   DGEMM('N', 'N', mrows, static_cast<int32_t>(nsteps), ncols, 1.0, M.data(),
         static_cast<int32_t>(M.rows()), DISP.data(), static_cast<int32_t>(DISP.rows()), 0.0,
         OUT.data(), static_cast<int32_t>(OUT.rows()));
@@ -69,6 +72,93 @@ void solid_deliver(KernelState& K, Tdsp& TDSP, int64_t ITEM, MatRef<double> OUT,
   const int64_t ns = std::min<int64_t>(NSTRAIN, STRAIN_TIME.rows());
   for (int64_t k = 1; k <= ns; ++k)
     put_row(STRAIN_ROW0 + k, STRAIN_TIME.data() + (k - 1), STRAIN_TIME.rows());
+}
+
+void solid_history_row(KernelState& K, Tdsp& TDSP, const SolidStepLayout& L, MatRef<double> M,
+                       int32_t mrows, int32_t ncols, MatRef<double> DISP, MatRef<double> T,
+                       int32_t NN, int32_t AXIS_FLAG, int32_t NROWS, int32_t STRAIN_ROW0,
+                       int32_t NSTRAIN) {
+  const int32_t C = K.run.RESULT_COMP;
+  const int64_t nsteps = DISP.cols();
+  if (nsteps <= 0 || NN < 0) return;
+  const int32_t F = L.force_rows;
+
+  // The block of the row: a node's force triple or a point's six values.
+  enum class Kind { Force, Stress, Strain } kind;
+  int32_t b0 = 0, blen = 0, at = 0;  // first row of the block, its length, C's place in it
+  bool turn = true;                  // the block is one the routines turn
+  if (C >= 1 && C <= NROWS && C <= F) {
+    kind = Kind::Force;
+    const int32_t n = (C - 1) / 3 + 1;
+    b0 = 3 * n - 2;
+    blen = 3;
+    at = (C - 1) % 3;
+    turn = n <= NN;
+  } else if (C > F && C <= NROWS) {
+    kind = Kind::Stress;
+    const int32_t p = (C - F - 1) / 6 + 1;
+    b0 = F + 6 * (p - 1) + 1;
+    blen = 6;
+    at = (C - F - 1) % 6;
+    turn = p <= NN + 1;
+  } else if (C > STRAIN_ROW0 && C <= STRAIN_ROW0 + NSTRAIN) {
+    kind = Kind::Strain;
+    const int32_t p = (C - STRAIN_ROW0 - 1) / 6 + 1;
+    b0 = F + 6 * (p - 1) + 1;
+    blen = 6;
+    at = (C - STRAIN_ROW0 - 1) % 6;
+  } else {
+    return;  // a row the element does not fill
+  }
+  if (b0 + blen - 1 > mrows) return;
+
+  // The product: all rows when the stored points must be extrapolated,
+  // otherwise the block's rows alone.
+  const int32_t rows = L.low_order ? mrows : blen;
+  const int32_t first_row = L.low_order ? 1 : b0;
+  Mat<double> OUT("SIG", rows, nsteps);
+  MatRef<double> Msub(M.data() + (first_row - 1), M.rows(), M.cols(), M.name());
+  if (ncols > 0 && ncols <= M.cols() && ncols <= DISP.rows() && rows <= M.rows()) {
+    DGEMM('N', 'N', rows, static_cast<int32_t>(nsteps), ncols, 1.0, Msub.data(),
+          static_cast<int32_t>(M.rows()), DISP.data(), static_cast<int32_t>(DISP.rows()), 0.0,
+          OUT.data(), rows);
+  }
+  const int32_t off = b0 - first_row;  // the block's place in a column of OUT
+
+  double* dst = nullptr;
+  if (TDSP.allocated() && TDSP.cols() >= nsteps) dst = TDSP.row(C);
+  int32_t first = 1;
+  double strain[6];
+  for (int64_t s = 1; s <= nsteps; ++s) {
+    double* col = OUT.col(s);
+    if (L.low_order) SOL_RECV_H(VecRef<double>(col + F, rows - F, "SIG"), NN);
+    VecRef<double> blk(col + off, blen, "SIG");
+    double v = 0.0;
+    switch (kind) {
+      case Kind::Force:
+        if (turn && L.low_order) CHANGE_L_G_FORC(blk, T, 1);
+        if (turn && AXIS_FLAG == 0) CHANGE_G_L_FORC(blk, T, 1);
+        v = blk(at + 1);
+        break;
+      case Kind::Stress:
+        if (turn) {
+          CHANGE_L_G(blk, T, 0);
+          if (AXIS_FLAG == 0) CHANGE_G_L(blk, T, 0);
+        }
+        v = blk(at + 1);
+        break;
+      case Kind::Strain: {
+        CHANGE_L_G(blk, T, 0);
+        VecRef<double> STRAIN(strain, 6, "STRAIN_GLOBAL");
+        SOLID_STRAIN_TIME(K, 0, first, blk, STRAIN);
+        if (AXIS_FLAG == 0) CHANGE_G_L(STRAIN, T, 0);
+        v = strain[at];
+        break;
+      }
+    }
+    if (dst != nullptr) dst[s - 1] = v;
+    else TDSP(C, s) = v;
+  }
 }
 
 }  // namespace respcore

@@ -21,8 +21,9 @@ struct SolidStepLayout {
                               // and forces still in element axes
 };
 
-// OUT := M(1..mrows, 1..ncols) times DISP(1..ncols, all steps), with leading
-// dimensions taken from the matrices. OUT keeps its rows beyond MROWS.
+// OUT(1..mrows, all steps) := M(1..mrows, 1..ncols) times DISP(1..ncols, all
+// steps), with leading dimensions taken from the matrices (zero when there
+// is nothing to multiply). OUT keeps its rows beyond MROWS.
 void solid_product(MatRef<double> OUT, MatRef<double> M, int32_t mrows, int32_t ncols,
                    MatRef<double> DISP);
 
@@ -38,5 +39,16 @@ void solid_steps(KernelState& K, const SolidStepLayout& L, MatRef<double> OUT,
 // otherwise the first step to column ITEM.
 void solid_deliver(KernelState& K, Tdsp& TDSP, int64_t ITEM, MatRef<double> OUT, int32_t NROWS,
                    MatRef<double> STRAIN_TIME, int32_t STRAIN_ROW0, int32_t NSTRAIN);
+
+// One element over many steps (REQUEST_MODE 1), where only the row
+// RESULT_COMP of TDSP is returned: the product, the turns and the strains are
+// made for the point (or node) that row belongs to, with the same routines
+// and in the same order as for all points, and only that row is written.
+// M(mrows, ncols) is the element's matrix (rows as OUT of solid_steps);
+// rows 1..NROWS and STRAIN_ROW0 + 1..NSTRAIN are the element's TDSP rows.
+void solid_history_row(KernelState& K, Tdsp& TDSP, const SolidStepLayout& L, MatRef<double> M,
+                       int32_t mrows, int32_t ncols, MatRef<double> DISP, MatRef<double> T,
+                       int32_t NN, int32_t AXIS_FLAG, int32_t NROWS, int32_t STRAIN_ROW0,
+                       int32_t NSTRAIN);
 
 }  // namespace respcore

@@ -37,19 +37,17 @@ void read_t(MatRef<double> T_arg, double t[3][3]) {
     for (int j = 0; j < 3; ++j) t[i][j] = T(i + 1, j + 1);
 }
 
-// R := A S A' (TRANSPOSE false) or A' S A (TRANSPOSE true) for the
-// symmetric S given by its six values.
-void rotate6(const double a[3][3], bool transpose, double v[6]) {
+// R := A S A' for the symmetric S given by its six values.
+void rotate6(const double a[3][3], double v[6]) {
   const double s[3][3] = {{v[0], v[3], v[5]}, {v[3], v[1], v[4]}, {v[5], v[4], v[2]}};
   double m[3][3];
-  auto A = [&](int i, int j) { return transpose ? a[j][i] : a[i][j]; };
   // m := A S
   for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) m[i][j] = A(i, 0) * s[0][j] + A(i, 1) * s[1][j] + A(i, 2) * s[2][j];
+    for (int j = 0; j < 3; ++j) m[i][j] = a[i][0] * s[0][j] + a[i][1] * s[1][j] + a[i][2] * s[2][j];
   // r := m A'
   double r[3][3];
   for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) r[i][j] = m[i][0] * A(j, 0) + m[i][1] * A(j, 1) + m[i][2] * A(j, 2);
+    for (int j = 0; j < 3; ++j) r[i][j] = m[i][0] * a[j][0] + m[i][1] * a[j][1] + m[i][2] * a[j][2];
   v[0] = r[0][0];
   v[1] = r[1][1];
   v[2] = r[2][2];
@@ -62,13 +60,17 @@ void rotate_tensors(VecRef<double> VALUES, MatRef<double> T, int32_t NN, bool tr
   if (NN < 0) return;
   double t[3][3];
   read_t(T, t);
+  // A := T to leave element axes (T S T'), T' to reach them (T' S T).
+  double a[3][3];
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) a[i][j] = transpose ? t[j][i] : t[i][j];
   const int64_t npts = int64_t{NN} + 1;
   const bool fast = fits(VALUES, 6 * npts);
   for (int64_t p = 1; p <= npts; ++p) {
     double v[6];
     const int64_t base = VALUES.lo() + 6 * (p - 1);
     load6(VALUES, base, v, fast);
-    rotate6(t, transpose, v);
+    rotate6(a, v);
     store6(VALUES, base, v, fast);
   }
 }

@@ -51,8 +51,11 @@ void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
   Vec<int32_t> IIA("IIA", kMaxNodes);
   Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps);
   Mat<double> DISP_NO("DISP_NO", 0, 0);
-  Mat<double> SSIG("SSIG", kMaxRow, nsteps);
-  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", 6 * kMaxPoints, nsteps);
+  // One element over many steps needs only the requested row: the full
+  // tables serve the other request modes, whose steps are one.
+  const int32_t full_steps = R.REQUEST_MODE == 1 ? 0 : nsteps;
+  Mat<double> SSIG("SSIG", kMaxRow, full_steps);
+  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", 6 * kMaxPoints, full_steps);
 
   SolidStepLayout layout;
   layout.force_rows = kForceRows;
@@ -60,9 +63,7 @@ void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
   layout.low_order = true;
 
   for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
-    RSET(0.0, STRAIN_GLOBAL_TIME.flat(), int64_t{6} * kMaxPoints * nsteps);
     T.fill(0.0);
-    SA.fill(0.0);
     const int32_t serial = INUM_SERIAL(p);
     const int32_t element = INUM_ELEMNT(p);
     R.CURRENT_ELEM = element;
@@ -71,7 +72,9 @@ void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
     int64_t first = 0;
     int32_t found = 0;
     RF_BIN_T(K, ID, 8, first, found);
-    read_f64(K, UNIT_SECOND, first + serial - 1, SA.ref(), kRecWords);
+    // The whole record or nothing: a read that fails leaves the table clear.
+    if (!read_record(K, UNIT_SECOND, first + serial - 1, SA.data(), int64_t{kRecWords} * 8))
+      SA.fill(0.0);
 
     const int32_t NDOF = trunc_i32(SA(3793));
     const int32_t NR = trunc_i32(SA(3794));
@@ -99,23 +102,34 @@ void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
 
     LM.fill(0);
     for (int32_t i = 1; i <= ndof; ++i) LM(i) = trunc_i32(SA(i));
-    STRS.fill(0.0);
+    // Rows beyond NR stay zero, so that the product may run over all 78.
+    const int64_t base0 = NDOF;
+    const bool inside = base0 + int64_t{ndof} * NR <= kRecWords && nr == NR && ndof == NDOF;
     for (int32_t j = 1; j <= ndof; ++j) {
-      const int64_t base = int64_t{NDOF} + int64_t{j - 1} * NR;
-      for (int32_t i = 1; i <= nr; ++i) STRS(i, j) = SA(base + i);
+      double* col = STRS.col(j);
+      std::fill(col, col + kMaxRow, 0.0);
+      const int64_t base = base0 + int64_t{j - 1} * NR;
+      if (inside) {
+        std::copy(SA.data() + base, SA.data() + base + nr, col);
+      } else {
+        for (int32_t i = 1; i <= nr; ++i) STRS(i, j) = SA(base + i);
+      }
     }
 
     DISP_EQUATION(K, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), ndof, LM.ref(), IIA.ref(),
                   std::min(nn, kMaxNodes), 1);
 
-    // All steps in one product; rows beyond NR stay zero.
-    SSIG.fill(0.0);
-    solid_product(SSIG.ref(), STRS.ref(), nr, ndof, DISP_EQ.ref());
-    solid_steps(K, layout, SSIG.ref(), STRAIN_GLOBAL_TIME.ref(), T.ref(), nn, AXIS_FLAG);
-
     // The extrapolated node values are delivered even when the stored matrix
     // ends at the centre (a tetrahedron's single point).
     const int32_t nrows = std::min(std::max(nr, kForceRows + 6 * (nn + 1)), kMaxRow);
+    if (R.REQUEST_MODE == 1) {
+      solid_history_row(K, TDSP, layout, STRS.ref(), kMaxRow, ndof, DISP_EQ.ref(), T.ref(), nn,
+                        AXIS_FLAG, nrows, kMaxRow, 6 * (nn + 1));
+      continue;
+    }
+    // All steps in one product (rows beyond NR are zero rows of STRS).
+    solid_product(SSIG.ref(), STRS.ref(), kMaxRow, ndof, DISP_EQ.ref());
+    solid_steps(K, layout, SSIG.ref(), STRAIN_GLOBAL_TIME.ref(), T.ref(), nn, AXIS_FLAG);
     solid_deliver(K, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kMaxRow, 6 * (nn + 1));
   }
 }

@@ -1,0 +1,259 @@
+// Solids: one 20-node hexahedron over 10,000 steps, and 5,000 8-node
+// hexahedra at one step, each beside the plain pread of the bytes its
+// request needs, measured in the same run.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "respcore/archive_writer.hpp"
+#include "respcore/kernel.hpp"
+
+namespace {
+
+using namespace respcore;
+
+std::string bench_dir() {
+  static std::string dir = [] {
+    std::string t = (std::filesystem::temp_directory_path() / "respcore-solid-bench-XXXXXX").string();
+    if (mkdtemp(t.data()) == nullptr) std::abort();
+    std::atexit([] { std::filesystem::remove_all(bench_dir()); });
+    return t;
+  }();
+  return dir;
+}
+
+// Offset of record REC of SEC in its file.
+int64_t offset(const Section& sec, int64_t rec) {
+  return (sec.first - 1 + rec - 1) * 4LL * sec.reclen_words();
+}
+
+void add_material(ArchiveWriter& w, int32_t nelem) {
+  Section& elmt = w.second().add("ELMT", 3, 1, nelem);
+  for (int32_t e = 1; e <= nelem; ++e) elmt.put_i32(e, 0, 1);
+  w.second().add_f64_rows("MATL", 3, {{1, 2.0e5, 0.3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}});
+}
+
+// ---------------------------------------------------------------------------
+// One 20-node hexahedron, 10,000 direct steps.
+
+struct HexArchive {
+  std::string base;
+  int32_t nsteps = 10000;
+  int64_t psoh = 0, cord = 0, dmed = 0, elmt = 0, matl = 0;
+  int32_t psoh_len = 0, cord_len = 0, elmt_len = 0, matl_len = 0;
+};
+
+HexArchive make_hex_archive() {
+  HexArchive a;
+  a.base = bench_dir() + "/hex20";
+  ArchiveWriter w(a.base);
+  w.first();
+  w.second().add("THIF", 3, 5, 1).put_i32s(1, 0, std::vector<int32_t>{2, 1, a.nsteps, 0, 0});
+  add_material(w, 1);
+  const double nat[20][3] = {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}, {-1, -1, 1},
+                             {1, -1, 1},   {1, 1, 1},   {-1, 1, 1}, {0, -1, -1}, {1, 0, -1},
+                             {0, 1, -1},   {-1, 0, -1}, {0, -1, 1}, {1, 0, 1},   {0, 1, 1},
+                             {-1, 0, 1},   {-1, -1, 0}, {1, -1, 0}, {1, 1, 0},   {-1, 1, 0}};
+  std::vector<double> rec(90, 0.0);
+  rec[0] = 20;
+  std::vector<std::vector<double>> cord;
+  for (int k = 0; k < 20; ++k) {
+    rec[1 + k] = k + 1;
+    for (int c = 0; c < 3; ++c) rec[21 + 3 * k + c] = 3 * k + c + 1;
+    cord.push_back({2.0 * nat[k][0] + 0.1 * nat[k][1], 1.5 * nat[k][1], nat[k][2]});
+  }
+  Section& psoh = w.second().add_f64_rows("PSOH", 3, {rec});
+  Section& cords = w.second().add_f64_rows("CORD", 3, cord);
+  Section& dmed = w.direct(1).add("DMED", 1, 2 * a.nsteps, 3 * 60);
+  std::vector<double> h(static_cast<size_t>(a.nsteps));
+  for (int e = 1; e <= 60; ++e) {
+    for (int s = 0; s < a.nsteps; ++s) h[static_cast<size_t>(s)] = 1e-3 * std::sin(0.01 * s * e);
+    dmed.put_f64s(3 * e, 0, h);
+  }
+  w.second().build();
+  w.direct(1).build();
+  a.psoh = offset(psoh, 1);
+  a.psoh_len = 90 * 8;
+  a.cord = offset(cords, 1);
+  a.cord_len = 4 * cords.reclen_words();
+  a.dmed = offset(dmed, 1);
+  Section* elmt = w.second().find("ELMT", 3);
+  Section* matl = w.second().find("MATL", 3);
+  a.elmt = offset(*elmt, 1);
+  a.matl = offset(*matl, 1);
+  w.write();
+  return a;
+}
+
+HexArchive& hex_archive() {
+  static HexArchive a = make_hex_archive();
+  return a;
+}
+
+void BM_Hex20History_Kernel(benchmark::State& st) {
+  HexArchive& a = hex_archive();
+  Kernel k;
+  Request q;
+  q.base = a.base;
+  q.elem_type = 8;
+  q.result_comp = 61;  // centre, xx
+  q.num_steps = a.nsteps;
+  q.serials = {1};
+  q.elements = {1};
+  for (auto _ : st) {
+    auto r = k.run(q);
+    benchmark::DoNotOptimize(r.values.data());
+  }
+  st.SetItemsProcessed(st.iterations() * a.nsteps);
+}
+BENCHMARK(BM_Hex20History_Kernel)->Unit(benchmark::kMillisecond);
+
+void BM_Hex20History_PlainRead(benchmark::State& st) {
+  HexArchive& a = hex_archive();
+  const int64_t reclen = 8LL * a.nsteps;
+  std::vector<double> buf(static_cast<size_t>(a.nsteps));
+  for (auto _ : st) {
+    const int fd2 = open((a.base + ".PA2").c_str(), O_RDONLY);
+    const int fd = open((a.base + ".PAT1").c_str(), O_RDONLY);
+    double rec[90], xyz[3], mat[13];
+    int32_t matno = 0;
+    benchmark::DoNotOptimize(pread(fd2, &matno, 4, a.elmt));
+    benchmark::DoNotOptimize(pread(fd2, mat, sizeof mat, a.matl));
+    benchmark::DoNotOptimize(pread(fd2, rec, sizeof rec, a.psoh));
+    for (int k = 0; k < 20; ++k)
+      benchmark::DoNotOptimize(pread(fd2, xyz, sizeof xyz, a.cord + k * a.cord_len));
+    for (int e = 1; e <= 60; ++e)
+      benchmark::DoNotOptimize(
+          pread(fd, buf.data(), static_cast<size_t>(reclen), a.dmed + (3 * e - 1) * reclen));
+    close(fd);
+    close(fd2);
+  }
+  st.SetItemsProcessed(st.iterations() * a.nsteps);
+}
+BENCHMARK(BM_Hex20History_PlainRead)->Unit(benchmark::kMillisecond);
+
+// ---------------------------------------------------------------------------
+// 5,000 8-node hexahedra in a 50 x 10 x 10 block, 10 stored steps; the
+// request asks for step 7.
+
+struct BlockArchive {
+  std::string base;
+  int32_t n = 5000;
+  int32_t nsteps = 10;
+  int64_t sold = 0, dmed = 0, elmt = 0, matl = 0;
+  int64_t sold_len = 0;
+  std::vector<std::vector<int32_t>> lm;
+};
+
+BlockArchive make_block_archive() {
+  BlockArchive a;
+  a.base = bench_dir() + "/hex8block";
+  ArchiveWriter w(a.base);
+  w.first();
+  w.second().add("THIF", 3, 5, 1).put_i32s(1, 0, std::vector<int32_t>{2, 1, a.nsteps, 0, 0});
+  add_material(w, a.n);
+  const int nx = 50, ny = 10, nz = 10;
+  auto node = [&](int i, int j, int k) { return 1 + i + (nx + 1) * (j + (ny + 1) * k); };
+  const int corner[8][3] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0},
+                            {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
+  Section& sold = w.second().add("SOLD", 3, 2 * 3805, a.n);
+  std::vector<double> rec(3805, 0.0);
+  int32_t e = 0;
+  for (int k = 0; k < nz; ++k) {
+    for (int j = 0; j < ny; ++j) {
+      for (int i = 0; i < nx; ++i) {
+        ++e;
+        std::vector<int32_t> lm;
+        for (const auto& c : corner) {
+          const int nd = node(i + c[0], j + c[1], k + c[2]);
+          for (int d = 1; d <= 3; ++d) lm.push_back(3 * (nd - 1) + d);
+        }
+        std::fill(rec.begin(), rec.end(), 0.0);
+        for (int q = 0; q < 24; ++q) rec[static_cast<size_t>(q)] = lm[static_cast<size_t>(q)];
+        for (int q = 0; q < 78 * 24; ++q) rec[static_cast<size_t>(24 + q)] = std::sin(0.37 * q + e);
+        rec[3792] = 24;
+        rec[3793] = 78;
+        rec[3795] = 8;
+        rec[3796] = rec[3800] = rec[3804] = 1.0;
+        sold.put_f64s(e, 0, rec);
+        a.lm.push_back(lm);
+      }
+    }
+  }
+  const int32_t neq = 3 * (nx + 1) * (ny + 1) * (nz + 1);
+  Section& dmed = w.direct(1).add("DMED", 1, 2 * a.nsteps, 3LL * neq);
+  std::vector<double> h(static_cast<size_t>(a.nsteps));
+  for (int32_t x = 1; x <= neq; ++x) {
+    for (int s = 0; s < a.nsteps; ++s) h[static_cast<size_t>(s)] = 1e-4 * std::cos(x + s);
+    dmed.put_f64s(3 * x, 0, h);
+  }
+  w.second().build();
+  w.direct(1).build();
+  a.sold = offset(sold, 1);
+  a.sold_len = 4LL * sold.reclen_words();
+  a.dmed = offset(dmed, 1);
+  a.elmt = offset(*w.second().find("ELMT", 3), 1);
+  a.matl = offset(*w.second().find("MATL", 3), 1);
+  w.write();
+  return a;
+}
+
+BlockArchive& block_archive() {
+  static BlockArchive a = make_block_archive();
+  return a;
+}
+
+void BM_Hex8Snapshot_Kernel(benchmark::State& st) {
+  BlockArchive& a = block_archive();
+  Kernel k;
+  Request q;
+  q.base = a.base;
+  q.elem_type = 4;
+  q.result_comp = 4;  // xx at the centre and the nodes
+  q.request_mode = 2;
+  q.num_items = a.n;
+  q.step_no = 7;
+  for (int32_t e = 1; e <= a.n; ++e) {
+    q.serials.push_back(e);
+    q.elements.push_back(e);
+  }
+  for (auto _ : st) {
+    auto r = k.run(q);
+    benchmark::DoNotOptimize(r.values.data());
+  }
+  st.SetItemsProcessed(st.iterations() * a.n);
+}
+BENCHMARK(BM_Hex8Snapshot_Kernel)->Unit(benchmark::kMillisecond);
+
+void BM_Hex8Snapshot_PlainRead(benchmark::State& st) {
+  BlockArchive& a = block_archive();
+  const int64_t dreclen = 8LL * a.nsteps;
+  std::vector<double> head(24 + 78 * 24);
+  for (auto _ : st) {
+    const int fd2 = open((a.base + ".PA2").c_str(), O_RDONLY);
+    const int fd = open((a.base + ".PAT1").c_str(), O_RDONLY);
+    double tail[13], mat[13], h[7];
+    for (int32_t e = 1; e <= a.n; ++e) {
+      int32_t matno = 0;
+      benchmark::DoNotOptimize(pread(fd2, &matno, 4, a.elmt + 4LL * (e - 1)));
+      benchmark::DoNotOptimize(pread(fd2, mat, sizeof mat, a.matl));
+      const int64_t rec = a.sold + (e - 1) * a.sold_len;
+      benchmark::DoNotOptimize(pread(fd2, tail, sizeof tail, rec + 3792 * 8));
+      benchmark::DoNotOptimize(pread(fd2, head.data(), head.size() * 8, rec));
+      for (int32_t eq : a.lm[static_cast<size_t>(e - 1)])
+        benchmark::DoNotOptimize(pread(fd, h, sizeof h, a.dmed + (3LL * eq - 1) * dreclen));
+    }
+    close(fd);
+    close(fd2);
+  }
+  st.SetItemsProcessed(st.iterations() * a.n);
+}
+BENCHMARK(BM_Hex8Snapshot_PlainRead)->Unit(benchmark::kMillisecond);
+
+}  // namespace
