@@ -34,8 +34,8 @@ struct DemoOptions {
   int num_steps = 1000;       // stored steps
   double dt = 0.01;           // s; step s lies at time s*dt, the structure is at rest at 0
   uint32_t seed = 20240611;   // ground-motion generator
-  double pga_x = 0.30 * 9.81; // peak ground acceleration, m/s^2
-  double pga_y = 0.20 * 9.81;
+  double pga_x = 0.20 * 9.81; // peak ground acceleration, m/s^2
+  double pga_y = 0.15 * 9.81;
   std::string base_name = "frame";  // archive base name inside the output directory
 };
 
