@@ -10,7 +10,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace respcore {
@@ -25,6 +27,27 @@ inline constexpr int64_t kMaxArrayBytes = int64_t{1} << 30;
 // Element count of an array of the given extents, clamped at 0 per extent;
 // throws std::bad_alloc when the product overflows or exceeds kMaxArrayBytes.
 int64_t checked_count(int64_t elem_size, int64_t n1, int64_t n2 = 1, int64_t n3 = 1);
+
+// Allocator whose value-less construction leaves the element uninitialised,
+// for buffers that are filled whole right after they are made.
+template <class T>
+struct DefaultInitAllocator : std::allocator<T> {
+  template <class U>
+  struct rebind {
+    using other = DefaultInitAllocator<U>;
+  };
+  DefaultInitAllocator() = default;
+  template <class U>
+  DefaultInitAllocator(const DefaultInitAllocator<U>&) noexcept {}
+  template <class U>
+  void construct(U* p) noexcept {
+    ::new (static_cast<void*>(p)) U;
+  }
+  template <class U, class... Args>
+  void construct(U* p, Args&&... args) {
+    ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
+  }
+};
 
 template <class T>
 T& bound_scratch() {

@@ -16,6 +16,7 @@
 #include "plate/plate_state.hpp"
 #include "recovery/recovery_state.hpp"
 #include "run/run_context.hpp"
+#include "run/tdsp.hpp"
 #include "solid/solid_state.hpp"
 
 namespace respcore {
@@ -35,6 +36,10 @@ struct KernelState {
   RecoveryState recovery;
   SolidState solid;
   PlaneState plane;
+
+  // The result store of the current call (made per call; small rows keep
+  // their memory for the next one).
+  Tdsp TDSP{"TDSP", 0};
 
   // Lines written to standard output by the current call.
   std::vector<std::string> output_lines;

@@ -33,6 +33,9 @@ struct NodalState {
   };
   std::map<std::pair<int64_t, int64_t>, RecordBlock> modal_blocks;
   std::vector<double> row_buffer;
+  // One dof's history at a time, for the node histories; kept between calls
+  // while it is small.
+  std::vector<double, DefaultInitAllocator<double>> HIST;
 
   void end_call() {
     ISER.clear();
@@ -41,6 +44,11 @@ struct NodalState {
     modal_blocks.clear();
     row_buffer.clear();
     row_buffer.shrink_to_fit();
+    // Small history buffers are kept for the next call; large ones go.
+    if (HIST.capacity() * sizeof(double) > (size_t{8} << 20)) {
+      HIST.clear();
+      HIST.shrink_to_fit();
+    }
   }
 };
 

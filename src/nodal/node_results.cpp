@@ -8,6 +8,7 @@
 #include "core/kernel_state.hpp"
 #include "nodal/disp_equation.hpp"
 #include "nodal/history_reads.hpp"
+#include "nodal/node_history.hpp"
 #include "run/histories.hpp"
 
 namespace respcore {
@@ -85,20 +86,13 @@ void DISP_VELO_ACCEL(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList 
   RunContext& R = K.run;
   NodeSkew& S = K.skew;
   const int32_t mode = R.REQUEST_MODE;
-  int32_t passes = 1;
-  bool relative = false, ground = false;
-  Tdsp TDSP_OTHER("TDSP_OTHER", 0);
   if (mode == 1) {
-    if (R.STEP_NO == 3) {
-      TDSP_OTHER.reset(NCOLS);
-      passes = 2;
-      relative = true;
-    } else if (R.STEP_NO == 2) {
-      K.nodal.FF_TMP.resize(R.NUM_STEPS, 3, 3);
-      ground = true;
-    }
+    TDSP.zero();
+    node_history_over_steps(K, TDSP, INUM_ELEMNT, NCOLS, RESULT_KIND, AXIS_FLAG);
+    return;
   }
-  if (mode == 1 || mode == 2) TDSP.zero();
+  int32_t passes = 1;
+  if (mode == 2) TDSP.zero();
   int64_t first = 0;
   int32_t found = 0;
   if (mode == 3) {
@@ -139,9 +133,9 @@ void DISP_VELO_ACCEL(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList 
 
   for (int32_t p = 1; p <= passes; ++p) {
     for (int64_t k = 1; k <= R.NUM_ITEMS; ++k) {
-      const int32_t node = relative && p == 2 ? INUM_ELEMNT(2) : INUM_ELEMNT(k);
+      const int32_t node = INUM_ELEMNT(k);
       R.CURRENT_NODE = node;
-      if (mode == 1 || (mode == 3 && p == 1)) fetch.cols = Columns::AllSteps;
+      if (mode == 3 && p == 1) fetch.cols = Columns::AllSteps;
       else if (mode == 3) fetch.cols = Columns::Extremes;
       else fetch.cols = Columns::OneStep;
       if (fetch.cols == Columns::Extremes) {
@@ -296,43 +290,7 @@ void DISP_VELO_ACCEL(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList 
         }
       } else if (mode == 2) {
         for (int32_t r = 1; r <= Kw; ++r) TDSP(r, k) = DISP_NO(r, R.STEP_NO);
-      } else if (mode == 1) {
-        Tdsp& out = relative && p == 2 ? TDSP_OTHER : TDSP;
-        const int64_t n = R.NUM_STEPS;
-        for (int32_t r = 1; r <= Kw; ++r) {
-          if (n <= DISP_NO.cols() && n <= out.cols()) {
-            double* dst = out.row(r);
-            const double* src = DISP_NO.data() + (r - 1);
-            for (int64_t s = 0; s < n; ++s) dst[s] = src[7 * s];
-          } else {
-            for (int64_t s = 1; s <= n; ++s) out(r, s) = DISP_NO(r, s);
-          }
-        }
       }
-    }
-  }
-
-  if (mode == 1 && R.STEP_NO == 3) {
-    for (int32_t r = 1; r <= Kw; ++r) {
-      for (int64_t s = 1; s <= R.NUM_STEPS; ++s) TDSP(r, s) = TDSP(r, s) - TDSP_OTHER(r, s);
-    }
-  }
-  if (mode == 1 && R.STEP_NO == 2 && ground) {
-    Arr3<double>& FF_TMP = K.nodal.FF_TMP;
-    RF_BIN_T(K, 3, 14, first, found);
-    FF_TMP.fill(0.0);
-    const int64_t n = std::max<int64_t>(R.NUM_STEPS, 0);
-    std::vector<double> buf(static_cast<size_t>(n));
-    for (int64_t d = 1; d <= 3; ++d) {
-      for (int64_t q = 1; q <= 3; ++q) {
-        const int64_t rec = first - 1 + 9 * (int64_t{R.HIST_CASE} - 1) + 3 * (d - 1) + q;
-        if (!read_record(K, UNIT_SECOND, rec, buf.data(), n * 8)) continue;
-        for (int64_t s = 1; s <= n; ++s) FF_TMP(s, q, d) = buf[static_cast<size_t>(s - 1)];
-      }
-    }
-    const int64_t qsel = RESULT_KIND == 1 ? 3 : RESULT_KIND == 2 ? 2 : 1;
-    for (int64_t d = 1; d <= 3; ++d) {
-      for (int64_t s = 1; s <= n; ++s) TDSP(d, s) = TDSP(d, s) + FF_TMP(s, qsel, d);
     }
   }
 }

@@ -1,5 +1,7 @@
 // The last step of a request: TDSP to the caller's flat array. A copy that
 // computes nothing.
+#include <algorithm>
+
 #include "core/kernel_state.hpp"
 #include "run/entry.hpp"
 
@@ -66,7 +68,16 @@ int64_t history_size(int32_t elem_type, int32_t result_comp, int32_t num_steps,
 void assemble_history(KernelState& K, Tdsp& TDSP, VecRef<double> TDSP_COMP) {
   const RunContext& R = K.run;
   if (R.REQUEST_MODE == 1) {
-    for (int64_t s = 1; s <= R.NUM_STEPS; ++s) TDSP_COMP(s) = TDSP.get(R.RESULT_COMP, s);
+    const int64_t n = R.NUM_STEPS;
+    const int64_t C = R.RESULT_COMP;
+    if (TDSP.allocated() && C >= 1 && C <= Tdsp::kRows && n <= TDSP.cols() &&
+        n <= TDSP_COMP.size() && TDSP_COMP.lo() == 1 && n > 0) {
+      const auto& row = TDSP.row_values(C);
+      if (row.empty()) std::fill(TDSP_COMP.data(), TDSP_COMP.data() + n, 0.0);
+      else std::copy(row.begin(), row.begin() + n, TDSP_COMP.data());
+      return;
+    }
+    for (int64_t s = 1; s <= n; ++s) TDSP_COMP(s) = TDSP.get(C, s);
     return;
   }
   if (R.REQUEST_MODE == 3) {

@@ -29,6 +29,7 @@ bool tag_is(const KernelState& K, const char* tag) {
 
 // Releases what one call made: units and their caches, the per-call tables.
 void end_of_call(KernelState& K) {
+  K.TDSP.clear();
   close_all_units(K);
   release_inactive_tables(K);
   K.nodal.end_call();
@@ -112,7 +113,7 @@ void run_steps(KernelState& K, const char* K_FNAME, int32_t name_length, int32_t
   R.NUM_MODES = 0;
   R.NUM_STORED_STEPS = 0;
 
-  Tdsp TDSP("TDSP", 0);
+  Tdsp& TDSP = K.TDSP;
   TDSP.clear();
   switch (request_mode) {
     case 1:

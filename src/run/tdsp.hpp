@@ -16,25 +16,32 @@ namespace respcore {
 class Tdsp {
  public:
   static constexpr int64_t kRows = 350;
+  using Row = std::vector<double, DefaultInitAllocator<double>>;
 
   Tdsp() = default;
   Tdsp(const char* name, int64_t ncols) : name_(name) { reset(ncols); }
 
+  // Makes the store anew with NCOLS columns, all zero. Rows of a small
+  // earlier store keep their memory for reuse.
   void reset(int64_t ncols) {
     ncols_ = std::max<int64_t>(ncols, 0);
-    checked_count(sizeof(double), kRows, ncols_);
-    rows_.assign(kRows, {});
+    checked_count(sizeof(double), ncols_);
+    zero();
+    rows_.resize(kRows);
+    allocated_ = true;
   }
+  // Frees the store; only small rows keep their memory.
   void clear() {
-    rows_.clear();
+    zero();
     ncols_ = 0;
+    allocated_ = false;
   }
-  bool allocated() const { return !rows_.empty(); }
+  bool allocated() const { return allocated_; }
   int64_t cols() const { return ncols_; }
 
   // Checked element access; touching a row makes its storage.
   double& operator()(int64_t r, int64_t c) {
-    if (rows_.empty()) return bound_fail<double>(name_, c, 1, 0);
+    if (!allocated_) return bound_fail<double>(name_, c, 1, 0);
     if (r < 1 || r > kRows) return bound_fail<double>(name_, r, 1, kRows);
     if (c < 1 || c > ncols_) return bound_fail<double>(name_, c, 1, ncols_);
     return row(r)[c - 1];
@@ -42,7 +49,7 @@ class Tdsp {
 
   // Checked read that makes no storage.
   double get(int64_t r, int64_t c) const {
-    if (rows_.empty()) return bound_fail<double>(name_, c, 1, 0);
+    if (!allocated_) return bound_fail<double>(name_, c, 1, 0);
     if (r < 1 || r > kRows) return bound_fail<double>(name_, r, 1, kRows);
     if (c < 1 || c > ncols_) return bound_fail<double>(name_, c, 1, ncols_);
     const auto& v = rows_[static_cast<size_t>(r - 1)];
@@ -56,19 +63,32 @@ class Tdsp {
     if (v.empty() && ncols_ > 0) v.assign(static_cast<size_t>(ncols_), 0.0);
     return v.data();
   }
+  // Row R (within 1..350) made afresh with unspecified contents, for a
+  // caller that writes all NCOLS values.
+  double* fresh_row(int64_t r) {
+    auto& v = rows_[static_cast<size_t>(r - 1)];
+    v.resize(static_cast<size_t>(ncols_));
+    return v.data();
+  }
+  const Row& row_values(int64_t r) const { return rows_[static_cast<size_t>(r - 1)]; }
+
   bool row_made(int64_t r) const { return !rows_[static_cast<size_t>(r - 1)].empty(); }
 
   // Sets every entry to zero.
   void zero() {
+    int64_t kept = 0;
     for (auto& v : rows_) {
+      kept += static_cast<int64_t>(v.capacity());
       v.clear();
-      v.shrink_to_fit();
+      if (kept * 8 > kKeepBytes) v.shrink_to_fit();
     }
   }
 
  private:
-  std::vector<std::vector<double>> rows_;
+  static constexpr int64_t kKeepBytes = int64_t{8} << 20;
+  std::vector<Row> rows_;
   int64_t ncols_ = 0;
+  bool allocated_ = false;
   const char* name_ = "TDSP";
 };
 

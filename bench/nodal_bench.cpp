@@ -1,0 +1,220 @@
+// One node over a long direct history, many trusses at one step, and the
+// peak memory of one node over a million steps: the kernel beside the plain
+// pread of the bytes each request needs.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "respcore/archive_writer.hpp"
+#include "respcore/kernel.hpp"
+
+namespace {
+
+using namespace respcore;
+
+std::string bench_dir() {
+  static std::string dir = [] {
+    std::string t = (std::filesystem::temp_directory_path() / "respcore-bench-XXXXXX").string();
+    if (mkdtemp(t.data()) == nullptr) std::abort();
+    std::atexit([] { std::filesystem::remove_all(bench_dir()); });
+    return t;
+  }();
+  return dir;
+}
+
+// A node with equations 1..6 over NSTEPS direct steps.
+struct NodeArchive {
+  std::string base;
+  int32_t nsteps;
+  int64_t dmed_first = 0;  // first record of DMED in the direct file
+};
+
+NodeArchive make_node_archive(int32_t nsteps) {
+  NodeArchive a{bench_dir() + "/node" + std::to_string(nsteps), nsteps};
+  ArchiveWriter w(a.base);
+  w.first();
+  Section& thif = w.second().add("THIF", 3, 5, 1);
+  thif.put_i32s(1, 0, std::vector<int32_t>{2, 1, nsteps, 0, 0});
+  Section& ndsp = w.second().add("NDSP", 3, 54, 1);
+  std::vector<double> rec(27, 0.0);
+  for (int i = 0; i < 6; ++i) rec[i] = i + 1;
+  for (int i = 0, k = 6; i < 6; ++i) {
+    for (int j = i; j < 6; ++j) rec[k++] = i == j ? 1.0 : 0.0;
+  }
+  ndsp.put_f64s(1, 0, rec);
+  Section& dmed = w.direct(1).add("DMED", 1, 2 * nsteps, 18);
+  std::vector<double> h(static_cast<size_t>(nsteps));
+  for (int x = 1; x <= 18; ++x) {
+    for (int s = 0; s < nsteps; ++s) h[static_cast<size_t>(s)] = x + 1e-6 * s;
+    dmed.put_f64s(x, 0, h);
+  }
+  w.direct(1).build();
+  a.dmed_first = dmed.first;
+  w.write();
+  return a;
+}
+
+void BM_NodeHistory_Kernel(benchmark::State& st) {
+  static NodeArchive a = make_node_archive(100000);
+  Kernel k;
+  Request q;
+  q.base = a.base;
+  q.elem_type = 9;
+  q.result_comp = 2;
+  q.num_steps = a.nsteps;
+  q.serials = {1};
+  q.elements = {1};
+  // As a post-processor calls it: into its own array, kept between calls.
+  std::vector<double> out(static_cast<size_t>(a.nsteps));
+  for (auto _ : st) {
+    k.request(q.base.c_str(), static_cast<int32_t>(q.base.size()), q.elem_type, q.result_comp,
+              q.hist_case, q.num_steps, 1, 1, 1, 1, 0, out.data(), q.serials.data(),
+              q.elements.data(), 1);
+    benchmark::DoNotOptimize(out.data());
+  }
+  st.SetBytesProcessed(st.iterations() * 6LL * a.nsteps * 8);
+}
+BENCHMARK(BM_NodeHistory_Kernel)->Unit(benchmark::kMillisecond);
+
+void BM_NodeHistory_PlainRead(benchmark::State& st) {
+  static NodeArchive a = make_node_archive(100000);
+  const int64_t reclen = 8LL * a.nsteps;
+  std::vector<double> buf(static_cast<size_t>(a.nsteps));
+  for (auto _ : st) {
+    // The node record and the six displacement histories.
+    const int fd2 = open((a.base + ".PA2").c_str(), O_RDONLY);
+    const int fd = open((a.base + ".PAT1").c_str(), O_RDONLY);
+    double node[27];
+    benchmark::DoNotOptimize(pread(fd2, node, sizeof node, 0));
+    for (int e = 1; e <= 6; ++e) {
+      benchmark::DoNotOptimize(
+          pread(fd, buf.data(), static_cast<size_t>(reclen), (a.dmed_first - 1 + 3 * e - 1) * reclen));
+    }
+    close(fd);
+    close(fd2);
+  }
+  st.SetBytesProcessed(st.iterations() * 6LL * a.nsteps * 8);
+}
+BENCHMARK(BM_NodeHistory_PlainRead)->Unit(benchmark::kMillisecond);
+
+// 10,000 trusses along a line of nodes, three dof per node, 10 stored steps.
+struct TrussArchive {
+  std::string base;
+  int32_t n = 10000;
+  int32_t nsteps = 10;
+  int64_t trus_first = 0, dmed_first = 0;
+};
+
+TrussArchive make_truss_archive() {
+  TrussArchive a;
+  a.base = bench_dir() + "/trusses";
+  ArchiveWriter w(a.base);
+  w.first();
+  w.second().add("THIF", 3, 5, 1).put_i32s(1, 0, std::vector<int32_t>{2, 1, a.nsteps, 0, 0});
+  Section& trus = w.second().add("TRUS", 3, 126, a.n);
+  for (int32_t e = 1; e <= a.n; ++e) {
+    std::vector<double> sa(63, 0.0);
+    for (int i = 0; i < 6; ++i) sa[i] = 3 * (e - 1) + 1 + i;
+    // STRS(4, 6): axial forces from dof 1 and 4, stress factors in column 1.
+    sa[6 + 0] = -1.0;
+    sa[6 + 2] = 0.01;
+    sa[6 + 3] = 0.01;
+    sa[6 + 4 * 3 + 1] = 1.0;
+    sa[60] = 6;
+    sa[61] = 4;
+    sa[62] = 1.0;
+    trus.put_f64s(e, 0, sa);
+  }
+  const int32_t neq = 3 * (a.n + 1);
+  Section& dmed = w.direct(1).add("DMED", 1, 2 * a.nsteps, 3LL * neq);
+  std::vector<double> h(static_cast<size_t>(a.nsteps));
+  for (int32_t x = 1; x <= 3 * neq; ++x) {
+    for (int s = 0; s < a.nsteps; ++s) h[static_cast<size_t>(s)] = x * 1e-3 + s;
+    dmed.put_f64s(x, 0, h);
+  }
+  w.second().build();
+  w.direct(1).build();
+  a.trus_first = trus.first;
+  a.dmed_first = dmed.first;
+  w.write();
+  return a;
+}
+
+TrussArchive& truss_archive() {
+  static TrussArchive a = make_truss_archive();
+  return a;
+}
+
+void BM_Trusses_Kernel(benchmark::State& st) {
+  TrussArchive& a = truss_archive();
+  Kernel k;
+  Request q;
+  q.base = a.base;
+  q.elem_type = 12;
+  q.result_comp = 1;
+  q.request_mode = 2;
+  q.num_items = a.n;
+  q.step_no = 7;
+  for (int32_t e = 1; e <= a.n; ++e) {
+    q.serials.push_back(e);
+    q.elements.push_back(e);
+  }
+  for (auto _ : st) {
+    auto r = k.run(q);
+    benchmark::DoNotOptimize(r.values.data());
+  }
+  st.SetItemsProcessed(st.iterations() * a.n);
+}
+BENCHMARK(BM_Trusses_Kernel)->Unit(benchmark::kMillisecond);
+
+void BM_Trusses_PlainRead(benchmark::State& st) {
+  TrussArchive& a = truss_archive();
+  const int64_t dreclen = 8LL * a.nsteps;
+  for (auto _ : st) {
+    const int fd2 = open((a.base + ".PA2").c_str(), O_RDONLY);
+    const int fd = open((a.base + ".PAT1").c_str(), O_RDONLY);
+    double sa[63];
+    double h[16];
+    for (int32_t e = 1; e <= a.n; ++e) {
+      benchmark::DoNotOptimize(pread(fd2, sa, sizeof sa, (a.trus_first - 1 + e - 1) * 504));
+      for (int i = 0; i < 6; ++i) {
+        const int64_t eq = static_cast<int64_t>(sa[i]);
+        benchmark::DoNotOptimize(pread(fd, h, 7 * 8, (a.dmed_first - 1 + 3 * eq - 1) * dreclen));
+      }
+    }
+    close(fd);
+    close(fd2);
+  }
+  st.SetItemsProcessed(st.iterations() * a.n);
+}
+BENCHMARK(BM_Trusses_PlainRead)->Unit(benchmark::kMillisecond);
+
+// Peak resident memory of one node over a million steps (reported as a
+// counter; run it alone to read a clean figure).
+void BM_NodeMillionSteps_PeakMemory(benchmark::State& st) {
+  static NodeArchive a = make_node_archive(1000000);
+  Kernel k;
+  Request q;
+  q.base = a.base;
+  q.elem_type = 9;
+  q.result_comp = 1;
+  q.num_steps = a.nsteps;
+  q.serials = {1};
+  q.elements = {1};
+  for (auto _ : st) {
+    auto r = k.run(q);
+    benchmark::DoNotOptimize(r.values.data());
+  }
+  rusage ru{};
+  getrusage(RUSAGE_SELF, &ru);
+  st.counters["peak_MB"] = static_cast<double>(ru.ru_maxrss) / 1024.0;
+}
+BENCHMARK(BM_NodeMillionSteps_PeakMemory)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+}  // namespace
