@@ -528,3 +528,43 @@ TEST(SolidTime, MissingRecordGivesZeros) {
 
 }  // namespace
 }  // namespace respcore::testing::solid
+
+namespace respcore::testing::solid {
+namespace {
+
+// With ELEM_FORM 2 (section THLG of the case) the element records come from
+// serial 4; those of serial 3 are not looked at.
+TEST(SolidTime, SecondElementFormReadsTheRecordsOfSerialFour) {
+  ArchiveFixture a;
+  SolidModel model;
+  model.materials = {Material{}};
+  model.element_material = {1};
+  const Placement pl = sample_placement(0);
+  model.nodes = place(natural_nodes(4), 4, pl);
+  const M3 G = sample_gradient();
+  model.write_common(a, linear_field({0, 0, 0}, G), 1);
+  std::vector<double> rec(3805, 0.0);
+  for (int i = 0; i < 12; ++i) rec[static_cast<size_t>(i)] = i + 1;
+  rec[3792] = 12;
+  rec[3793] = 30;
+  rec[3795] = 4;
+  for (int I = 0; I < 3; ++I)
+    for (int J = 0; J < 3; ++J) rec[static_cast<size_t>(3796 + 3 * I + J)] = pl.Q[I][J];
+  rec[12 + 24] = 1000.0;  // centre xx from dof 1 (x of node 1)
+  std::vector<double> decoy = rec;
+  decoy[12 + 24] = -7.0;
+  a.writer().second().add_f64_rows("SOLD", 3, {decoy});
+  a.writer().second().add_f64_rows("SOLD", 4, {rec});
+  a.writer().first().add("THLG", 1, 1, 1).put_i32(1, 0, 2);
+  a.write();
+  Kernel k;
+  Request r = a.request(4, 25, 1);
+  r.axis_flag = 0;
+  Result res = k.run(r);
+  const double u1 = mul(G, model.nodes[0])[0];
+  ASSERT_EQ(res.values.size(), 1u);
+  EXPECT_NEAR(res.values[0], 1000.0 * u1, 1e-9 * std::fabs(1000.0 * u1));
+}
+
+}  // namespace
+}  // namespace respcore::testing::solid
