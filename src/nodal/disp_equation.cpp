@@ -40,11 +40,39 @@ void direct_storage(KernelState& K, MatRef<double> DISP_EQ, int32_t NLM, VecRef<
   int32_t reclen = 0;
   int64_t start = 0;
   RF_BIN_DIRECT(K, 1, 1, K.run.DIRECT_FILE_NO, reclen, start);
+  const int64_t n = std::max<int64_t>(K.run.NUM_STEPS, 0);
+  if (K.run.REQUEST_MODE == 1 && NLM >= 1 && NLM <= DISP_EQ.rows() && NLM <= LM.size() &&
+      LM.lo() == 1 && n == DISP_EQ.cols() && n > 1) {
+    // A whole history per dof: read the records one after the other into a
+    // dof-major buffer and turn it into step columns in cache-sized blocks.
+    const int64_t ld = DISP_EQ.rows();
+    auto& buf = K.nodal.row_buffer;
+    buf.resize(static_cast<size_t>(checked_count(sizeof(double), NLM, n)));
+    for (int32_t i = 1; i <= NLM; ++i) {
+      double* row = buf.data() + (i - 1) * n;
+      const int32_t e = LM.data()[i - 1];
+      if (e <= 0 || !read_record(K, UNIT_DIRECT, start - 1 + 3 * int64_t{e}, row, n * 8)) {
+        std::fill(row, row + n, 0.0);
+      }
+    }
+    if (NLM < ld) DISP_EQ.fill(0.0);
+    constexpr int64_t kBlock = 64;
+    for (int64_t s0 = 0; s0 < n; s0 += kBlock) {
+      const int64_t s1 = std::min(n, s0 + kBlock);
+      for (int64_t i = 0; i < NLM; ++i) {
+        const double* src = buf.data() + i * n;
+        double* dst = DISP_EQ.data() + i;
+        for (int64_t s = s0; s < s1; ++s) dst[s * ld] = src[s];
+      }
+    }
+    return;
+  }
   DISP_EQ.fill(0.0);
   for (int32_t i = 1; i <= NLM; ++i) {
     const int32_t e = LM(i);
     if (e <= 0) continue;
-    read_history_row(K, UNIT_DIRECT, start - 1 + 3 * int64_t{e}, DISP_EQ, i, K.run.REQUEST_MODE == 1, pick);
+    read_history_row(K, UNIT_DIRECT, start - 1 + 3 * int64_t{e}, DISP_EQ, i,
+                     K.run.REQUEST_MODE == 1, pick);
   }
 }
 
