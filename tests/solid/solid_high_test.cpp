@@ -9,6 +9,7 @@
 
 #include "continuum/interpolation.hpp"
 #include "core/kernel_state.hpp"
+#include "respcore/respcore.h"
 #include "solid/solid_high_matrices.hpp"
 #include "solid_support.hpp"
 
@@ -487,6 +488,59 @@ TEST(SolStf, StiffnessIsSymmetricAndItsEnergyIsTheVolumeTimesTheEnergyDensity) {
     const double volume = ref_volume * det3(pl.A);
     EXPECT_NEAR(energy, volume * density, 1e-9 * volume * density) << nn;
   }
+}
+
+
+// A material whose compliance has a determinant of zero or less cannot be
+// inverted: the run stops. The status entry reports it; the exported entry
+// ends the process with status 0.
+void singular_material_model(HighModel& m) {
+  Material bad;
+  bad.type = 1;
+  bad.E = 1.0;
+  bad.nu = 0.6;
+  bad.vals = {1.0, 0.6, 0.0, 1.0, 0.6, 0.0, 1.0, 1.0, 1.0};
+  m.model.materials = {bad};
+  m.add_element(20, sample_placement(0), 1, bad.vals);
+  m.write(linear_field({0, 0, 0}, sample_gradient()), 1);
+}
+
+TEST(SolidHigh, SingularMaterialStopsTheRun) {
+  HighModel m;
+  singular_material_model(m);
+  Kernel k;
+  ::testing::internal::CaptureStdout();
+  Result r = k.run(m.request(1));
+  const std::string out = ::testing::internal::GetCapturedStdout();
+  EXPECT_EQ(r.status, STATUS_STOPPED);
+  const std::string lines =
+      "\n JACOBIAN DETERMINANT OF ELEMENT NO.       0 IS LITTLE THAN ZERO.\n"
+      " PLEASE CHECK THE SHAPE OF ELEMENT NO.      0.\n";
+  EXPECT_EQ(out, lines);
+  EXPECT_EQ(k.messages(), lines);
+  // The kernel is usable afterwards.
+  HighModel ok;
+  ok.model.materials = {Material{}};
+  ok.add_element(20, sample_placement(0), 1, Material{}.vals);
+  ok.write(linear_field({0, 0, 0}, sample_gradient()), 1);
+  EXPECT_EQ(k.run(ok.request(1)).status, STATUS_DONE);
+}
+
+TEST(SolidHighDeathTest, SingularMaterialEndsTheProcessThroughTheExportedEntry) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  HighModel m;
+  singular_material_model(m);
+  const Request q = m.request(1);
+  std::vector<double> out(1, 0.0);
+  EXPECT_EXIT(respcore_entry_RESPCORE(q.base.c_str(), static_cast<int32_t>(q.base.size()),
+                                      q.elem_type, q.result_comp, q.hist_case, q.num_steps, 1, 1,
+                                      1, q.product_index, 0, out.data(), q.serials.data(),
+                                      q.elements.data(), q.axis_flag),
+              ::testing::ExitedWithCode(0), "");
+  EXPECT_EQ(respcore_request(q.base.c_str(), static_cast<int32_t>(q.base.size()), q.elem_type,
+                             q.result_comp, q.hist_case, q.num_steps, 1, 1, 1, q.product_index, 0,
+                             out.data(), q.serials.data(), q.elements.data(), q.axis_flag),
+            1);
 }
 
 }  // namespace
