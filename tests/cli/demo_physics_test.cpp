@@ -92,36 +92,90 @@ double peak(const std::vector<double>& v) {
   return p;
 }
 
-TEST(DemoPhysics, ModalAndDirectCasesGiveTheSameResponse) {
-  const DemoArchive& a = shipped();
-  Kernel k;
-  // Node motion: every component of the roof and first-floor nodes, all
-  // three quantities.
-  for (const demo::Node& n : a.model.nodes) {
-    if (n.level != 1 && n.level != a.opt.storeys) continue;
-    for (int type : {9, 10, 11}) {
-      for (int comp = 1; comp <= 6; ++comp) {
-        const auto modal = node_history(k, a, type, n.number, comp, 1);
-        const auto direct = node_history(k, a, type, n.number, comp, 2);
-        ASSERT_EQ(modal.size(), direct.size());
-        const double tol = 1e-9 * std::max(peak(modal), 1e-12);
-        for (size_t s = 0; s < modal.size(); ++s) {
-          ASSERT_NEAR(modal[s], direct[s], tol) << "node " << n.number << " type " << type << " comp " << comp << " step " << s + 1;
-        }
+// All members of one family at one step (many items at one step): for
+// each member, by serial, the values of the selector at both ends.
+std::map<int, std::array<double, 2>> at_step(Kernel& k, const DemoArchive& a, int elem_type,
+                                             int selector, int step, int hist_case) {
+  Request r = request(a, elem_type, selector, hist_case);
+  r.request_mode = 2;
+  r.num_steps = 1;
+  r.step_no = step;
+  std::vector<const Member*> members;
+  for (const Member& m : a.model.members) {
+    if (m.elem_type != elem_type) continue;
+    members.push_back(&m);
+    r.serials.push_back(m.serial);
+    r.elements.push_back(m.number);
+  }
+  r.num_items = static_cast<int32_t>(members.size());
+  Result res = k.run(r);
+  EXPECT_EQ(res.status, 0);
+  EXPECT_TRUE(res.output_lines.empty());
+  std::map<int, std::array<double, 2>> out;
+  EXPECT_EQ(res.values.size(), 2 * members.size());
+  for (size_t i = 0; i < members.size() && 2 * i + 1 < res.values.size(); ++i) {
+    out[members[i]->serial] = {res.values[2 * i], res.values[2 * i + 1]};
+  }
+  return out;
+}
+
+// Result rows 1..12 of every beam (1..4 of every truss) at one step, by
+// serial, from the snapshot selectors (selector c gives rows c and c + 6 of
+// a beam, rows 2c - 1 and 2c of a truss).
+std::map<int, std::vector<double>> end_forces(Kernel& k, const DemoArchive& a, int elem_type, int step,
+                                              int hist_case) {
+  std::map<int, std::vector<double>> rows;
+  const int nsel = elem_type == 13 ? 6 : 2;
+  for (int c = 1; c <= nsel; ++c) {
+    for (const auto& [serial, ends] : at_step(k, a, elem_type, c, step, hist_case)) {
+      auto& r = rows[serial];
+      r.resize(elem_type == 13 ? 12 : 4);
+      if (elem_type == 13) {
+        r[static_cast<size_t>(c - 1)] = ends[0];
+        r[static_cast<size_t>(c + 5)] = ends[1];
+      } else {
+        r[static_cast<size_t>(2 * c - 2)] = ends[0];
+        r[static_cast<size_t>(2 * c - 1)] = ends[1];
       }
     }
   }
-  // End forces of every column, beam and brace.
-  for (const Member& m : a.model.members) {
-    const int rows = m.elem_type == 13 ? 12 : 4;
-    for (int row = 1; row <= rows; ++row) {
-      const auto modal = element_history(k, a, m, row, 1);
-      const auto direct = element_history(k, a, m, row, 2);
-      const double tol = 1e-9 * std::max(peak(modal), 1e-9);
-      ASSERT_GT(peak(modal), 0.0) << "member " << m.number << " row " << row;
-      for (size_t s = 0; s < modal.size(); ++s) {
-        ASSERT_NEAR(modal[s], direct[s], tol) << "member " << m.number << " row " << row << " step " << s + 1;
+  return rows;
+}
+
+TEST(DemoPhysics, ModalAndDirectCasesGiveTheSameResponse) {
+  const DemoArchive& a = shipped();
+  Kernel k;
+  auto compare = [](const std::vector<double>& modal, const std::vector<double>& direct, const std::string& what) {
+    ASSERT_EQ(modal.size(), direct.size()) << what;
+    ASSERT_GT(peak(modal), 0.0) << what;
+    const double tol = 1e-9 * peak(modal);
+    for (size_t s = 0; s < modal.size(); ++s) ASSERT_NEAR(modal[s], direct[s], tol) << what << " step " << s + 1;
+  };
+  // Node motion of the roof: every component, all three quantities, all steps.
+  for (const demo::Node& n : a.model.nodes) {
+    if (n.level != a.opt.storeys) continue;
+    for (int type : {9, 10, 11}) {
+      for (int comp = 1; comp <= 6; ++comp) {
+        compare(node_history(k, a, type, n.number, comp, 1), node_history(k, a, type, n.number, comp, 2),
+                "node " + std::to_string(n.number) + " type " + std::to_string(type) + " comp " + std::to_string(comp));
       }
+    }
+  }
+  // End forces of every column, beam and brace at a few steps ...
+  for (int elem_type : {13, 12}) {
+    for (int step : {1, 137, 333, 531, 800, 1000}) {
+      const auto modal = end_forces(k, a, elem_type, step, 1);
+      const auto direct = end_forces(k, a, elem_type, step, 2);
+      for (const auto& [serial, rows] : modal) {
+        compare(rows, direct.at(serial), "type " + std::to_string(elem_type) + " serial " + std::to_string(serial) + " step " + std::to_string(step));
+      }
+    }
+  }
+  // ... and of a ground-storey column and a brace at all steps.
+  for (const Member* m : {&a.model.members.front(), &a.model.members.back()}) {
+    for (int row = 1; row <= (m->elem_type == 13 ? 12 : 4); ++row) {
+      compare(element_history(k, a, *m, row, 1), element_history(k, a, *m, row, 2),
+              "member " + std::to_string(m->number) + " row " + std::to_string(row));
     }
   }
 }
@@ -217,14 +271,14 @@ TEST(DemoPhysics, EndForcesFollowSlopeDeflectionOfTheNodeMotion) {
       for (int s : steps) motion[n.number][static_cast<size_t>(c)].push_back(h[static_cast<size_t>(s - 1)]);
     }
   }
-  for (const Member& m : a.model.members) {
-    const auto& sec = a.model.sections[static_cast<size_t>(m.section)];
-    const auto& mat = a.model.materials[static_cast<size_t>(m.material - 1)];
-    const double L = m.length, E = mat.E, G = mat.G();
-    std::vector<std::vector<double>> rows;
-    const int nrows = m.elem_type == 13 ? 12 : 4;
-    for (int r = 1; r <= nrows; ++r) rows.push_back(element_history(k, a, m, r, 1));
-    for (size_t q = 0; q < steps.size(); ++q) {
+  for (size_t q = 0; q < steps.size(); ++q) {
+    const auto beams = end_forces(k, a, 13, steps[q], 1);
+    const auto trusses = end_forces(k, a, 12, steps[q], 1);
+    for (const Member& m : a.model.members) {
+      const auto& sec = a.model.sections[static_cast<size_t>(m.section)];
+      const auto& mat = a.model.materials[static_cast<size_t>(m.material - 1)];
+      const double L = m.length, E = mat.E, G = mat.G();
+      const std::vector<double>& rows = (m.elem_type == 13 ? beams : trusses).at(m.serial);
       // Local translations and rotations of both ends.
       auto local = [&](int node, int off) {
         std::array<double, 3> v{};
@@ -236,12 +290,12 @@ TEST(DemoPhysics, EndForcesFollowSlopeDeflectionOfTheNodeMotion) {
       const auto ui = local(m.node_i, 0), uj = local(m.node_j, 0);
       const auto ri = local(m.node_i, 3), rj = local(m.node_j, 3);
       const double N = E * sec.A / L * (uj[0] - ui[0]);
-      const size_t s = static_cast<size_t>(steps[q] - 1);
       if (m.elem_type == 12) {
         const double tol = 1e-8 * std::abs(N) + 1e-6;
-        EXPECT_NEAR(rows[0][s], N, tol);
-        EXPECT_NEAR(rows[1][s], N, tol);
-        EXPECT_NEAR(rows[2][s], N / sec.A, tol / sec.A);
+        EXPECT_NEAR(rows[0], N, tol);
+        EXPECT_NEAR(rows[1], N, tol);
+        EXPECT_NEAR(rows[2], N / sec.A, tol / sec.A);
+        EXPECT_NEAR(rows[3], N / sec.A, tol / sec.A);
         continue;
       }
       // Moments acting on the member at its ends.
@@ -258,7 +312,7 @@ TEST(DemoPhysics, EndForcesFollowSlopeDeflectionOfTheNodeMotion) {
       double scale = 0;
       for (double v : expect) scale = std::max(scale, std::abs(v));
       for (int r = 0; r < 12; ++r) {
-        EXPECT_NEAR(rows[static_cast<size_t>(r)][s], expect[r], 1e-7 * scale + 1e-9)
+        EXPECT_NEAR(rows[static_cast<size_t>(r)], expect[r], 1e-7 * scale + 1e-9)
             << "member " << m.number << " row " << r + 1 << " step " << steps[q];
       }
     }
@@ -266,30 +320,27 @@ TEST(DemoPhysics, EndForcesFollowSlopeDeflectionOfTheNodeMotion) {
 }
 
 // Stress rows against the section: axial stress N/A and shear stresses V/Av
-// at both ends, and the
-// worst corner |N|/A + |My| cz/Iy + |Mz| cy/Iz, since the four corners
-// take every sign combination of the two bending stresses.
+// at both ends, and the worst corner |N|/A + |My| cz/Iy + |Mz| cy/Iz, since
+// the four corners take every sign combination of the two bending stresses.
 TEST(DemoPhysics, CornerStressesMatchTheSectionFormula) {
   const DemoArchive& a = shipped();
   Kernel k;
-  for (const Member& m : a.model.members) {
-    if (m.elem_type != 13) continue;
-    const auto& sec = a.model.sections[static_cast<size_t>(m.section)];
-    std::map<int, std::vector<double>> row;
-    for (int r : {1, 2, 3, 5, 6, 7, 8, 9, 11, 12, 13, 14, 15, 20, 21, 22, 27, 28, 29, 30, 31, 32, 33, 34}) {
-      row[r] = element_history(k, a, m, r, 1);
-    }
-    for (size_t s = 0; s < row[1].size(); s += 97) {
-      for (int end = 0; end < 2; ++end) {
-        const double N = row[end ? 7 : 1][s], My = row[end ? 11 : 5][s], Mz = row[end ? 12 : 6][s];
+  for (int step : {1, 150, 531, 777, 1000}) {
+    std::map<int, std::map<int, std::array<double, 2>>> sel;  // selector -> serial -> ends
+    for (int c = 1; c <= 17; ++c) sel[c] = at_step(k, a, 13, c, step, 1);
+    for (const Member& m : a.model.members) {
+      if (m.elem_type != 13) continue;
+      const auto& sec = a.model.sections[static_cast<size_t>(m.section)];
+      for (size_t end = 0; end < 2; ++end) {
+        auto v = [&](int c) { return sel[c][m.serial][end]; };
+        const double N = v(1), My = v(5), Mz = v(6);
         const double worst = std::abs(N) / sec.A + std::abs(My) * sec.cz / sec.Iy + std::abs(Mz) * sec.cy / sec.Iz;
-        double got = 0;
-        for (int c = 0; c < 4; ++c) got = std::max(got, std::abs(row[(end ? 31 : 27) + c][s]));
-        EXPECT_NEAR(got, worst, 1e-9 * worst + 1e-9) << "member " << m.number << " step " << s + 1;
-        EXPECT_NEAR(row[end ? 20 : 13][s], N / sec.A, 1e-9 * std::abs(N / sec.A) + 1e-9);
-        const double ty = row[end ? 8 : 2][s] / sec.Avy, tz = row[end ? 9 : 3][s] / sec.Avz;
-        EXPECT_NEAR(row[end ? 21 : 14][s], ty, 1e-9 * std::abs(ty) + 1e-9);
-        EXPECT_NEAR(row[end ? 22 : 15][s], tz, 1e-9 * std::abs(tz) + 1e-9);
+        const double got = std::max({std::abs(v(14)), std::abs(v(15)), std::abs(v(16)), std::abs(v(17))});
+        EXPECT_NEAR(got, worst, 1e-9 * worst + 1e-9) << "member " << m.number << " step " << step;
+        EXPECT_NEAR(v(7), N / sec.A, 1e-9 * std::abs(N / sec.A) + 1e-9);
+        const double ty = v(2) / sec.Avy, tz = v(3) / sec.Avz;
+        EXPECT_NEAR(v(8), ty, 1e-9 * std::abs(ty) + 1e-9);
+        EXPECT_NEAR(v(9), tz, 1e-9 * std::abs(tz) + 1e-9);
       }
     }
   }
