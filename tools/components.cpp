@@ -38,14 +38,15 @@ std::string node_label(int n) { return "n" + std::to_string(n); }
 std::string point_label(int p) { return p == 1 ? "c" : node_label(p - 1); }
 std::string point_words(int p) { return p == 1 ? "centre" : "node " + std::to_string(p - 1); }
 
-// Nodes: translations, rotations and the warping dof.
+// Nodes: translations, rotations and the warping dof. QUANTITY is
+// "displacement", "velocity" or "acceleration".
 ComponentTable node_table(const std::string& quantity) {
   ComponentTable t;
-  const char* names[7] = {"x", "y", "z", "rx", "ry", "rz", "warp"};
-  const char* words[7] = {"translation along x", "translation along y", "translation along z",
-                          "rotation about x", "rotation about y", "rotation about z",
-                          "warping"};
-  for (int i = 0; i < 7; ++i) add(t.rows, names[i], quantity + ", " + words[i]);
+  const std::string turn = quantity == "displacement" ? "rotation" : "angular " + quantity;
+  const char* axes[3] = {"x", "y", "z"};
+  for (const char* a : axes) add(t.rows, a, quantity + " along " + a);
+  for (const char* a : axes) add(t.rows, std::string("r") + a, turn + " about " + a);
+  add(t.rows, "warp", quantity == "displacement" ? "warping" : "warping " + quantity);
   t.selectors = t.rows;
   return t;
 }

@@ -55,7 +55,7 @@ std::string tick_label(double v, double step) {
 
 }  // namespace
 
-std::vector<double> nice_ticks(double lo, double hi, int target) {
+std::vector<double> nice_ticks(double lo, double hi, int target, double min_step) {
   std::vector<double> ticks;
   if (!(hi > lo) || !std::isfinite(lo) || !std::isfinite(hi)) return ticks;
   const double raw = (hi - lo) / std::max(target, 1);
@@ -67,6 +67,7 @@ std::vector<double> nice_ticks(double lo, double hi, int target) {
       break;
     }
   }
+  step = std::max(step, min_step);
   const double start = std::ceil(lo / step - 1e-9) * step;
   for (double t = start; t <= hi + step * 1e-9; t += step) ticks.push_back(std::abs(t) < step * 1e-9 ? 0.0 : t);
   return ticks;
@@ -101,7 +102,7 @@ std::string svg_line_plot(const std::vector<double>& values, const PlotText& tex
     hi = yt.back();
   }
   const double x_lo = 1, x_hi = std::max<double>(static_cast<double>(n), 2.0);
-  std::vector<double> xt = nice_ticks(x_lo, x_hi, 8);
+  std::vector<double> xt = nice_ticks(x_lo, x_hi, 8, 1.0);  // whole steps
 
   const double pw = kWidth - kLeft - kRight, ph = kHeight - kTop - kBottom;
   auto X = [&](double x) { return kLeft + (x - x_lo) / (x_hi - x_lo) * pw; };
@@ -164,6 +165,16 @@ std::string svg_line_plot(const std::vector<double>& values, const PlotText& tex
   }
   flush();
   s << "</g>\n";
+  // Few steps: mark each one, so that a single step shows as well.
+  if (n <= 60) {
+    s << "<g fill=\"#1f5fa8\">\n";
+    for (size_t i = 0; i < n; ++i) {
+      if (std::isfinite(values[i])) {
+        s << "<circle cx=\"" << num(X(static_cast<double>(i + 1))) << "\" cy=\"" << num(Y(values[i])) << "\" r=\"2.5\"/>\n";
+      }
+    }
+    s << "</g>\n";
+  }
   s << "</svg>\n";
   return s.str();
 }

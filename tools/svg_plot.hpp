@@ -21,7 +21,7 @@ void write_svg_line_plot(const std::string& path, const std::vector<double>& val
                          const PlotText& text);
 
 // Ticks for the range [LO, HI]: round numbers 1, 2 or 5 times a power of
-// ten, about TARGET of them, covering the range.
-std::vector<double> nice_ticks(double lo, double hi, int target);
+// ten, about TARGET of them, covering the range; no closer than MIN_STEP.
+std::vector<double> nice_ticks(double lo, double hi, int target, double min_step = 0.0);
 
 }  // namespace respcore::cli

@@ -134,6 +134,33 @@ TEST(Cli, DemoWritesAnArchiveThatSectionsLists) {
   EXPECT_EQ(records["THIF"], 2);
 }
 
+TEST(Cli, SectionsFollowsChainedBlocksOfBothForms) {
+  for (const DirectoryForm form : {DirectoryForm::Plain, DirectoryForm::Wide}) {
+    const std::string base = tool().dir().file(form == DirectoryForm::Wide ? "wide/model" : "plain/model");
+    fs::create_directories(fs::path(base).parent_path());
+    ArchiveWriter w(base, "Q.L.D", form);
+    w.first();
+    for (int k = 1; k <= 25; ++k) w.second().add("S" + std::to_string(100 + k), k, 3 + k, k);
+    w.direct(12).add("DMED", 1, 8, 6);
+    w.write();
+    const ToolRun r = tool().run("sections " + base);
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(r.out.find("archive " + base + " (Q.L.D), 3 files"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find(form == DirectoryForm::Wide ? "64-bit form" : "plain form"), std::string::npos);
+    EXPECT_NE(r.out.find("2 directory blocks"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find(base + ".QAT12  (direct file 12)"), std::string::npos) << r.out;
+    for (int k = 1; k <= 25; ++k) {
+      std::istringstream lines(r.out.substr(r.out.find("S" + std::to_string(100 + k))));
+      std::string tag;
+      long serial, first, last, reclen, nrec;
+      ASSERT_TRUE(lines >> tag >> serial >> first >> last >> reclen >> nrec);
+      EXPECT_EQ(serial, k);
+      EXPECT_EQ(reclen, 3 + k);
+      EXPECT_EQ(nrec, k);
+    }
+  }
+}
+
 TEST(Cli, HistoryInEveryFormatMatchesTheKernel) {
   const std::string q = "history " + tool().base() + " --type beam --item 3 --comp My-i";
   const std::vector<double> expect = kernel_values(13, 5, 3, 1000);
