@@ -95,7 +95,7 @@ ModalBasis solve_modes(const FrameModel& model) {
 
 std::vector<double> synthetic_ground_acceleration(int num_steps, double dt, double pga,
                                                   uint32_t seed) {
-  // std::mt19937 is fully specified, and the uniforms below are made from
+  // std::mt19937 is defined exactly by the C++ standard, and the uniforms are made from
   // its raw output, so the record is the same on every platform.
   std::mt19937 gen(seed);
   auto uniform = [&gen] { return (static_cast<double>(gen()) + 0.5) / 4294967296.0; };
