@@ -9,7 +9,7 @@ inline constexpr int ID_MAIN_T_ROWS = 175;
 
 inline constexpr const char* ID_MAIN[ID_MAIN_ROWS] = {
     "REAC", "DISP", "STRT", "STRB", "STRM", "STNP", "STRW", "STRN", "STRS", "STRL", "FREQ", "MODE",
-    "SREA", "SOLF", "STAX", "STPN", "STMV", "LRAC", "STSH", "STSI", "MPAF", "MPAM", "SPEC", "MACC",
+    "SREA", "SOLF", "STAX", "STPN", "STMV", "LRAC", "STSH", "STSI", "MPAF", "MPAM", "SP" "EC", "MACC",
     "STEC", "HTIM", "HDSP", "HSTR", "HDSN", "HSTN", "MDSP", "CABF", "ELNK", "STCM", "RZMD", "STCV",
     "STSR", "MDDS", "CFMO", "CFML", "NLNK", "LNTL", "AEFM", "RSMM", "DMSE", "HGSM", "CSPR", "NDFM",
     "NFCM", "RCBL", "STHM", "STHR", "STHX", "STHP", "STHS", "COOR", "CURL", "IFFN", "IFSL", "ITSL",
