@@ -91,23 +91,9 @@ void support_motion_storage(KernelState& K, MatRef<double> DISP_EQ, int32_t NLM,
     unit_close(K, UNIT_DIRECT);
     return;
   }
+  const int64_t nrows = read_support_index(K);
   int64_t first = 0;
   int32_t found = 0;
-  RF_BIN_T(K, R.HIST_CASE, 33, first, found);
-  const int64_t nrows = K.archive.SEC_NREC;
-  Mat<int32_t>& ISER = K.nodal.ISER;
-  if (!K.nodal.ISER_made) {
-    ISER.resize(2, nrows);
-    K.nodal.ISER_made = true;
-  }
-  // Rows past the end of the file cannot be read, whatever the count says.
-  const int64_t readable = std::min(nrows, unit_last_record(K, UNIT_SECOND, 8) - (first - 1));
-  for (int64_t r = 1; r <= readable; ++r) {
-    int32_t pair[2];
-    if (!read_record(K, UNIT_SECOND, first - 1 + r, pair, 8)) continue;
-    ISER(1, r) = pair[0];
-    ISER(2, r) = pair[1];
-  }
   RF_BIN_T(K, R.HIST_CASE, 32, first, found);
   const int64_t mser_first = first;
   int32_t reclen = 0;
@@ -119,11 +105,10 @@ void support_motion_storage(KernelState& K, MatRef<double> DISP_EQ, int32_t NLM,
       const int64_t row = 6 * (n - 1) + c;
       const int32_t L = LM(row);
       if (L == 0 && c <= 3) {
-        for (int64_t r = 1; r <= nrows; ++r) {
-          if (ISER(1, r) == IIA(n) && ISER(2, r) == c) {
-            read_history_row(K, UNIT_SECOND, mser_first - 1 + 3 * r, DISP_EQ, row, R.REQUEST_MODE == 1, pick);
-            break;
-          }
+        const int64_t r = find_support_row(K, nrows, IIA(n), c);
+        if (r > 0) {
+          read_history_row(K, UNIT_SECOND, mser_first - 1 + 3 * r, DISP_EQ, row,
+                           R.REQUEST_MODE == 1, pick);
         }
       } else if (L > 0) {
         read_history_row(K, UNIT_DIRECT, start - 1 + 3 * int64_t{L}, DISP_EQ, row, R.REQUEST_MODE == 1, pick);

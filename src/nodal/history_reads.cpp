@@ -3,6 +3,7 @@
 #include <map>
 #include <vector>
 
+#include "archive/section_access.hpp"
 #include "archive/units.hpp"
 #include "core/kernel_state.hpp"
 
@@ -112,6 +113,35 @@ void read_history_row(KernelState& K, int32_t unit, int64_t rec, MatRef<double> 
   double v = 0.0;
   if (n >= 1 && read_record_f64_at(K, unit, rec, n * 8, (n - 1) * 8, v)) pick.last = v;
   DISP_EQ(i, 1) = pick.get(n);
+}
+
+int64_t read_support_index(KernelState& K) {
+  int64_t first = 0;
+  int32_t found = 0;
+  RF_BIN_T(K, K.run.HIST_CASE, 33, first, found);
+  const int64_t nrows = K.archive.SEC_NREC;
+  Mat<int32_t>& ISER = K.nodal.ISER;
+  if (!K.nodal.ISER_made) {
+    ISER.resize(2, nrows);
+    K.nodal.ISER_made = true;
+  }
+  // Rows past the end of the file cannot be read, whatever the count says.
+  const int64_t readable = std::min(nrows, unit_last_record(K, UNIT_SECOND, 8) - (first - 1));
+  for (int64_t r = 1; r <= readable; ++r) {
+    int32_t pair[2];
+    if (!read_record(K, UNIT_SECOND, first - 1 + r, pair, 8)) continue;
+    ISER(1, r) = pair[0];
+    ISER(2, r) = pair[1];
+  }
+  return nrows;
+}
+
+int64_t find_support_row(KernelState& K, int64_t nrows, int32_t node, int32_t c) {
+  Mat<int32_t>& ISER = K.nodal.ISER;
+  for (int64_t r = 1; r <= nrows; ++r) {
+    if (ISER(1, r) == node && ISER(2, r) == c) return r;
+  }
+  return 0;
 }
 
 }  // namespace respcore

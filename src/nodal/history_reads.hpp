@@ -41,4 +41,12 @@ struct StepPick {
 void read_history_row(KernelState& K, int32_t unit, int64_t rec, MatRef<double> DISP_EQ,
                       int64_t i, bool all_steps, StepPick& pick);
 
+// Reads the case's support-motion index (section MSES) into ISER, made with
+// the row count on its first use in a call. Returns the row count.
+int64_t read_support_index(KernelState& K);
+
+// The first row r of the support-motion index with node NODE and component
+// C, or 0 when there is none.
+int64_t find_support_row(KernelState& K, int64_t nrows, int32_t node, int32_t c);
+
 }  // namespace respcore

@@ -100,20 +100,7 @@ void for_each_dof_history(KernelState& K, int32_t node, const int32_t* LM, int32
     }
     return;
   }
-  RF_BIN_T(K, R.HIST_CASE, 33, first, found);
-  const int64_t nrows = K.archive.SEC_NREC;
-  Mat<int32_t>& ISER = K.nodal.ISER;
-  if (!K.nodal.ISER_made) {
-    ISER.resize(2, nrows);
-    K.nodal.ISER_made = true;
-  }
-  const int64_t readable = std::min(nrows, unit_last_record(K, UNIT_SECOND, 8) - (first - 1));
-  for (int64_t r = 1; r <= readable; ++r) {
-    int32_t pair[2];
-    if (!read_record(K, UNIT_SECOND, first - 1 + r, pair, 8)) continue;
-    ISER(1, r) = pair[0];
-    ISER(2, r) = pair[1];
-  }
+  const int64_t nrows = read_support_index(K);
   RF_BIN_T(K, R.HIST_CASE, 32, first, found);
   const int64_t mser_first = first;
   RF_BIN_DIRECT(K, 1, 1, R.DIRECT_FILE_NO, reclen, start);
@@ -124,12 +111,8 @@ void for_each_dof_history(KernelState& K, int32_t node, const int32_t* LM, int32
     const int32_t e = LM[i - 1];
     zero();
     if (e == 0 && i <= 3) {
-      for (int64_t r = 1; r <= nrows; ++r) {
-        if (ISER(1, r) == node && ISER(2, r) == i) {
-          read(UNIT_SECOND, mser_first + 3 * r - RESULT_KIND);
-          break;
-        }
-      }
+      const int64_t r = find_support_row(K, nrows, node, i);
+      if (r > 0) read(UNIT_SECOND, mser_first + 3 * r - RESULT_KIND);
     } else if (e > 0) {
       read(UNIT_DIRECT, start + factor * int64_t{e} - 1);
     }

@@ -196,21 +196,7 @@ void DISP_VELO_ACCEL(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList 
             if (e > 0) fetch.read(UNIT_DIRECT, start + 3 * int64_t{e} - RESULT_KIND, DISP_EQ, i);
           }
         } else {
-          RF_BIN_T(K, R.HIST_CASE, 33, first, found);
-          const int64_t nrows = K.archive.SEC_NREC;
-          Mat<int32_t>& ISER = K.nodal.ISER;
-          if (!K.nodal.ISER_made) {
-            ISER.resize(2, nrows);
-            K.nodal.ISER_made = true;
-          }
-          const int64_t readable =
-              std::min(nrows, unit_last_record(K, UNIT_SECOND, 8) - (first - 1));
-          for (int64_t r = 1; r <= readable; ++r) {
-            int32_t pair[2];
-            if (!read_record(K, UNIT_SECOND, first - 1 + r, pair, 8)) continue;
-            ISER(1, r) = pair[0];
-            ISER(2, r) = pair[1];
-          }
+          const int64_t nrows = read_support_index(K);
           RF_BIN_T(K, R.HIST_CASE, 32, first, found);
           const int64_t mser_first = first;
           int32_t reclen = 0;
@@ -222,12 +208,8 @@ void DISP_VELO_ACCEL(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList 
           for (int32_t i = 1; i <= Kw; ++i) {
             const int32_t e = LM(i);
             if (e == 0 && i <= 3) {
-              for (int64_t r = 1; r <= nrows; ++r) {
-                if (ISER(1, r) == node && ISER(2, r) == i) {
-                  fetch.read(UNIT_SECOND, mser_first + 3 * r - RESULT_KIND, DISP_EQ, i);
-                  break;
-                }
-              }
+              const int64_t r = find_support_row(K, nrows, node, i);
+              if (r > 0) fetch.read(UNIT_SECOND, mser_first + 3 * r - RESULT_KIND, DISP_EQ, i);
             } else if (e > 0) {
               fetch.read(UNIT_DIRECT, start + factor * int64_t{e} - 1, DISP_EQ, i);
             }
