@@ -327,7 +327,8 @@ void SOL_B_MAT_HIGH(KernelState& K, MatRef<double> B_arg, MatRef<double> CARTD_a
   DETJ = DJ[0][0] * (DJ[1][1] * DJ[2][2] - DJ[1][2] * DJ[2][1]) -
          DJ[0][1] * (DJ[1][0] * DJ[2][2] - DJ[1][2] * DJ[2][0]) +
          DJ[0][2] * (DJ[1][0] * DJ[2][1] - DJ[1][1] * DJ[2][0]);
-  if (!(DETJ > 0.0)) {
+  // At or below zero only: a NaN determinant compares false and passes.
+  if (DETJ <= 0.0) {
     write_message(K, "     JACOBIAN DETERMINENT IS NEGATIVE");
     write_message(K, "     PLEASE CHECK YOUR DATA FILE ");
   }

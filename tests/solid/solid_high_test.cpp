@@ -444,6 +444,15 @@ TEST(SolBMatHigh, MatchesTheKitAndReportsAnInvertedElement) {
   EXPECT_LT(det, 0.0);
   EXPECT_EQ(K.messages,
             "     JACOBIAN DETERMINENT IS NEGATIVE\n     PLEASE CHECK YOUR DATA FILE \n");
+
+  // Only a determinant at or below zero is reported: a NaN one (a node
+  // without coordinates) is neither, and passes without a word.
+  K.messages.clear();
+  xl[0] = std::nan("");
+  SOL_B_MAT_HIGH(K, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1,
+                 0.2, 0.3, MatRef<double>(xl, 3, 8, "XL"), 8);
+  EXPECT_TRUE(std::isnan(det));
+  EXPECT_EQ(K.messages, "");
 }
 
 // The stiffness of a unit-cube brick and of a unit tetrahedron has the
