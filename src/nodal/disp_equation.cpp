@@ -56,13 +56,17 @@ void direct_storage(KernelState& K, MatRef<double> DISP_EQ, int32_t NLM, VecRef<
       }
     }
     if (NLM < ld) DISP_EQ.fill(0.0);
-    constexpr int64_t kBlock = 64;
-    for (int64_t s0 = 0; s0 < n; s0 += kBlock) {
-      const int64_t s1 = std::min(n, s0 + kBlock);
-      for (int64_t i = 0; i < NLM; ++i) {
-        const double* src = buf.data() + i * n;
-        double* dst = DISP_EQ.data() + i;
-        for (int64_t s = s0; s < s1; ++s) dst[s * ld] = src[s];
+    // Square tiles keep both the rows read and the columns written in cache.
+    constexpr int64_t kTile = 16;
+    for (int64_t s0 = 0; s0 < n; s0 += kTile) {
+      const int64_t s1 = std::min(n, s0 + kTile);
+      for (int64_t i0 = 0; i0 < NLM; i0 += kTile) {
+        const int64_t i1 = std::min<int64_t>(NLM, i0 + kTile);
+        for (int64_t s = s0; s < s1; ++s) {
+          double* dst = DISP_EQ.data() + s * ld;
+          const double* src = buf.data() + s;
+          for (int64_t i = i0; i < i1; ++i) dst[i] = src[i * n];
+        }
       }
     }
     return;
