@@ -13,21 +13,15 @@
 #include <vector>
 
 #include "respcore/archive_writer.hpp"
+#include "bench_support.hpp"
 #include "respcore/kernel.hpp"
 
 namespace {
 
 using namespace respcore;
 
-std::string bench_dir() {
-  static std::string dir = [] {
-    std::string t = (std::filesystem::temp_directory_path() / "respcore-bench-XXXXXX").string();
-    if (mkdtemp(t.data()) == nullptr) std::abort();
-    std::atexit([] { std::filesystem::remove_all(bench_dir()); });
-    return t;
-  }();
-  return dir;
-}
+using respcore::bench::bench_dir;
+using respcore::bench::snapshot_request;
 
 // A node with equations 1..6 over NSTEPS direct steps.
 struct NodeArchive {
@@ -155,17 +149,7 @@ TrussArchive& truss_archive() {
 void BM_Trusses_Kernel(benchmark::State& st) {
   TrussArchive& a = truss_archive();
   Kernel k;
-  Request q;
-  q.base = a.base;
-  q.elem_type = 12;
-  q.result_comp = 1;
-  q.request_mode = 2;
-  q.num_items = a.n;
-  q.step_no = 7;
-  for (int32_t e = 1; e <= a.n; ++e) {
-    q.serials.push_back(e);
-    q.elements.push_back(e);
-  }
+  const Request q = snapshot_request(a.base, 12, 1, a.n, 7);
   for (auto _ : st) {
     auto r = k.run(q);
     benchmark::DoNotOptimize(r.values.data());

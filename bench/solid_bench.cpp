@@ -12,21 +12,15 @@
 #include <vector>
 
 #include "respcore/archive_writer.hpp"
+#include "bench_support.hpp"
 #include "respcore/kernel.hpp"
 
 namespace {
 
 using namespace respcore;
 
-std::string bench_dir() {
-  static std::string dir = [] {
-    std::string t = (std::filesystem::temp_directory_path() / "respcore-solid-bench-XXXXXX").string();
-    if (mkdtemp(t.data()) == nullptr) std::abort();
-    std::atexit([] { std::filesystem::remove_all(bench_dir()); });
-    return t;
-  }();
-  return dir;
-}
+using respcore::bench::bench_dir;
+using respcore::bench::snapshot_request;
 
 // Offset of record REC of SEC in its file.
 int64_t offset(const Section& sec, int64_t rec) {
@@ -212,17 +206,7 @@ BlockArchive& block_archive() {
 void BM_Hex8Snapshot_Kernel(benchmark::State& st) {
   BlockArchive& a = block_archive();
   Kernel k;
-  Request q;
-  q.base = a.base;
-  q.elem_type = 4;
-  q.result_comp = 4;  // xx at the centre and the nodes
-  q.request_mode = 2;
-  q.num_items = a.n;
-  q.step_no = 7;
-  for (int32_t e = 1; e <= a.n; ++e) {
-    q.serials.push_back(e);
-    q.elements.push_back(e);
-  }
+  const Request q = snapshot_request(a.base, 4, 4, a.n, 7);  // xx at the centre and the nodes
   for (auto _ : st) {
     auto r = k.run(q);
     benchmark::DoNotOptimize(r.values.data());

@@ -1,0 +1,41 @@
+// Shared pieces of the benchmark programs: a scratch directory for their
+// archives and the many-items request they time.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "respcore/kernel.hpp"
+
+namespace respcore::bench {
+
+// A temporary directory, made on first use and removed at exit.
+inline std::string bench_dir() {
+  static std::string dir = [] {
+    std::string t = (std::filesystem::temp_directory_path() / "respcore-bench-XXXXXX").string();
+    if (mkdtemp(t.data()) == nullptr) std::abort();
+    std::atexit([] { std::filesystem::remove_all(bench_dir()); });
+    return t;
+  }();
+  return dir;
+}
+
+// Elements 1..N of ELEM_TYPE at one step (REQUEST_MODE 2).
+inline Request snapshot_request(const std::string& base, int32_t elem_type, int32_t comp,
+                                int32_t n, int32_t step) {
+  Request q;
+  q.base = base;
+  q.elem_type = elem_type;
+  q.result_comp = comp;
+  q.request_mode = 2;
+  q.num_items = n;
+  q.step_no = step;
+  for (int32_t e = 1; e <= n; ++e) {
+    q.serials.push_back(e);
+    q.elements.push_back(e);
+  }
+  return q;
+}
+
+}  // namespace respcore::bench
