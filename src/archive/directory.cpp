@@ -44,7 +44,7 @@ void error_line(KernelState& K, const Tag4& tag, int32_t serial) {
   line.append(tag.data(), 4);
   line += "  ";
   line += format_int(serial, 5);
-  print_line(K, line);
+  print_line(K.diag, line);
 }
 
 // Walks the directory of the file connected to UNIT from record 1 and records
@@ -119,8 +119,8 @@ void lookup(KernelState& K, int32_t unit, const std::string& name, int32_t name_
   first = 0;
   nrec = 0;
   reclen = 0;
-  const int64_t dir_reclen = wide ? DIR_WORDS_64 * DIR_BYTES_PER_WORD
-                                  : DIR_WORDS_PLAIN * DIR_BYTES_PER_WORD;
+  const int64_t dir_reclen =
+      wide ? DIR_WORDS_64 * DIR_BYTES_PER_WORD : DIR_WORDS_PLAIN * DIR_BYTES_PER_WORD;
   const std::string path = file_path(name, name_len);
   if (!unit_open(K, unit, path, dir_reclen)) {
     status = LOOKUP_OPEN_FAILED;
@@ -142,8 +142,8 @@ void lookup(KernelState& K, int32_t unit, const std::string& name, int32_t name_
   for (const DirEntry& e : cached->entries) {
     if (e.tag == tag && e.serial == serial) {
       first = e.first;
-      nrec = static_cast<int64_t>(static_cast<uint64_t>(e.last) - static_cast<uint64_t>(e.first) +
-                                  1u);
+      nrec =
+          static_cast<int64_t>(static_cast<uint64_t>(e.last) - static_cast<uint64_t>(e.first) + 1u);
       reclen = e.reclen;
       if (!unit_open(K, unit, path, int64_t{DIR_BYTES_PER_WORD} * reclen)) {
         status = LOOKUP_OPEN_FAILED;
@@ -236,7 +236,10 @@ void CREATE_F(KernelState& K, int32_t unit, const std::string& name, int32_t nam
   const float version = K.archive.dir.version;
   std::memcpy(rec + 8, &version, 4);
   put32(12, DIR_ENTRIES_PER_BLOCK);
-  if (wide) put64(16, 0); else put32(16, 0);
+  if (wide)
+    put64(16, 0);
+  else
+    put32(16, 0);
   write_rec(base, rec);
 
   std::memset(rec, 0, sizeof rec);

@@ -73,8 +73,8 @@ void access(KernelState& K, FileKind kind, int32_t ID_M, int32_t ID_S, int64_t& 
     start = work;
   } else if (A.READ_METHOD == 1) {
     if (kind == FileKind::First) {
-      READ_F_8(K, unit, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, start, A.SEC_RECLEN,
-               A.SEC_NREC, status);
+      READ_F_8(K, unit, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, start, A.SEC_RECLEN, A.SEC_NREC,
+               status);
     } else {
       READ_F_TIME_8(K, unit, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, start, A.SEC_RECLEN,
                     A.SEC_NREC, status);
@@ -155,7 +155,7 @@ void FIND_READING_RESULT_METHOD(KernelState& K) {
     }
     unit_close(K, UNIT_FIRST);
   }
-  if (result != 0 && result != 4) print_line(K, "   OPENING ERROR READ-F IN RESP CORE ");
+  if (result != 0 && result != 4) print_line(K.diag, "   OPENING ERROR READ-F IN RESP CORE ");
 }
 
 void READING_ELEMENT_MATERIAL_DATA(KernelState& K, int32_t element_serial) {

@@ -1,5 +1,5 @@
-// Saved data of the continuum interpolation kit: what the routines keep between calls
-// (their static locals in the original design), held in the kernel state.
+// Saved data of the continuum kit: what its routines keep between calls and
+// between elements, held in the kernel state.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,19 @@
 #include "core/arrays.hpp"
 
 namespace respcore {
+
+// What STRESS_STRAIN_MATRIX_PLT carries from one element to the next:
+// Poisson ratios and compliance entries whose guards may fail (non-positive
+// moduli); a failed guard keeps the value of the previous element.
+struct PlaneCompliance {
+  double NU21 = 0.0;
+  double NU31 = 0.0;
+  double NU32 = 0.0;
+  double S11 = 0.0;
+  double S12 = 0.0;
+  double S21 = 0.0;
+  double S22 = 0.0;
+};
 
 struct ContinuumState {
   // The shared plane word: 0 plane stress, 1 plane strain, 2 axisymmetric.
@@ -20,6 +33,10 @@ struct ContinuumState {
   double DMATX_D11 = 0.0;
   double DMATX_D12 = 0.0;
   double DMATX_D33 = 0.0;
+
+  // The in-plane material routine's carried values, shared by the plane and
+  // plate families.
+  PlaneCompliance compliance;
 };
 
 }  // namespace respcore

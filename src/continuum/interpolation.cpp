@@ -4,7 +4,6 @@
 #include <string>
 
 #include "core/diagnostics.hpp"
-#include "core/kernel_state.hpp"
 #include "numeric/dense.hpp"
 
 namespace respcore {
@@ -64,9 +63,12 @@ void area(double xi, double eta, double L[3], double dL[3][2]) {
   L[0] = 1.0 - xi - eta;
   L[1] = xi;
   L[2] = eta;
-  dL[0][0] = -1.0; dL[0][1] = -1.0;
-  dL[1][0] = 1.0;  dL[1][1] = 0.0;
-  dL[2][0] = 0.0;  dL[2][1] = 1.0;
+  dL[0][0] = -1.0;
+  dL[0][1] = -1.0;
+  dL[1][0] = 1.0;
+  dL[1][1] = 0.0;
+  dL[2][0] = 0.0;
+  dL[2][1] = 1.0;
 }
 
 void plane(ShapeEval& s, double xi, double eta, int nnode) {
@@ -145,8 +147,8 @@ void solid(ShapeEval& s, double xi, double eta, double zeta, int nnode) {
     case 4:
     case 10: {
       const double L[4] = {1.0 - xi - eta - zeta, xi, eta, zeta};
-      constexpr double dL[4][3] = {{-1.0, -1.0, -1.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0},
-                                   {0.0, 0.0, 1.0}};
+      constexpr double dL[4][3] = {
+          {-1.0, -1.0, -1.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
       if (nnode == 4) {
         for (int i = 0; i < 4; ++i) {
           s.n[i] = L[i];
@@ -268,9 +270,12 @@ void solid(ShapeEval& s, double xi, double eta, double zeta, int nnode) {
 
 void evaluate(ShapeEval& s, double xi, double eta, double zeta, int32_t nnode, int32_t ndim) {
   clear(s);
-  if (ndim == 1) line(s, xi, nnode);
-  else if (ndim == 2) plane(s, xi, eta, nnode);
-  else if (ndim == 3 && nnode >= 4 && nnode <= 20) solid(s, xi, eta, zeta, nnode);
+  if (ndim == 1)
+    line(s, xi, nnode);
+  else if (ndim == 2)
+    plane(s, xi, eta, nnode);
+  else if (ndim == 3 && nnode >= 4 && nnode <= 20)
+    solid(s, xi, eta, zeta, nnode);
 }
 
 // Determinant and inverse of the NDIM by NDIM Jacobian J (row i by natural
@@ -278,13 +283,16 @@ void evaluate(ShapeEval& s, double xi, double eta, double zeta, int32_t nnode, i
 // dimensions, and the inverse is formed by cofactors with its reciprocal.
 double jacobian_det(const double J[3][3], int ndim) {
   switch (ndim) {
-    case 1: return J[0][0];
-    case 2: return std::fabs(J[0][0] * J[1][1] - J[0][1] * J[1][0]);
+    case 1:
+      return J[0][0];
+    case 2:
+      return std::fabs(J[0][0] * J[1][1] - J[0][1] * J[1][0]);
     case 3:
       return std::fabs(J[0][0] * (J[1][1] * J[2][2] - J[1][2] * J[2][1]) -
                        J[0][1] * (J[1][0] * J[2][2] - J[1][2] * J[2][0]) +
                        J[0][2] * (J[1][0] * J[2][1] - J[1][1] * J[2][0]));
-    default: return 0.0;
+    default:
+      return 0.0;
   }
 }
 
@@ -317,9 +325,12 @@ bool centre_jacobian(Coord c, int32_t nnode, int32_t ndim, double J[3][3]) {
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) J[i][j] = 0.0;
   if (ndim == 1) {
-    if (nnode == 2) J[0][0] = (c(1, 2) - c(1, 1)) / 2.0;
-    else if (nnode == 3) J[0][0] = (c(1, 3) - c(1, 1)) / 2.0;
-    else return false;
+    if (nnode == 2)
+      J[0][0] = (c(1, 2) - c(1, 1)) / 2.0;
+    else if (nnode == 3)
+      J[0][0] = (c(1, 3) - c(1, 1)) / 2.0;
+    else
+      return false;
     return true;
   }
   if (ndim == 2) {
@@ -341,12 +352,12 @@ bool centre_jacobian(Coord c, int32_t nnode, int32_t ndim, double J[3][3]) {
   if (ndim == 3) {
     if (nnode == 8 || nnode == 20) {
       for (int j = 1; j <= 3; ++j) {
-        J[0][j - 1] = (-c(j, 1) + c(j, 2) + c(j, 3) - c(j, 4) - c(j, 5) + c(j, 6) + c(j, 7) -
-                       c(j, 8)) / 8.0;
-        J[1][j - 1] = (-c(j, 1) - c(j, 2) + c(j, 3) + c(j, 4) - c(j, 5) - c(j, 6) + c(j, 7) +
-                       c(j, 8)) / 8.0;
-        J[2][j - 1] = (-c(j, 1) - c(j, 2) - c(j, 3) - c(j, 4) + c(j, 5) + c(j, 6) + c(j, 7) +
-                       c(j, 8)) / 8.0;
+        J[0][j - 1] =
+            (-c(j, 1) + c(j, 2) + c(j, 3) - c(j, 4) - c(j, 5) + c(j, 6) + c(j, 7) - c(j, 8)) / 8.0;
+        J[1][j - 1] =
+            (-c(j, 1) - c(j, 2) + c(j, 3) + c(j, 4) - c(j, 5) - c(j, 6) + c(j, 7) + c(j, 8)) / 8.0;
+        J[2][j - 1] =
+            (-c(j, 1) - c(j, 2) - c(j, 3) - c(j, 4) + c(j, 5) + c(j, 6) + c(j, 7) + c(j, 8)) / 8.0;
       }
     } else if (nnode == 4 || nnode == 10) {
       for (int j = 1; j <= 3; ++j) {
@@ -394,10 +405,10 @@ void SHAPE_DER_BUB(MatRef<double> DERIV_arg, double XI, double ETA, double ZETA,
     for (int32_t i = 1; i <= NDIM; ++i) DERIV(i, k) = s.d[i - 1][k - 1];
 }
 
-void B_BUB(KernelState& K, MatRef<double> B_arg, double& DET, MatRef<double> CARTD_arg,
-           VecRef<double> SHAPE, VecRef<double> GPCOD, double XI, double ETA, double ZETA,
-           MatRef<double> CN_arg, int32_t NNODE, int32_t NDIM, int32_t NSTRS, int32_t BUBBLE,
-           int32_t DET_ONLY) {
+void B_BUB(Diagnostics& DG, int32_t ELEM_NO, int32_t PLANE_TYPE, MatRef<double> B_arg, double& DET,
+           MatRef<double> CARTD_arg, VecRef<double> SHAPE, VecRef<double> GPCOD, double XI,
+           double ETA, double ZETA, MatRef<double> CN_arg, int32_t NNODE, int32_t NDIM,
+           int32_t NSTRS, int32_t BUBBLE, int32_t DET_ONLY) {
   const bool known_size = NDIM >= 1 && NDIM <= 3 && NNODE >= 1 && NNODE <= kMaxNode;
   const int32_t ncol = NNODE + NDIM;
 
@@ -429,9 +440,9 @@ void B_BUB(KernelState& K, MatRef<double> B_arg, double& DET, MatRef<double> CAR
   // 4. Determinant; an exact zero is reported and the work goes on.
   DET = known_size ? jacobian_det(J, NDIM) : 0.0;
   if (std::fabs(DET) == 0.0) {
-    const std::string no = format_int(K.run.CURRENT_ELEM, 7);
-    write_message(K, " JACOBIAN DETERMINANT OF ELEMENT NO. " + no + " IS LITTLE THAN ZERO.");
-    write_message(K, " PLEASE CHECK THE SHAPE OF ELEMENT NO." + no);
+    const std::string no = format_int(ELEM_NO, 7);
+    write_message(DG, " JACOBIAN DETERMINANT OF ELEMENT NO. " + no + " IS LITTLE THAN ZERO.");
+    write_message(DG, " PLEASE CHECK THE SHAPE OF ELEMENT NO." + no);
   }
   // 5.
   if (DET_ONLY == 1 || !known_size) return;
@@ -477,7 +488,7 @@ void B_BUB(KernelState& K, MatRef<double> B_arg, double& DET, MatRef<double> CAR
       B(2, 2 * k) = CARTD(2, k);
       B(3, 2 * k - 1) = CARTD(2, k);
       B(3, 2 * k) = CARTD(1, k);
-      if (K.continuum.PLANE_TYPE == 2) B(4, 2 * k - 1) = SHAPE(k) / GPCOD(1);
+      if (PLANE_TYPE == 2) B(4, 2 * k - 1) = SHAPE(k) / GPCOD(1);
     } else {
       const int32_t c = 3 * k - 2;
       B(1, c) = CARTD(1, k);

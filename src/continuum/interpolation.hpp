@@ -22,10 +22,9 @@
 #include <cstdint>
 
 #include "core/arrays.hpp"
+#include "core/diagnostics.hpp"
 
 namespace respcore {
-
-struct KernelState;
 
 // SHAPE(1..NNODE+NDIM) at (XI, ETA, ZETA), zeroed first.
 void SHAPE_FUN_BUB(VecRef<double> SHAPE, double XI, double ETA, double ZETA, int32_t NNODE,
@@ -40,15 +39,16 @@ void SHAPE_DER_BUB(MatRef<double> DERIV, double XI, double ETA, double ZETA, int
 // for node coordinates CN(NDIM, NNODE). Also returns DET (the Jacobian
 // determinant, taken by absolute value in 2 and 3 dimensions), CARTD (the
 // Cartesian derivatives, NDIM by NNODE+NDIM), SHAPE and GPCOD (the point's
-// coordinates). Plane rows are xx, yy, xy and, when the shared PLANE_TYPE is
+// coordinates). Plane rows are xx, yy, xy and, when PLANE_TYPE (the shared
+// plane word) is
 // 2, the hoop strain in row 4; solid rows are xx, yy, zz, xy, yz, zx.
 // BUBBLE = 1 adds the nodeless columns, mapped with the centre Jacobian.
 // DET_ONLY = 1 returns as soon as DET is known. A DET of exactly 0 writes the
-// element-shape message to the message sink and goes on.
-void B_BUB(KernelState& K, MatRef<double> B, double& DET, MatRef<double> CARTD,
-           VecRef<double> SHAPE, VecRef<double> GPCOD, double XI, double ETA, double ZETA,
-           MatRef<double> CN, int32_t NNODE, int32_t NDIM, int32_t NSTRS, int32_t BUBBLE,
-           int32_t DET_ONLY);
+// element-shape message for element ELEM_NO to the message sink and goes on.
+void B_BUB(Diagnostics& DG, int32_t ELEM_NO, int32_t PLANE_TYPE, MatRef<double> B, double& DET,
+           MatRef<double> CARTD, VecRef<double> SHAPE, VecRef<double> GPCOD, double XI, double ETA,
+           double ZETA, MatRef<double> CN, int32_t NNODE, int32_t NDIM, int32_t NSTRS,
+           int32_t BUBBLE, int32_t DET_ONLY);
 
 // CN(2,8), zeroed first: CN(i,k) = row i of TRAN(3,3) dotted with
 // XYZ(:,k) - XYZ(:,1), for i = 1, 2 and k = 1..NNODE.

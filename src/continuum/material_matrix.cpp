@@ -1,8 +1,6 @@
 #include "continuum/material_matrix.hpp"
 
-#include "core/kernel_state.hpp"
 #include "numeric/dense.hpp"
-#include "plate/constitutive.hpp"
 
 namespace respcore {
 
@@ -40,8 +38,7 @@ void isotropic_3d(const ElementMaterial& m, double& d11, double& d12, double& g)
 
 }  // namespace
 
-void STRESS_STRAIN_MATRIX(KernelState& K, MatRef<double> D6_arg) {
-  const ElementMaterial& m = K.ELEM_MATERIAL;
+void STRESS_STRAIN_MATRIX(Diagnostics& DG, const ElementMaterial& m, MatRef<double> D6_arg) {
   if (m.MAT_TYPE != 0 && m.MAT_TYPE != 1) return;
   MatRef<double> D = as_shape(D6_arg, 6, 6);
   for (int32_t j = 1; j <= 6; ++j)
@@ -63,7 +60,7 @@ void STRESS_STRAIN_MATRIX(KernelState& K, MatRef<double> D6_arg) {
   MatRef<double> CI(ci, 3, 3, "D");
   for (int32_t j = 1; j <= 3; ++j)
     for (int32_t i = 1; i <= 3; ++i) C(i, j) = c[i - 1][j - 1];
-  INVERSE(K, C, CI, 3);
+  INVERSE(DG, C, CI, 3);
   for (int32_t j = 1; j <= 3; ++j)
     for (int32_t i = 1; i <= 3; ++i) D(i, j) = CI(i, j);
   D(4, 4) = m.MAT_VALS[6];
@@ -71,8 +68,7 @@ void STRESS_STRAIN_MATRIX(KernelState& K, MatRef<double> D6_arg) {
   D(6, 6) = m.MAT_VALS[8];
 }
 
-void STRESS_STRAIN_MATRIX_AXY(KernelState& K, MatRef<double> D4_arg) {
-  const ElementMaterial& m = K.ELEM_MATERIAL;
+void STRESS_STRAIN_MATRIX_AXY(const ElementMaterial& m, MatRef<double> D4_arg) {
   MatRef<double> D = as_shape(D4_arg, 4, 4);
   for (int32_t j = 1; j <= 4; ++j)
     for (int32_t i = 1; i <= 4; ++i) D(i, j) = 0.0;
@@ -104,14 +100,74 @@ void STRESS_STRAIN_MATRIX_AXY(KernelState& K, MatRef<double> D4_arg) {
   D(4, 4) = m.MAT_VALS[6];
 }
 
-void CALC_DMATX(KernelState& K, MatRef<double> D_arg, double YOUNG, double POISSON,
-                int32_t PLANE_TYPE, int32_t NSTRS) {
+void STRESS_STRAIN_MATRIX_PLT(const ElementMaterial& m, PlaneCompliance& s, int32_t MODE,
+                              MatRef<double> D_arg) {
+  MatRef<double> D = as_shape(D_arg, 3, 3);
+
+  double E1 = m.MAT_YOUNG;
+  double E2 = m.MAT_VALS[0];
+  double E3 = m.MAT_VALS[3];
+  double NU12 = m.MAT_POISSON;
+  double NU13 = m.MAT_VALS[1];
+  double NU23 = m.MAT_VALS[4];
+  // A guard that fails keeps the ratio of the previous element.
+  if (E1 > 0.0) {
+    s.NU21 = E2 / E1 * NU12;
+    s.NU31 = E3 / E1 * NU13;
+  }
+  if (E2 > 0.0) s.NU32 = E3 / E2 * NU23;
+
+  double G = 0.0;
+  if (m.MAT_TYPE != 0) {
+    G = m.MAT_VALS[6];
+  } else {
+    // Isotropic: everything follows E1 and NU12, except NU31, which keeps
+    // the value formed from the stored E3 and NU13. The plane-strain matrix
+    // of an isotropic material therefore depends on those stored values;
+    // results were produced that way.
+    E2 = E1;
+    E3 = E1;
+    NU13 = NU12;
+    NU23 = NU12;
+    s.NU21 = NU12;
+    s.NU32 = NU12;
+    G = E1 / (2.0 * (1.0 + NU12));
+  }
+  (void)E3;
+
+  // Compliance entries; one whose divisor is not positive keeps its old value.
+  if (MODE == 0) {
+    if (E1 > 0.0) s.S11 = 1.0 / E1;
+    if (E2 > 0.0) s.S12 = -s.NU21 / E2;
+    if (E1 > 0.0) s.S21 = -NU12 / E1;
+    if (E2 > 0.0) s.S22 = 1.0 / E2;
+  } else if (MODE == 1) {
+    if (E1 > 0.0) s.S11 = (1.0 - s.NU31 * NU13) / E1;
+    if (E2 > 0.0) s.S12 = -(s.NU31 * NU23 + s.NU21) / E2;
+    if (E1 > 0.0) s.S21 = -(s.NU32 * NU13 + NU12) / E1;
+    if (E1 > 0.0) s.S22 = (1.0 - s.NU32 * NU23) / E2;
+  }
+
+  const double det = s.S11 * s.S22 - s.S12 * s.S21;
+  for (int j = 1; j <= 3; ++j)
+    for (int i = 1; i <= 3; ++i) D(i, j) = 0.0;
+  if (det > 0.0) {
+    D(1, 1) = s.S22 / det;
+    D(1, 2) = -s.S12 / det;
+    D(2, 1) = -s.S21 / det;
+    D(2, 2) = s.S11 / det;
+  }
+  D(3, 3) = G;
+}
+
+void CALC_DMATX(Diagnostics& DG, const ElementMaterial& m, ContinuumState& s, MatRef<double> D_arg,
+                double YOUNG, double POISSON, int32_t PLANE_TYPE, int32_t NSTRS) {
   MatRef<double> D = as_shape(D_arg, NSTRS, NSTRS);
   for (int32_t j = 1; j <= NSTRS; ++j)
     for (int32_t i = 1; i <= NSTRS; ++i) D(i, j) = 0.0;
 
   if (NSTRS == 6) {
-    STRESS_STRAIN_MATRIX(K, D);
+    STRESS_STRAIN_MATRIX(DG, m, D);
     return;
   }
   if (NSTRS != 4) return;
@@ -122,22 +178,21 @@ void CALC_DMATX(KernelState& K, MatRef<double> D_arg, double YOUNG, double POISS
     constexpr int32_t kMap[4] = {1, 2, 4, 3};
     double w[16];
     MatRef<double> W(w, 4, 4, "D4");
-    STRESS_STRAIN_MATRIX_AXY(K, W);
+    STRESS_STRAIN_MATRIX_AXY(m, W);
     for (int32_t j = 1; j <= 4; ++j)
       for (int32_t i = 1; i <= 4; ++i) D(kMap[i - 1], kMap[j - 1]) = W(i, j);
     return;
   }
 
-  if (K.ELEM_MATERIAL.MAT_TYPE == 1) {
+  if (m.MAT_TYPE == 1) {
     double w[9];
     MatRef<double> W(w, 3, 3, "D3");
-    STRESS_STRAIN_MATRIX_PLT(K, PLANE_TYPE, W);
+    STRESS_STRAIN_MATRIX_PLT(m, s.compliance, PLANE_TYPE, W);
     for (int32_t j = 1; j <= 3; ++j)
       for (int32_t i = 1; i <= 3; ++i) D(i, j) = W(i, j);
     return;
   }
 
-  ContinuumState& s = K.continuum;
   const double E = YOUNG;
   const double nu = POISSON;
   if (PLANE_TYPE == 0) {

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "core/arrays.hpp"
-#include "core/kernel_state.hpp"
 
 namespace respcore {
 
@@ -26,15 +25,15 @@ int64_t checked_count(int64_t elem_size, int64_t n1, int64_t n2, int64_t n3) {
   return count;
 }
 
-void print_line(KernelState& K, std::string_view line) {
+void print_line(Diagnostics& D, std::string_view line) {
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fputc('\n', stdout);
-  K.output_lines.emplace_back(line);
+  D.output_lines.emplace_back(line);
 }
 
-void write_message(KernelState& K, std::string_view line) {
-  K.messages.append(line);
-  K.messages.push_back('\n');
+void write_message(Diagnostics& D, std::string_view line) {
+  D.messages.append(line);
+  D.messages.push_back('\n');
 }
 
 std::string format_int(int64_t value, int width) {
@@ -50,15 +49,17 @@ std::string format_fixed(double value, int width, int decimals) {
   std::string s = buf;
   // Fortran drops the leading zero of a fraction when the field is too narrow.
   if (static_cast<int>(s.size()) > width) {
-    if (s.rfind("0.", 0) == 0) s.erase(0, 1);
-    else if (s.rfind("-0.", 0) == 0) s.erase(1, 1);
+    if (s.rfind("0.", 0) == 0)
+      s.erase(0, 1);
+    else if (s.rfind("-0.", 0) == 0)
+      s.erase(1, 1);
   }
   if (static_cast<int>(s.size()) > width) return std::string(static_cast<size_t>(width), '*');
   return std::string(static_cast<size_t>(width) - s.size(), ' ') + s;
 }
 
-void stop_run(KernelState& K) {
-  (void)K;
+void stop_run(Diagnostics& D) {
+  (void)D;
   throw FatalStop{};
 }
 

@@ -10,16 +10,22 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace respcore {
 
-struct KernelState;
+// What one kernel has written: the lines it put on standard output during
+// the current call, and the element message sink (unit 78).
+struct Diagnostics {
+  std::vector<std::string> output_lines;
+  std::string messages;
+};
 
 // Writes LINE and a newline to standard output and records it.
-void print_line(KernelState& K, std::string_view line);
+void print_line(Diagnostics& D, std::string_view line);
 
 // Appends LINE and a newline to the message sink (unit 78).
-void write_message(KernelState& K, std::string_view line);
+void write_message(Diagnostics& D, std::string_view line);
 
 // Fortran-style right-justified integer field of width W; a value that does
 // not fit prints as W asterisks.
@@ -33,6 +39,6 @@ std::string format_fixed(double value, int width, int decimals);
 // ends the process; the status entries turn it into status 1.
 struct FatalStop {};
 
-[[noreturn]] void stop_run(KernelState& K);
+[[noreturn]] void stop_run(Diagnostics& D);
 
 }  // namespace respcore

@@ -8,6 +8,7 @@
 
 #include "archive/archive_state.hpp"
 #include "continuum/continuum_state.hpp"
+#include "core/diagnostics.hpp"
 #include "core/element_material.hpp"
 #include "line/line_state.hpp"
 #include "nodal/nodal_state.hpp"
@@ -41,10 +42,9 @@ struct KernelState {
   // their memory for the next one).
   Tdsp TDSP{"TDSP", 0};
 
-  // Lines written to standard output by the current call.
-  std::vector<std::string> output_lines;
-  // The element message sink (unit 78).
-  std::string messages;
+  // Lines written to standard output by the current call, and the element
+  // message sink (unit 78).
+  Diagnostics diag;
 };
 
 }  // namespace respcore

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "core/diagnostics.hpp"
-#include "core/kernel_state.hpp"
 
 namespace respcore {
 
@@ -14,22 +13,22 @@ namespace {
 // their own that nothing ever writes, so the message always shows 0.
 constexpr int32_t kInverseElementNo = 0;
 
-[[noreturn]] void negative_jacobian_stop(KernelState& K) {
+[[noreturn]] void negative_jacobian_stop(Diagnostics& D) {
   const std::string no = format_int(kInverseElementNo, 7);
   const std::string line1 = " JACOBIAN DETERMINANT OF ELEMENT NO. " + no + " IS LITTLE THAN ZERO.";
   const std::string line2 = " PLEASE CHECK THE SHAPE OF ELEMENT NO." + no + ".";
-  write_message(K, "");
-  write_message(K, line1);
-  write_message(K, line2);
-  print_line(K, "");
-  print_line(K, line1);
-  print_line(K, line2);
-  stop_run(K);
+  write_message(D, "");
+  write_message(D, line1);
+  write_message(D, line2);
+  print_line(D, "");
+  print_line(D, line1);
+  print_line(D, line2);
+  stop_run(D);
 }
 
 }  // namespace
 
-void INVERSE(KernelState& K, MatRef<double> A_arg, MatRef<double> A_INV_arg, int32_t N) {
+void INVERSE(Diagnostics& D, MatRef<double> A_arg, MatRef<double> A_INV_arg, int32_t N) {
   if (N <= 0) return;
   MatRef<double> A = as_shape(A_arg, N, N);
   MatRef<double> A_INV = as_shape(A_INV_arg, N, N);
@@ -37,8 +36,10 @@ void INVERSE(KernelState& K, MatRef<double> A_arg, MatRef<double> A_INV_arg, int
   if (N == 2 || N == 3) {
     for (int32_t j = 1; j <= N; ++j)
       for (int32_t i = 1; i <= N; ++i) A_INV(i, j) = A(i, j);
-    if (N == 2) INVERSE2X2(K, A_INV, det);
-    else INVERSE3X3(K, A_INV, det);
+    if (N == 2)
+      INVERSE2X2(D, A_INV, det);
+    else
+      INVERSE3X3(D, A_INV, det);
     return;
   }
 
@@ -79,13 +80,13 @@ void INVERSE(KernelState& K, MatRef<double> A_arg, MatRef<double> A_INV_arg, int
   }
 }
 
-void INVERSE2X2(KernelState& K, MatRef<double> A_INV_arg, double& DET) {
+void INVERSE2X2(Diagnostics& D, MatRef<double> A_INV_arg, double& DET) {
   MatRef<double> A_INV = as_shape(A_INV_arg, 2, 2);
   const double a11 = A_INV(1, 1), a21 = A_INV(2, 1);
   const double a12 = A_INV(1, 2), a22 = A_INV(2, 2);
   DET = a11 * a22 - a12 * a21;
   // A NaN determinant is not caught here, as it never was.
-  if (DET <= 0.0) negative_jacobian_stop(K);
+  if (DET <= 0.0) negative_jacobian_stop(D);
   const double r = 1.0 / DET;
   A_INV(1, 1) = a22 * r;
   A_INV(2, 1) = -a21 * r;
@@ -93,7 +94,7 @@ void INVERSE2X2(KernelState& K, MatRef<double> A_INV_arg, double& DET) {
   A_INV(2, 2) = a11 * r;
 }
 
-void INVERSE3X3(KernelState& K, MatRef<double> A_INV_arg, double& DET) {
+void INVERSE3X3(Diagnostics& D, MatRef<double> A_INV_arg, double& DET) {
   MatRef<double> A_INV = as_shape(A_INV_arg, 3, 3);
   double a[3][3];
   for (int i = 0; i < 3; ++i)
@@ -113,7 +114,7 @@ void INVERSE3X3(KernelState& K, MatRef<double> A_INV_arg, double& DET) {
 
   // Expansion along the first row.
   DET = a[0][0] * c[0][0] + a[0][1] * c[0][1] + a[0][2] * c[0][2];
-  if (DET <= 0.0) negative_jacobian_stop(K);
+  if (DET <= 0.0) negative_jacobian_stop(D);
   const double r = 1.0 / DET;
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) A_INV(i + 1, j + 1) = c[j][i] * r;

@@ -14,7 +14,7 @@
 
 namespace respcore {
 
-struct KernelState;
+struct Diagnostics;
 
 // The callee's view of a matrix argument: the caller's storage read with the
 // leading dimension passed to the routine, as a dummy array of that shape
@@ -35,13 +35,13 @@ inline MatRef<double> as_shape(MatRef<double> m, int64_t rows, int64_t cols) {
 // Gauss-Jordan elimination without pivoting and is overwritten. Exact zero
 // pivots are replaced by 1.0 without notice, so a singular matrix of such a
 // size yields a finite, meaningless result. N <= 0 touches nothing.
-void INVERSE(KernelState& K, MatRef<double> A, MatRef<double> A_INV, int32_t N);
+void INVERSE(Diagnostics& D, MatRef<double> A, MatRef<double> A_INV, int32_t N);
 
 // In-place inverse of a 2x2 (3x3) matrix by cofactors; DET receives the
 // determinant. A determinant <= 0 writes the element-shape message to the
 // message sink and standard output and performs the fatal stop.
-void INVERSE2X2(KernelState& K, MatRef<double> A_INV, double& DET);
-void INVERSE3X3(KernelState& K, MatRef<double> A_INV, double& DET);
+void INVERSE2X2(Diagnostics& D, MatRef<double> A_INV, double& DET);
+void INVERSE3X3(Diagnostics& D, MatRef<double> A_INV, double& DET);
 
 // In-place U'DU factorisation of the symmetric ST(N,N): D on the diagonal,
 // the unit upper factor U in both triangles. No pivot test.

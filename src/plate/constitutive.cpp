@@ -2,71 +2,10 @@
 
 #include <cmath>
 
-#include "core/kernel_state.hpp"
+#include "continuum/material_matrix.hpp"
 #include "numeric/dense.hpp"
 
 namespace respcore {
-
-void STRESS_STRAIN_MATRIX_PLT(KernelState& K, int32_t MODE, MatRef<double> D_arg) {
-  ElementMaterial& m = K.ELEM_MATERIAL;
-  PlateState& s = K.plate;
-  MatRef<double> D = as_shape(D_arg, 3, 3);
-
-  double E1 = m.MAT_YOUNG;
-  double E2 = m.MAT_VALS[0];
-  double E3 = m.MAT_VALS[3];
-  double NU12 = m.MAT_POISSON;
-  double NU13 = m.MAT_VALS[1];
-  double NU23 = m.MAT_VALS[4];
-  // A guard that fails keeps the ratio of the previous element.
-  if (E1 > 0.0) {
-    s.NU21 = E2 / E1 * NU12;
-    s.NU31 = E3 / E1 * NU13;
-  }
-  if (E2 > 0.0) s.NU32 = E3 / E2 * NU23;
-
-  double G = 0.0;
-  if (m.MAT_TYPE != 0) {
-    G = m.MAT_VALS[6];
-  } else {
-    // Isotropic: everything follows E1 and NU12, except NU31, which keeps
-    // the value formed from the stored E3 and NU13. The plane-strain matrix
-    // of an isotropic material therefore depends on those stored values;
-    // results were produced that way.
-    E2 = E1;
-    E3 = E1;
-    NU13 = NU12;
-    NU23 = NU12;
-    s.NU21 = NU12;
-    s.NU32 = NU12;
-    G = E1 / (2.0 * (1.0 + NU12));
-  }
-  (void)E3;
-
-  // Compliance entries; one whose divisor is not positive keeps its old value.
-  if (MODE == 0) {
-    if (E1 > 0.0) s.S11 = 1.0 / E1;
-    if (E2 > 0.0) s.S12 = -s.NU21 / E2;
-    if (E1 > 0.0) s.S21 = -NU12 / E1;
-    if (E2 > 0.0) s.S22 = 1.0 / E2;
-  } else if (MODE == 1) {
-    if (E1 > 0.0) s.S11 = (1.0 - s.NU31 * NU13) / E1;
-    if (E2 > 0.0) s.S12 = -(s.NU31 * NU23 + s.NU21) / E2;
-    if (E1 > 0.0) s.S21 = -(s.NU32 * NU13 + NU12) / E1;
-    if (E1 > 0.0) s.S22 = (1.0 - s.NU32 * NU23) / E2;
-  }
-
-  const double det = s.S11 * s.S22 - s.S12 * s.S21;
-  for (int j = 1; j <= 3; ++j)
-    for (int i = 1; i <= 3; ++i) D(i, j) = 0.0;
-  if (det > 0.0) {
-    D(1, 1) = s.S22 / det;
-    D(1, 2) = -s.S12 / det;
-    D(2, 1) = -s.S21 / det;
-    D(2, 2) = s.S11 / det;
-  }
-  D(3, 3) = G;
-}
 
 void TRANS_D_SKEW(MatRef<double> D_arg, MatRef<double> T_arg, int32_t N) {
   if (N <= 0 || N > 3) return;
@@ -93,8 +32,8 @@ void TRANS_D_SKEW(MatRef<double> D_arg, MatRef<double> T_arg, int32_t N) {
     }
 }
 
-void CHECK_PLATE_DMATRIX_TRANSFORM(KernelState& K, int32_t& ISCALE, int32_t& IROT) {
-  PlateState& s = K.plate;
+void CHECK_PLATE_DMATRIX_TRANSFORM(const PlateContext& C, int32_t& ISCALE, int32_t& IROT) {
+  PlateState& s = C.plate;
   s.SECT_ANGLE_COPY = s.SECT_ANGLE;
   if (s.SCALE_FLAG == 1) {
     ISCALE = 1;
@@ -102,7 +41,7 @@ void CHECK_PLATE_DMATRIX_TRANSFORM(KernelState& K, int32_t& ISCALE, int32_t& IRO
     return;
   }
   ISCALE = 0;
-  const bool orthotropic = K.ELEM_MATERIAL.MAT_TYPE == 1 || s.SECT_ORTHO == 1;
+  const bool orthotropic = C.mat.MAT_TYPE == 1 || s.SECT_ORTHO == 1;
   IROT = (orthotropic && std::fabs(s.SECT_ANGLE) > 0.0) ? 1 : 0;
 }
 
@@ -127,32 +66,32 @@ void TRANS_VECT_MATL_GNRL(MatRef<double> TRAN_INPL_UDC2, MatRef<double> TRAN_TRS
   B(2, 2) = c;
 }
 
-void CALC_ROTATION_MATRIX(KernelState& K, int32_t& ISCALE, int32_t& IROT, MatRef<double> T2_arg,
-                          MatRef<double> T3_arg) {
+void CALC_ROTATION_MATRIX(const PlateContext& C, int32_t& ISCALE, int32_t& IROT,
+                          MatRef<double> T2_arg, MatRef<double> T3_arg) {
   MatRef<double> T2 = as_shape(T2_arg, 2, 2);
   MatRef<double> T3 = as_shape(T3_arg, 3, 3);
-  CHECK_PLATE_DMATRIX_TRANSFORM(K, ISCALE, IROT);
+  CHECK_PLATE_DMATRIX_TRANSFORM(C, ISCALE, IROT);
   for (int j = 1; j <= 3; ++j)
     for (int i = 1; i <= 3; ++i) T3(i, j) = (i == j) ? 1.0 : 0.0;
   for (int j = 1; j <= 2; ++j)
     for (int i = 1; i <= 2; ++i) T2(i, j) = (i == j) ? 1.0 : 0.0;
   if (ISCALE != 1 && IROT != 1) return;
 
-  const double angle = -K.plate.SECT_ANGLE;
+  const double angle = -C.plate.SECT_ANGLE;
   double inpl[9], trsh[4];
   MatRef<double> tran_inpl(inpl, 3, 3, "TRAN_INPL_UDC2");
   MatRef<double> tran_trsh(trsh, 2, 2, "TRAN_TRSH_UDC2");
   TRANS_VECT_MATL_GNRL(tran_inpl, tran_trsh, angle);
-  INVERSE(K, tran_inpl, T3, 3);
-  INVERSE(K, tran_trsh, T2, 2);
+  INVERSE(C.diag, tran_inpl, T3, 3);
+  INVERSE(C.diag, tran_trsh, T2, 2);
 }
 
-void PLATE_STIFF_SCALE_MOD(KernelState& K, int32_t N, double E1, double E2, double G, double NU,
-                           int32_t USEMAT, MatRef<double> T, MatRef<double> DD_arg, int32_t ITYPE,
-                           int32_t TRANS) {
-  PlateState& st = K.plate;
+void PLATE_STIFF_SCALE_MOD(const PlateContext& C, int32_t N, double E1, double E2, double G,
+                           double NU, int32_t USEMAT, MatRef<double> T, MatRef<double> DD_arg,
+                           int32_t ITYPE, int32_t TRANS) {
+  PlateState& st = C.plate;
   if (st.SCALE_FLAG != 1) return;
-  const ElementMaterial& m = K.ELEM_MATERIAL;
+  const ElementMaterial& m = C.mat;
   VecRef<double> SF = st.scale_factor();
   MatRef<double> DD = as_shape(DD_arg, N, N);
 
@@ -161,9 +100,12 @@ void PLATE_STIFF_SCALE_MOD(KernelState& K, int32_t N, double E1, double E2, doub
   double dd1_store[9] = {};
   MatRef<double> DD1(dd1_store, 3, 3, "DD1");
 
-  if (ITYPE == 1) st.SCALE_INDEX = 1;
-  else if (ITYPE == 2) st.SCALE_INDEX = 4;
-  else if (ITYPE == 3) st.SCALE_INDEX = 7;
+  if (ITYPE == 1)
+    st.SCALE_INDEX = 1;
+  else if (ITYPE == 2)
+    st.SCALE_INDEX = 4;
+  else if (ITYPE == 3)
+    st.SCALE_INDEX = 7;
   const int32_t k = st.SCALE_INDEX;
 
   double EX = 0.0, EY = 0.0, NUXY = 0.0, NUYX = 0.0, GXY = 0.0, GXZ = 0.0, GYZ = 0.0;
@@ -206,8 +148,10 @@ void PLATE_STIFF_SCALE_MOD(KernelState& K, int32_t N, double E1, double E2, doub
       const double EYS = EY * f2;
       // The ratio of the stiffer direction stands and the other follows, so
       // that the matrix stays symmetric.
-      if (EXS >= EYS) NUYX = EYS / EXS * NUXY;
-      else NUXY = EXS / EYS * NUYX;
+      if (EXS >= EYS)
+        NUYX = EYS / EXS * NUXY;
+      else
+        NUXY = EXS / EYS * NUYX;
       const double S11 = 1.0 / EXS;
       const double S22 = 1.0 / EYS;
       const double S12 = -NUYX / EYS;
@@ -234,8 +178,8 @@ void PLATE_STIFF_SCALE_MOD(KernelState& K, int32_t N, double E1, double E2, doub
   if (TRANS & 1) TRANS_D_SKEW(DD, T, N);
 }
 
-void PLATE_STIFF_SCALE(KernelState& K, MatRef<double> D_arg, int32_t N, int32_t ITYPE) {
-  VecRef<double> SF = K.plate.scale_factor();
+void PLATE_STIFF_SCALE(const PlateContext& C, MatRef<double> D_arg, int32_t N, int32_t ITYPE) {
+  VecRef<double> SF = C.plate.scale_factor();
   if (ITYPE == 1 || ITYPE == 2) {
     MatRef<double> D = as_shape(D_arg, N, 3);
     const int32_t k = ITYPE == 1 ? 1 : 4;
@@ -259,12 +203,12 @@ void PLATE_STIFF_SCALE(KernelState& K, MatRef<double> D_arg, int32_t N, int32_t 
   }
 }
 
-void PLATE_MATER_STF(KernelState& K, double P1, MatRef<double> D1_arg, double& D1_SHEARMOD,
-                     MatRef<double> D2_arg, MatRef<double> DS_arg, double& D2_MEAN,
-                     double& DS_MEAN, int32_t MASK, int32_t NSCALE) {
+void PLATE_MATER_STF(const PlateContext& C, double P1, MatRef<double> D1_arg, double& D1_SHEARMOD,
+                     MatRef<double> D2_arg, MatRef<double> DS_arg, double& D2_MEAN, double& DS_MEAN,
+                     int32_t MASK, int32_t NSCALE) {
   (void)P1;
   (void)NSCALE;
-  const ElementMaterial& m = K.ELEM_MATERIAL;
+  const ElementMaterial& m = C.mat;
   MatRef<double> D1 = as_shape(D1_arg, 3, 3);
   MatRef<double> D2 = as_shape(D2_arg, 3, 3);
   MatRef<double> DS = as_shape(DS_arg, 2, 2);
@@ -273,7 +217,7 @@ void PLATE_MATER_STF(KernelState& K, double P1, MatRef<double> D1_arg, double& D
   double t2_store[4], t3_store[9];
   MatRef<double> T2(t2_store, 2, 2, "T2");
   MatRef<double> T3(t3_store, 3, 3, "T3");
-  CALC_ROTATION_MATRIX(K, iscale, irot, T2, T3);
+  CALC_ROTATION_MATRIX(C, iscale, irot, T2, T3);
   D1.fill(0.0);
   D2.fill(0.0);
   DS.fill(0.0);
@@ -283,7 +227,7 @@ void PLATE_MATER_STF(KernelState& K, double P1, MatRef<double> D1_arg, double& D
   const double E2 = m.MAT_TYPE == 1 ? m.MAT_VALS[0] : m.MAT_YOUNG;
 
   if (MASK & 2) {
-    STRESS_STRAIN_MATRIX_PLT(K, 0, D1);
+    STRESS_STRAIN_MATRIX_PLT(C.mat, C.compliance, 0, D1);
     D1_SHEARMOD = D1(3, 3);
     if (irot == 1) {
       TRANS_D_SKEW(D1, T3, 3);
@@ -291,20 +235,20 @@ void PLATE_MATER_STF(KernelState& K, double P1, MatRef<double> D1_arg, double& D
       // The membrane matrix of a scaled section is rebuilt without Poisson
       // coupling.
       const double G = E1 / 2.0;
-      PLATE_STIFF_SCALE_MOD(K, 3, E1, E2, G, 0.0, 0, T3, D1, 1, 0);
+      PLATE_STIFF_SCALE_MOD(C, 3, E1, E2, G, 0.0, 0, T3, D1, 1, 0);
       D1_SHEARMOD = D1(3, 3);
       TRANS_D_SKEW(D1, T3, 3);
     }
   }
 
   if (MASK & 4) {
-    STRESS_STRAIN_MATRIX_PLT(K, 0, D2);
+    STRESS_STRAIN_MATRIX_PLT(C.mat, C.compliance, 0, D2);
     D2_MEAN = (D2(1, 1) + D2(2, 2)) / 2.0;
     if (irot == 1) {
       TRANS_D_SKEW(D2, T3, 3);
     } else if (iscale == 1) {
       const double G = E1 / 2.0;
-      PLATE_STIFF_SCALE_MOD(K, 3, E1, E2, G, m.MAT_POISSON, 0, T3, D2, 2, 0);
+      PLATE_STIFF_SCALE_MOD(C, 3, E1, E2, G, m.MAT_POISSON, 0, T3, D2, 2, 0);
       D2_MEAN = (D2(1, 1) + D2(2, 2)) / 2.0;
       TRANS_D_SKEW(D2, T3, 3);
     }
@@ -322,7 +266,7 @@ void PLATE_MATER_STF(KernelState& K, double P1, MatRef<double> D1_arg, double& D
     DS_MEAN = (DS(1, 1) + DS(2, 2)) / 2.0;
     if (iscale == 1 && irot != 1) {
       const double gxz = DS(1, 1), gyz = DS(2, 2);
-      PLATE_STIFF_SCALE_MOD(K, 2, gxz, gyz, 0.0, 0.0, 0, T2, DS, 3, 0);
+      PLATE_STIFF_SCALE_MOD(C, 2, gxz, gyz, 0.0, 0.0, 0, T2, DS, 3, 0);
       DS_MEAN = (DS(1, 1) + DS(2, 2)) / 2.0;
     }
     if (iscale == 1 || irot == 1) TRANS_D_SKEW(DS, T2, 2);

@@ -5,7 +5,6 @@
 
 #include "core/arrays.hpp"
 #include "core/diagnostics.hpp"
-#include "core/kernel_state.hpp"
 #include "numeric/dense.hpp"
 
 namespace respcore {
@@ -15,25 +14,27 @@ namespace {
 constexpr char kErrorBorder[] = "---------------------------------------------";
 static_assert(sizeof(kErrorBorder) - 1 == 45);
 
-void internal_error(KernelState& K, const char* text) {
-  print_line(K, "");
-  print_line(K, kErrorBorder);
-  print_line(K, "INTERNAL ERROR ENCOUNTERED.");
-  print_line(K, text);
-  print_line(K, kErrorBorder);
+void internal_error(const PlateContext& C, const char* text) {
+  print_line(C.diag, "");
+  print_line(C.diag, kErrorBorder);
+  print_line(C.diag, "INTERNAL ERROR ENCOUNTERED.");
+  print_line(C.diag, text);
+  print_line(C.diag, kErrorBorder);
 }
 
 }  // namespace
 
-void NORM(KernelState& K, VecRef<double> V, double& LEN) {
+void NORM(const PlateContext& C, VecRef<double> V, double& LEN) {
   LEN = std::sqrt(V(1) * V(1) + V(2) * V(2) + V(3) * V(3));
-  if (std::isnan(LEN)) internal_error(K, "SUBROUTINE NORM - DIVIDE BY NON NUMERIC VALUE");
-  else if (LEN == 0.0) internal_error(K, "SUBROUTINE NORM - DIVIDE BY ZERO");
+  if (std::isnan(LEN))
+    internal_error(C, "SUBROUTINE NORM - DIVIDE BY NON NUMERIC VALUE");
+  else if (LEN == 0.0)
+    internal_error(C, "SUBROUTINE NORM - DIVIDE BY ZERO");
   const double r = 1.0 / LEN;
   for (int i = 1; i <= 3; ++i) V(i) = V(i) * r;
 }
 
-void GET_LINEAR_PROJECTION(KernelState& K, VecRef<double> XY, double H, int32_t NDOF,
+void GET_LINEAR_PROJECTION(const PlateContext& C, VecRef<double> XY, double H, int32_t NDOF,
                            MatRef<double> P_arg) {
   MatRef<double> P = as_shape(P_arg, NDOF, NDOF);
   P.fill(0.0);
@@ -52,11 +53,11 @@ void GET_LINEAR_PROJECTION(KernelState& K, VecRef<double> XY, double H, int32_t 
     e1[0] = XY(2 * I - 1) - XY(2 * J - 1);
     e1[1] = XY(2 * I) - XY(2 * J);
     e1[2] = 0.0;
-    NORM(K, E1, LENG[0]);
+    NORM(C, E1, LENG[0]);
     e2[0] = XY(2 * L - 1) - XY(2 * I - 1);
     e2[1] = XY(2 * L) - XY(2 * I);
     e2[2] = 0.0;
-    NORM(K, E2, LENG[1]);
+    NORM(C, E2, LENG[1]);
     const double L1 = LENG[0], L2 = LENG[1];
     const double a1 = -e2[1], a2 = e2[0];
     const double b1 = -e1[1], b2 = e1[0];
@@ -106,27 +107,28 @@ void GET_LINEAR_PROJECTION(KernelState& K, VecRef<double> XY, double H, int32_t 
   }
 }
 
-void GET_COORD(KernelState& K, MatRef<double> COORDS_arg, int32_t FLAG) {
+void GET_COORD(const PlateContext& C, MatRef<double> COORDS_arg, int32_t FLAG) {
   MatRef<double> COORDS = as_shape(COORDS_arg, 3, 3);
-  const PlateState& s = K.plate;
+  const PlateState& s = C.plate;
   if (FLAG == 0) {
     COORDS.fill(0.0);
   } else if (trunc_i32(s.COORD_TYPE) < 2) {
     for (int i = 1; i <= 3; ++i)
       for (int j = 1; j <= 3; ++j) COORDS(i, j) = s.COORD_VALS[3 * (i - 1) + (j - 1)];
   } else {
-    print_line(K, "UNKNOWN COORDINATE TYPE");
+    print_line(C.diag, "UNKNOWN COORDINATE TYPE");
   }
-  if (s.COORD_ASSIGNED == 0) print_line(K, "NO COORDINATE IS ASSIGNED");
+  if (s.COORD_ASSIGNED == 0) print_line(C.diag, "NO COORDINATE IS ASSIGNED");
 }
 
-void COMPUTE_BETA(KernelState& K, MatRef<double> A_arg, MatRef<double> B_arg, double& BETA) {
+void COMPUTE_BETA(const PlateContext& C, MatRef<double> A_arg, MatRef<double> B_arg, double& BETA) {
   MatRef<double> A = as_shape(A_arg, 3, 3);
   MatRef<double> B = as_shape(B_arg, 3, 3);
   const double p = B(1, 1) * A(1, 1) + B(2, 1) * A(2, 1) + B(3, 1) * A(3, 1);
   const double q = B(1, 1) * A(1, 2) + B(2, 1) * A(2, 2) + B(3, 1) * A(3, 2);
   const double r = std::sqrt(p * p + q * q);
-  if (r < 1.0E-8) print_line(K, "ERROR : X AXIS OF MATERIAL COORDINATE IS PERPENDICULAR TO ELEMENT");
+  if (r < 1.0E-8)
+    print_line(C.diag, "ERROR : X AXIS OF MATERIAL COORDINATE IS PERPENDICULAR TO ELEMENT");
   BETA = std::acos(p / r);
   if (q < 0.0) BETA = -BETA;
 }

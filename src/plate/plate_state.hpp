@@ -11,28 +11,17 @@ namespace respcore {
 struct PlateState {
   // Section data of the current plate element, set by the plate history
   // driver and read by the constitutive routines.
-  int32_t SCALE_FLAG = 0;         // 1 when the section carries stiffness factors
-  double SCALE_FACTOR[8] = {};    // membrane x, y, xy; bending x, y, xy; shear x, y
-  double SECT_ANGLE = 0.0;        // material axes on the element, radians (negated when scaled)
-  double SECT_ANGLE_COPY = 0.0;   // refreshed by CHECK_PLATE_DMATRIX_TRANSFORM
-  int32_t SECT_ORTHO = 0;         // 1 when the section itself is orthotropic
+  int32_t SCALE_FLAG = 0;        // 1 when the section carries stiffness factors
+  double SCALE_FACTOR[8] = {};   // membrane x, y, xy; bending x, y, xy; shear x, y
+  double SECT_ANGLE = 0.0;       // material axes on the element, radians (negated when scaled)
+  double SECT_ANGLE_COPY = 0.0;  // refreshed by CHECK_PLATE_DMATRIX_TRANSFORM
+  int32_t SECT_ORTHO = 0;        // 1 when the section itself is orthotropic
 
   VecRef<double> scale_factor() { return VecRef<double>(SCALE_FACTOR, 8, "SCALE_FACTOR"); }
 
   // PLATE_STIFF_SCALE_MOD: first factor index of the last call, reused when
   // a call names no known matrix type.
   int32_t SCALE_INDEX = 0;
-
-  // STRESS_STRAIN_MATRIX_PLT: Poisson ratios and compliance entries whose
-  // guards may fail (non-positive moduli); a failed guard keeps the value of
-  // the previous element.
-  double NU21 = 0.0;
-  double NU31 = 0.0;
-  double NU32 = 0.0;
-  double S11 = 0.0;
-  double S12 = 0.0;
-  double S21 = 0.0;
-  double S22 = 0.0;
 
   // Material coordinate block read by GET_COORD: the coordinate type word,
   // the nine direction values behind it and the assignment word.

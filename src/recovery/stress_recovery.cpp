@@ -3,7 +3,6 @@
 #include <array>
 #include <vector>
 
-#include "core/kernel_state.hpp"
 #include "numeric/blas.hpp"
 #include "numeric/dense.hpp"
 #include "recovery/shape_library.hpp"
@@ -49,8 +48,8 @@ void recover(SelectorFn selector, VecRef<double> VALUE_NODAL, VecRef<double> VAL
   selector(SHAPE, NGP, NPTS, offset);
 
   if (VALUE_GAUSS.size() >= int64_t{NC} * NGP && VALUE_NODAL.size() >= int64_t{NC} * NPTS) {
-    DGEMM('N', 'N', NC, NPTS, NGP, 1.0, VALUE_GAUSS.data(), NC, cells, NGP, 0.0,
-          VALUE_NODAL.data(), NC);
+    DGEMM('N', 'N', NC, NPTS, NGP, 1.0, VALUE_GAUSS.data(), NC, cells, NGP, 0.0, VALUE_NODAL.data(),
+          NC);
     return;
   }
   // Arguments shorter than the product needs: the same product through
@@ -84,12 +83,23 @@ void STRESS_RECOVERY_SHAPE_SOLID(MatRef<double> SHAPE_arg, int32_t NGP, int32_t 
     case 1:
       for (int32_t p = 1; p <= NPTS; ++p) SOLID_SHAPE_4NODES(column(SHAPE, p));
       return;
-    case 4: fn = SOLID_SHAPE_10NODES; break;
-    case 6: fn = SOLID_SHAPE_6NODES; break;
-    case 8: fn = (NPTS == 9) ? SOLID_SHAPE_8NODES : SOLID_SHAPE_5NODES; break;
-    case 9: fn = SOLID_SHAPE_15NODES_LINEAR; break;
-    case 27: fn = (NPTS == 21) ? SOLID_SHAPE_20NODES_LINEAR : SOLID_SHAPE_13NODES; break;
-    default: return;
+    case 4:
+      fn = SOLID_SHAPE_10NODES;
+      break;
+    case 6:
+      fn = SOLID_SHAPE_6NODES;
+      break;
+    case 8:
+      fn = (NPTS == 9) ? SOLID_SHAPE_8NODES : SOLID_SHAPE_5NODES;
+      break;
+    case 9:
+      fn = SOLID_SHAPE_15NODES_LINEAR;
+      break;
+    case 27:
+      fn = (NPTS == 21) ? SOLID_SHAPE_20NODES_LINEAR : SOLID_SHAPE_13NODES;
+      break;
+    default:
+      return;
   }
   for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
 }
@@ -102,10 +112,17 @@ void STRESS_RECOVERY_SHAPE_PLANE(MatRef<double> SHAPE_arg, int32_t NGP, int32_t 
     case 1:
       for (int32_t p = 1; p <= NPTS; ++p) PLANE_SHAPE_3NODES(column(SHAPE, p));
       return;
-    case 3: fn = PLANE_SHAPE_6NODES; break;
-    case 4: fn = PLANE_SHAPE_4NODES; break;
-    case 9: fn = PLANE_SHAPE_8NODES_LINEAR; break;
-    default: return;
+    case 3:
+      fn = PLANE_SHAPE_6NODES;
+      break;
+    case 4:
+      fn = PLANE_SHAPE_4NODES;
+      break;
+    case 9:
+      fn = PLANE_SHAPE_8NODES_LINEAR;
+      break;
+    default:
+      return;
   }
   for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
 }
@@ -118,10 +135,17 @@ void STRESS_RECOVERY_SHAPE_SHELL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t 
     case 1:
       for (int32_t p = 1; p <= NPTS; ++p) PLANE_SHAPE_3NODES(column(SHAPE, p));
       return;
-    case 3: fn = PLANE_SHAPE_6NODES; break;
-    case 4: fn = (NPTS == 4) ? PLANE_SHAPE_4NODES : PLANE_SHAPE_8NODES_REDUCED; break;
-    case 9: fn = PLANE_SHAPE_8NODES_LINEAR; break;
-    default: return;
+    case 3:
+      fn = PLANE_SHAPE_6NODES;
+      break;
+    case 4:
+      fn = (NPTS == 4) ? PLANE_SHAPE_4NODES : PLANE_SHAPE_8NODES_REDUCED;
+      break;
+    case 9:
+      fn = PLANE_SHAPE_8NODES_LINEAR;
+      break;
+    default:
+      return;
   }
   for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
 }
@@ -133,7 +157,7 @@ void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t 
   for (int32_t p = 1; p <= NPTS; ++p) LINE_SHAPE_1NODE(column(SHAPE, p));
 }
 
-void STRESS_RECOVERY(KernelState& K, VecRef<double> VALUE_NODAL, VecRef<double> VALUE_GAUSS,
+void STRESS_RECOVERY(Diagnostics& DG, VecRef<double> VALUE_NODAL, VecRef<double> VALUE_GAUSS,
                      MatRef<double> COORD_GAUSS_arg, MatRef<double> COORD_NODAL_arg, int32_t NNODE,
                      int32_t NGP, int32_t NDIM) {
   if (NDIM < 1 || NDIM > 3) return;
@@ -170,7 +194,7 @@ void STRESS_RECOVERY(KernelState& K, VecRef<double> VALUE_NODAL, VecRef<double> 
   for (int32_t j = 1; j <= n; ++j)
     for (int32_t i = j + 1; i <= n; ++i) CMATX(i, j) = CMATX(j, i);
 
-  INVERSE(K, CMATX, CINVM, n);
+  INVERSE(DG, CMATX, CINVM, n);
 
   double avect[4] = {};
   for (int32_t i = 1; i <= n; ++i) {
@@ -189,10 +213,17 @@ void STRESS_RECOVERY_ISOLIDH(VecRef<double> VALUE_NODAL, VecRef<double> VALUE_GA
                              int32_t NGP) {
   void (*fn)(VecRef<double>, int32_t) = nullptr;
   switch (NGP) {
-    case 4: fn = SOLID_SHAPE_10NODES; break;
-    case 27: fn = SOLID_SHAPE_20NODES_LINEAR; break;
-    case 9: fn = SOLID_SHAPE_15NODES_LINEAR; break;
-    default: return;
+    case 4:
+      fn = SOLID_SHAPE_10NODES;
+      break;
+    case 27:
+      fn = SOLID_SHAPE_20NODES_LINEAR;
+      break;
+    case 9:
+      fn = SOLID_SHAPE_15NODES_LINEAR;
+      break;
+    default:
+      return;
   }
   double weights[27] = {};
   VecRef<double> SHAPE(weights, NGP, "SHAPE");

@@ -14,10 +14,9 @@
 #include <cstdint>
 
 #include "core/arrays.hpp"
+#include "core/diagnostics.hpp"
 
 namespace respcore {
-
-struct KernelState;
 
 // Solid shapes, chosen by NGP (and NPTS for 8 and 27 points):
 //   1 tetrahedron (4 nodes), 4 tetrahedron (10), 6 wedge (6),
@@ -47,7 +46,7 @@ void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS
 // evaluated at COORD_NODAL(NDIM,NNODE) into VALUE_NODAL(NNODE). A 10-node
 // tetrahedron with 4 points (NDIM 3) goes to STRESS_RECOVERY_ISOLIDH instead.
 // A singular normal matrix of order 2 or 3 stops the run as the inverse does.
-void STRESS_RECOVERY(KernelState& K, VecRef<double> VALUE_NODAL, VecRef<double> VALUE_GAUSS,
+void STRESS_RECOVERY(Diagnostics& DG, VecRef<double> VALUE_NODAL, VecRef<double> VALUE_GAUSS,
                      MatRef<double> COORD_GAUSS, MatRef<double> COORD_NODAL, int32_t NNODE,
                      int32_t NGP, int32_t NDIM);
 

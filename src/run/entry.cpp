@@ -45,8 +45,10 @@ void dispatch(KernelState& K, Tdsp& TDSP, ItemList serial, ItemList elemnt, VecR
       PSTR_TIME(K, TDSP, serial, elemnt, ncols, R.AXIS_FLAG, angle);
       break;
     case 3:
-      if (tag_is(K, "J.W.U")) PLAT_TIME_GNRL(K, TDSP, serial, elemnt, ncols);
-      else PLAT_TIME(K, TDSP, serial, elemnt, ncols, angle);
+      if (tag_is(K, "J.W.U"))
+        PLAT_TIME_GNRL(K, TDSP, serial, elemnt, ncols);
+      else
+        PLAT_TIME(K, TDSP, serial, elemnt, ncols, angle);
       break;
     case 4:
       SOLID_TIME(K, TDSP, serial, elemnt, ncols, R.AXIS_FLAG);
@@ -58,8 +60,10 @@ void dispatch(KernelState& K, Tdsp& TDSP, ItemList serial, ItemList elemnt, VecR
       PLANE_STRAIN_HIGH(K, TDSP, serial, elemnt, ncols, R.AXIS_FLAG);
       break;
     case 7:
-      if (tag_is(K, "J.W.U")) PLATE_HIGH_GNRL(K, TDSP, serial, elemnt, ncols);
-      else PLATE_HIGH(K, TDSP, serial, elemnt, ncols);
+      if (tag_is(K, "J.W.U"))
+        PLATE_HIGH_GNRL(K, TDSP, serial, elemnt, ncols);
+      else
+        PLATE_HIGH(K, TDSP, serial, elemnt, ncols);
       break;
     case 8:
       SOLID_HIGH(K, TDSP, serial, elemnt, ncols, R.AXIS_FLAG);
@@ -98,7 +102,8 @@ void run_steps(KernelState& K, const char* K_FNAME, int32_t name_length, int32_t
   len = std::clamp(len, 0, 1024);
   A.FNAME_LEN = len;
   A.FNAME.assign(1024, ' ');
-  if (len > 0 && K_FNAME != nullptr) A.FNAME.replace(0, static_cast<size_t>(len), K_FNAME, static_cast<size_t>(len));
+  if (len > 0 && K_FNAME != nullptr)
+    A.FNAME.replace(0, static_cast<size_t>(len), K_FNAME, static_cast<size_t>(len));
 
   R.ELEM_TYPE = elem_type;
   R.RESULT_COMP = result_comp;
@@ -127,8 +132,8 @@ void run_steps(KernelState& K, const char* K_FNAME, int32_t name_length, int32_t
       TDSP.reset(R.NCOLS);
       break;
     case 3:
-      R.NCOLS = static_cast<int32_t>(std::min<int64_t>(2 * int64_t{std::max(R.NUM_ITEMS, 0)},
-                                                       INT32_MAX));
+      R.NCOLS =
+          static_cast<int32_t>(std::min<int64_t>(2 * int64_t{std::max(R.NUM_ITEMS, 0)}, INT32_MAX));
       TDSP.reset(R.NCOLS);
       break;
     default:
@@ -182,9 +187,8 @@ void run_steps(KernelState& K, const char* K_FNAME, int32_t name_length, int32_t
   RF_BIN_T(K, R.HIST_CASE, 33, first, found);
   R.HAS_SUPPORT_MOTION = found ? 1 : 0;
 
-  const int64_t item_extent = request_mode >= 1 && request_mode <= 3
-                                  ? int64_t{R.NCOLS}
-                                  : int64_t{std::max(R.NUM_ITEMS, 0)};
+  const int64_t item_extent =
+      request_mode >= 1 && request_mode <= 3 ? int64_t{R.NCOLS} : int64_t{std::max(R.NUM_ITEMS, 0)};
   auto caller_list = [&](const int32_t* p, int64_t known) {
     const int64_t n = p == nullptr ? 0 : known >= 0 ? known : item_extent;
     return ItemList(const_cast<int32_t*>(p), n, "INUM_SERIAL");
@@ -223,7 +227,7 @@ int32_t run_request(KernelState& K, const char* K_FNAME, int32_t name_length, in
                     int32_t step_no, int32_t request_mode, int32_t product_index, int32_t mode_no,
                     double* TDSP_COMP, const int32_t* INUM_SERIAL, const int32_t* INUM_ELEMNT,
                     int32_t axis_flag, const CallerExtents& extents) {
-  K.output_lines.clear();
+  K.diag.output_lines.clear();
   int32_t status = 0;
   try {
     run_steps(K, K_FNAME, name_length, elem_type, result_comp, hist_case, num_steps, num_items,

@@ -24,7 +24,8 @@ void CALC_CN_3D(MatRef<double> XL_arg, MatRef<double> XYZ_arg, MatRef<double> T_
   MatRef<double> XYZ = as_shape(XYZ_arg, 3, NN);
   MatRef<double> T = as_shape(T_arg, 3, 3);
   double p1[3];
-  for (int32_t i = 1; i <= 3; ++i) p1[i - 1] = T(i, 1) * XYZ(1, 1) + T(i, 2) * XYZ(2, 1) + T(i, 3) * XYZ(3, 1);
+  for (int32_t i = 1; i <= 3; ++i)
+    p1[i - 1] = T(i, 1) * XYZ(1, 1) + T(i, 2) * XYZ(2, 1) + T(i, 3) * XYZ(3, 1);
   for (int32_t k = 1; k <= NN; ++k) {
     for (int32_t i = 1; i <= 3; ++i) {
       const double p = T(i, 1) * XYZ(1, k) + T(i, 2) * XYZ(2, k) + T(i, 3) * XYZ(3, k);
@@ -140,8 +141,8 @@ void SOL_STF(KernelState& K, MatRef<double> S_arg, MatRef<double> WORK, int32_t 
 
   double d[36];
   MatRef<double> D(d, 6, 6, "D");
-  CALC_DMATX(K, D, K.ELEM_MATERIAL.MAT_YOUNG, K.ELEM_MATERIAL.MAT_POISSON,
-             K.continuum.PLANE_TYPE, 6);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, D, K.ELEM_MATERIAL.MAT_YOUNG,
+             K.ELEM_MATERIAL.MAT_POISSON, K.continuum.PLANE_TYPE, 6);
 
   for (int32_t j = 1; j <= N; ++j)
     for (int32_t i = 1; i <= N; ++i) S(i, j) = 0.0;
@@ -153,7 +154,8 @@ void SOL_STF(KernelState& K, MatRef<double> S_arg, MatRef<double> WORK, int32_t 
   for (int32_t ip = 1; ip <= ngp; ++ip) {
     double s = 0.0, t = 0.0, u = 0.0, w = 0.0, det = 0.0;
     T_GP_COORD(s, t, u, w, ip, ngp, nn, 6);
-    B_BUB(K, pw.B(), det, pw.CARTD(), pw.SHAPE(), pw.GPCOD(), s, t, u, XL, nn, 3, 6, kBubble, 0);
+    B_BUB(K.diag, K.run.CURRENT_ELEM, K.continuum.PLANE_TYPE, pw.B(), det, pw.CARTD(), pw.SHAPE(),
+          pw.GPCOD(), s, t, u, XL, nn, 3, 6, kBubble, 0);
     if (tet_factor) w = w / 6.0;
     SOL_STIFF_MAT(S, D, pw.B(), det * w, NDOF);
   }
@@ -173,8 +175,8 @@ void SOL_STR(KernelState& K, MatRef<double> STR_arg, MatRef<double> WORK, int32_
 
   double d[36];
   MatRef<double> D(d, 6, 6, "D");
-  CALC_DMATX(K, D, K.ELEM_MATERIAL.MAT_YOUNG, K.ELEM_MATERIAL.MAT_POISSON,
-             K.continuum.PLANE_TYPE, 6);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, D, K.ELEM_MATERIAL.MAT_YOUNG,
+             K.ELEM_MATERIAL.MAT_POISSON, K.continuum.PLANE_TYPE, 6);
 
   const int32_t ngp = SOLID_HIGH_NGP(nn);
   PointWork pw;
@@ -182,9 +184,12 @@ void SOL_STR(KernelState& K, MatRef<double> STR_arg, MatRef<double> WORK, int32_
   // integration points.
   for (int32_t ip = 1; ip <= ngp + 1; ++ip) {
     double s = 0.0, t = 0.0, u = 0.0, w = 0.0, det = 0.0;
-    if (ip == 1) T_GP_COORD(s, t, u, w, 1, 1, nn, 6);
-    else T_GP_COORD(s, t, u, w, ip - 1, ngp, nn, 6);
-    B_BUB(K, pw.B(), det, pw.CARTD(), pw.SHAPE(), pw.GPCOD(), s, t, u, XL, nn, 3, 6, 0, 0);
+    if (ip == 1)
+      T_GP_COORD(s, t, u, w, 1, 1, nn, 6);
+    else
+      T_GP_COORD(s, t, u, w, ip - 1, ngp, nn, 6);
+    B_BUB(K.diag, K.run.CURRENT_ELEM, K.continuum.PLANE_TYPE, pw.B(), det, pw.CARTD(), pw.SHAPE(),
+          pw.GPCOD(), s, t, u, XL, nn, 3, 6, 0, 0);
     SOL_STRESS_HIGH(STR, D, pw.B(), T, N + 6 * (ip - 1), NDOF);
   }
 }
@@ -247,8 +252,10 @@ bool shape_values(R s, R t, R u, int32_t nn, R* N) {
       for (int i = 0; i < 6; ++i) {
         const double zi = i < 3 ? -1.0 : 1.0;
         const R Li = L[i % 3];
-        if (nn == 6) N[i] = Li * (1.0 + zi * u) * 0.5;
-        else N[i] = 0.5 * Li * ((2.0 * Li - 1.0) * (1.0 + zi * u) - (1.0 - u * u));
+        if (nn == 6)
+          N[i] = Li * (1.0 + zi * u) * 0.5;
+        else
+          N[i] = 0.5 * Li * ((2.0 * Li - 1.0) * (1.0 + zi * u) - (1.0 - u * u));
       }
       if (nn == 15) {
         for (int m = 0; m < 6; ++m) {
@@ -329,8 +336,8 @@ void SOL_B_MAT_HIGH(KernelState& K, MatRef<double> B_arg, MatRef<double> CARTD_a
          DJ[0][2] * (DJ[1][0] * DJ[2][1] - DJ[1][1] * DJ[2][0]);
   // At or below zero only: a NaN determinant compares false and passes.
   if (DETJ <= 0.0) {
-    write_message(K, "     JACOBIAN DETERMINENT IS NEGATIVE");
-    write_message(K, "     PLEASE CHECK YOUR DATA FILE ");
+    write_message(K.diag, "     JACOBIAN DETERMINENT IS NEGATIVE");
+    write_message(K.diag, "     PLEASE CHECK YOUR DATA FILE ");
   }
 
   // DJ_INV by cofactors.

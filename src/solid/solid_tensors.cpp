@@ -90,8 +90,10 @@ void rotate_forces(VecRef<double> F, MatRef<double> T, int32_t NN, bool transpos
                        : t[i][0] * f[0] + t[i][1] * f[1] + t[i][2] * f[2];
     }
     for (int i = 0; i < 3; ++i) {
-      if (fast) F.data()[base - F.lo() + i] = g[i];
-      else F(base + i) = g[i];
+      if (fast)
+        F.data()[base - F.lo() + i] = g[i];
+      else
+        F(base + i) = g[i];
     }
   }
 }
@@ -130,8 +132,10 @@ void SOL_RECV_H(VecRef<double> SIG, int32_t NN) {
       double w[8];
       for (int32_t k = 1; k <= NN; ++k) {
         VecRef<double> N(w, ngp, "N");
-        if (NN == 8) SOLID_SHAPE_8NODES(N, k + 1);
-        else SOLID_SHAPE_6NODES(N, k + 1);
+        if (NN == 8)
+          SOLID_SHAPE_8NODES(N, k + 1);
+        else
+          SOLID_SHAPE_6NODES(N, k + 1);
         for (int32_t c = 1; c <= 6; ++c) {
           double s = 0.0;
           for (int32_t g = 1; g <= ngp; ++g) s += w[g - 1] * at(g + 1, c);
@@ -168,8 +172,8 @@ void SOLID_STRAIN_TIME(KernelState& K, int32_t NN, int32_t& FIRST, VecRef<double
                        VecRef<double> STRAIN) {
   SolidState& S = K.solid;
   if (FIRST == 1) {
-    STRESS_STRAIN_MATRIX(K, S.DD.ref());
-    INVERSE(K, S.DD.ref(), S.DD_INV.ref(), 6);
+    STRESS_STRAIN_MATRIX(K.diag, K.ELEM_MATERIAL, S.DD.ref());
+    INVERSE(K.diag, S.DD.ref(), S.DD_INV.ref(), 6);
     FIRST = 0;
   }
   if (NN < 0) return;

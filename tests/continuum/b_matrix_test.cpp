@@ -30,11 +30,13 @@ BEval eval_b(KernelState& K, const std::vector<double>& cn, int32_t nnode, int32
   e.b.assign(static_cast<size_t>(nstrs * e.ncols), 77.0);
   e.cartd.assign(static_cast<size_t>(ndim * (nnode + ndim)), 55.0);
   e.shape.assign(static_cast<size_t>(nnode + ndim), 0.0);
-  B_BUB(K, MatRef<double>(e.b.data(), nstrs, e.ncols, "B"), e.det,
+  B_BUB(K.diag, K.run.CURRENT_ELEM, K.continuum.PLANE_TYPE,
+        MatRef<double>(e.b.data(), nstrs, e.ncols, "B"), e.det,
         MatRef<double>(e.cartd.data(), ndim, nnode + ndim, "CARTD"),
-        VecRef<double>(e.shape.data(), nnode + ndim, "SHAPE"), VecRef<double>(e.gpcod, ndim, "GPCOD"),
-        p[0], p[1], p[2], MatRef<double>(const_cast<double*>(cn.data()), ndim, nnode, "CN"), nnode, ndim,
-        nstrs, bubble, det_only);
+        VecRef<double>(e.shape.data(), nnode + ndim, "SHAPE"),
+        VecRef<double>(e.gpcod, ndim, "GPCOD"), p[0], p[1], p[2],
+        MatRef<double>(const_cast<double*>(cn.data()), ndim, nnode, "CN"), nnode, ndim, nstrs,
+        bubble, det_only);
   return e;
 }
 
@@ -48,18 +50,18 @@ std::vector<double> strain(const BEval& e, const std::vector<double>& u) {
 
 // Distorted elements: node coordinates, NDIM by NNODE.
 const std::vector<double> kQuad4 = {0.0, 0.0, 3.0, 0.4, 2.6, 2.5, -0.3, 1.8};
-const std::vector<double> kQuad8 = {0.0, 0.0, 3.0, 0.4, 2.6, 2.5, -0.3, 1.8,
+const std::vector<double> kQuad8 = {0.0, 0.0,  3.0, 0.4, 2.6, 2.5, -0.3, 1.8,
                                     1.6, 0.05, 2.9, 1.5, 1.2, 2.3, -0.1, 0.8};
 const std::vector<double> kTri3 = {0.2, 0.1, 2.5, 0.4, 0.9, 2.1};
 const std::vector<double> kTri6 = {0.2, 0.1, 2.5, 0.4, 0.9, 2.1, 1.4, 0.15, 1.75, 1.3, 0.5, 1.1};
 
 // A distorted brick and the quadratic solids built on it.
 std::vector<double> hex8() {
-  return {0, 0, 0, 2.2, 0.1, -0.1, 2.0, 1.9, 0.2, -0.2, 1.7, 0.0,
-          0.1, -0.1, 1.5, 2.4, 0.2, 1.8, 2.1, 2.2, 1.6, 0.0, 1.9, 1.7};
+  return {0,   0,    0,   2.2, 0.1, -0.1, 2.0, 1.9, 0.2, -0.2, 1.7, 0.0,
+          0.1, -0.1, 1.5, 2.4, 0.2, 1.8,  2.1, 2.2, 1.6, 0.0,  1.9, 1.7};
 }
-std::vector<double> midpoint_nodes(const std::vector<double>& corners, const int (*edges)[2], int ne,
-                                   double bow) {
+std::vector<double> midpoint_nodes(const std::vector<double>& corners, const int (*edges)[2],
+                                   int ne, double bow) {
   std::vector<double> c = corners;
   for (int e = 0; e < ne; ++e)
     for (int i = 0; i < 3; ++i)
@@ -77,10 +79,11 @@ std::vector<double> tet10() {
   static const int edges[6][2] = {{0, 1}, {1, 2}, {2, 0}, {0, 3}, {1, 3}, {2, 3}};
   return midpoint_nodes(kTet4, edges, 6, 0.06);
 }
-const std::vector<double> kWedge6 = {0, 0, 0, 2.1, 0.2, 0.1, 0.3, 1.9, -0.1,
+const std::vector<double> kWedge6 = {0,   0,   0,   2.1, 0.2, 0.1, 0.3, 1.9, -0.1,
                                      0.1, 0.1, 1.6, 2.3, 0.3, 1.8, 0.2, 2.0, 1.5};
 std::vector<double> wedge15() {
-  static const int edges[9][2] = {{0, 1}, {1, 2}, {2, 0}, {3, 4}, {4, 5}, {5, 3}, {0, 3}, {1, 4}, {2, 5}};
+  static const int edges[9][2] = {{0, 1}, {1, 2}, {2, 0}, {3, 4}, {4, 5},
+                                  {5, 3}, {0, 3}, {1, 4}, {2, 5}};
   return midpoint_nodes(kWedge6, edges, 9, 0.07);
 }
 
@@ -117,7 +120,7 @@ TEST(BMatrix, LinearFieldGivesConstantStrainInThePlane) {
       EXPECT_GT(e.det, 0.0);
     }
   }
-  EXPECT_EQ(K.messages, "");
+  EXPECT_EQ(K.diag.messages, "");
 }
 
 // Axisymmetric: the fourth row is the hoop strain u_r / r at the point, and
@@ -155,11 +158,12 @@ TEST(BMatrix, LinearFieldGivesConstantStrainInSolids) {
     int32_t nnode;
     std::vector<P3> pts;
   };
-  const std::vector<P3> brick = {{-0.57, -0.57, 0.57}, {0.77, 0.1, -0.3}, {0.0, 0.0, 0.0}, {1, -1, 1}};
+  const std::vector<P3> brick = {
+      {-0.57, -0.57, 0.57}, {0.77, 0.1, -0.3}, {0.0, 0.0, 0.0}, {1, -1, 1}};
   const std::vector<P3> tet = {{0.25, 0.25, 0.25}, {0.58, 0.14, 0.14}, {0.1, 0.2, 0.6}};
   const std::vector<P3> wedge = {{1.0 / 6, 1.0 / 6, -0.57}, {0.6, 0.2, 0.77}, {0.2, 0.6, 0.0}};
-  const std::vector<E> els = {{hex8(), 8, brick},   {hex20(), 20, brick}, {kTet4, 4, tet},
-                              {tet10(), 10, tet},   {kWedge6, 6, wedge},  {wedge15(), 15, wedge}};
+  const std::vector<E> els = {{hex8(), 8, brick}, {hex20(), 20, brick}, {kTet4, 4, tet},
+                              {tet10(), 10, tet}, {kWedge6, 6, wedge},  {wedge15(), 15, wedge}};
   for (const E& el : els) {
     std::vector<double> u;
     for (int32_t k = 0; k < el.nnode; ++k)
@@ -167,12 +171,17 @@ TEST(BMatrix, LinearFieldGivesConstantStrainInSolids) {
     for (const P3& p : el.pts) {
       const BEval e = eval_b(K, el.cn, el.nnode, 3, 6, p);
       const std::vector<double> s = strain(e, u);
-      const double expect[6] = {kGrad[0][0], kGrad[1][1], kGrad[2][2], kGrad[0][1] + kGrad[1][0],
-                                kGrad[1][2] + kGrad[2][1], kGrad[2][0] + kGrad[0][2]};
-      for (int r = 0; r < 6; ++r) EXPECT_NEAR(s[r], expect[r], 1e-14) << el.nnode << " row " << r + 1;
+      const double expect[6] = {kGrad[0][0],
+                                kGrad[1][1],
+                                kGrad[2][2],
+                                kGrad[0][1] + kGrad[1][0],
+                                kGrad[1][2] + kGrad[2][1],
+                                kGrad[2][0] + kGrad[0][2]};
+      for (int r = 0; r < 6; ++r)
+        EXPECT_NEAR(s[r], expect[r], 1e-14) << el.nnode << " row " << r + 1;
     }
   }
-  EXPECT_EQ(K.messages, "");
+  EXPECT_EQ(K.diag.messages, "");
 }
 
 // DET times the weights of the element's rule gives its area or volume.
@@ -200,7 +209,8 @@ TEST(BMatrix, DeterminantIntegratesToAreaAndVolume) {
     for (int i = 0; i < 3; ++i) e[k][i] = kTet4[3 * (k + 1) + i] - kTet4[i];
   const double vol = (e[0][0] * (e[1][1] * e[2][2] - e[1][2] * e[2][1]) -
                       e[0][1] * (e[1][0] * e[2][2] - e[1][2] * e[2][0]) +
-                      e[0][2] * (e[1][0] * e[2][1] - e[1][1] * e[2][0])) / 6.0;
+                      e[0][2] * (e[1][0] * e[2][1] - e[1][1] * e[2][0])) /
+                     6.0;
   sum = 0.0;
   for (int32_t g = 1; g <= 4; ++g) {
     double s, t, uu, w;
@@ -215,7 +225,7 @@ TEST(BMatrix, ReversedNodeOrderStillGivesPositiveDeterminantWithoutMessage) {
   const std::vector<double> cw = {0, 0, -0.3, 1.8, 2.6, 2.5, 3.0, 0.4};  // clockwise
   const BEval e = eval_b(K, cw, 4, 2, 3, {0.1, 0.2, 0});
   EXPECT_GT(e.det, 0.0);
-  EXPECT_EQ(K.messages, "");
+  EXPECT_EQ(K.diag.messages, "");
 }
 
 // An element whose Jacobian vanishes writes the shape message for the run's
@@ -226,17 +236,17 @@ TEST(BMatrix, ZeroDeterminantWritesTheShapeMessage) {
   const std::vector<double> flat = {0, 0, 1, 1, 2, 2, 3, 3};  // all nodes on one line
   const BEval e = eval_b(K, flat, 4, 2, 3, {0.0, 0.0, 0});
   EXPECT_EQ(e.det, 0.0);
-  EXPECT_EQ(K.messages,
+  EXPECT_EQ(K.diag.messages,
             " JACOBIAN DETERMINANT OF ELEMENT NO.    1234 IS LITTLE THAN ZERO.\n"
             " PLEASE CHECK THE SHAPE OF ELEMENT NO.   1234\n");
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 
   // The pyramids have no functions here: zero Jacobian, message, no crash.
-  K.messages.clear();
+  K.diag.messages.clear();
   std::vector<double> pyr(3 * 13, 0.5);
   const BEval p = eval_b(K, pyr, 13, 3, 6, {0.1, 0.1, 0.1});
   EXPECT_EQ(p.det, 0.0);
-  EXPECT_NE(K.messages.find("IS LITTLE THAN ZERO."), std::string::npos);
+  EXPECT_NE(K.diag.messages.find("IS LITTLE THAN ZERO."), std::string::npos);
 }
 
 TEST(BMatrix, DeterminantOnlyLeavesTheRestAlone) {

@@ -12,10 +12,10 @@ namespace {
 constexpr double kE = 2.0e5;
 constexpr double kNu = 0.3;
 // By hand: k = E / ((1 + nu)(1 - 2 nu)) = 2e5 / 0.52.
-constexpr double kLam = 2.0e5 * 0.3 / 0.52;        // nu k
-constexpr double kD11 = 2.0e5 * 0.7 / 0.52;        // (1 - nu) k
-constexpr double kG = 2.0e5 / 2.6;                 // E / (2 (1 + nu))
-constexpr double kPs11 = 2.0e5 / 0.91;             // E / (1 - nu^2)
+constexpr double kLam = 2.0e5 * 0.3 / 0.52;  // nu k
+constexpr double kD11 = 2.0e5 * 0.7 / 0.52;  // (1 - nu) k
+constexpr double kG = 2.0e5 / 2.6;           // E / (2 (1 + nu))
+constexpr double kPs11 = 2.0e5 / 0.91;       // E / (1 - nu^2)
 
 void isotropic(KernelState& K, double e = kE, double nu = kNu) {
   K.ELEM_MATERIAL.MAT_TYPE = 0;
@@ -37,7 +37,8 @@ void orthotropic(KernelState& K) {
 // The physical compliance of the orthotropic material above, written out.
 void compliance(double S[3][3]) {
   const double E1 = 1.4e5, E2 = 9.0e4, E3 = 6.0e4, n12 = 0.25, n13 = 0.2, n23 = 0.35;
-  const double s[3][3] = {{1 / E1, -n12 / E1, -n13 / E1}, {-n12 / E1, 1 / E2, -n23 / E2},
+  const double s[3][3] = {{1 / E1, -n12 / E1, -n13 / E1},
+                          {-n12 / E1, 1 / E2, -n23 / E2},
                           {-n13 / E1, -n23 / E2, 1 / E3}};
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) S[i][j] = s[i][j];
@@ -47,7 +48,7 @@ TEST(MaterialMatrix, IsotropicSolidByHand) {
   KernelState K;
   isotropic(K);
   double d[36];
-  STRESS_STRAIN_MATRIX(K, MatRef<double>(d, 6, 6, "D"));
+  STRESS_STRAIN_MATRIX(K.diag, K.ELEM_MATERIAL, MatRef<double>(d, 6, 6, "D"));
   for (int i = 0; i < 6; ++i) {
     for (int j = 0; j < 6; ++j) {
       double e = 0.0;
@@ -59,7 +60,7 @@ TEST(MaterialMatrix, IsotropicSolidByHand) {
   // Any other material type leaves D as it is.
   K.ELEM_MATERIAL.MAT_TYPE = 2;
   for (double& x : d) x = -3.0;
-  STRESS_STRAIN_MATRIX(K, MatRef<double>(d, 6, 6, "D"));
+  STRESS_STRAIN_MATRIX(K.diag, K.ELEM_MATERIAL, MatRef<double>(d, 6, 6, "D"));
   for (double x : d) EXPECT_EQ(x, -3.0);
 }
 
@@ -71,8 +72,8 @@ TEST(MaterialMatrix, OrthotropicTimesComplianceIsIdentity) {
   double S[3][3];
   compliance(S);
   double d6[36], d4[16];
-  STRESS_STRAIN_MATRIX(K, MatRef<double>(d6, 6, 6, "D"));
-  STRESS_STRAIN_MATRIX_AXY(K, MatRef<double>(d4, 4, 4, "D"));
+  STRESS_STRAIN_MATRIX(K.diag, K.ELEM_MATERIAL, MatRef<double>(d6, 6, 6, "D"));
+  STRESS_STRAIN_MATRIX_AXY(K.ELEM_MATERIAL, MatRef<double>(d4, 4, 4, "D"));
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) {
       double p6 = 0.0, p4 = 0.0;
@@ -100,7 +101,7 @@ TEST(MaterialMatrix, PlaneStressAndPlaneStrainByHand) {
   KernelState K;
   isotropic(K, 1.0, 0.1);  // the plane form takes YOUNG and POISSON as passed
   double d[16];
-  CALC_DMATX(K, MatRef<double>(d, 4, 4, "D"), kE, kNu, 0, 4);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 4, 4, "D"), kE, kNu, 0, 4);
   EXPECT_NEAR(d[0], kPs11, 1e-9);
   EXPECT_NEAR(d[5], kPs11, 1e-9);
   EXPECT_NEAR(d[4], 0.3 * kPs11, 1e-9);
@@ -110,14 +111,14 @@ TEST(MaterialMatrix, PlaneStressAndPlaneStrainByHand) {
     EXPECT_EQ(d[i + 12], 0.0);
     EXPECT_EQ(d[3 + 4 * i], 0.0);
   }
-  CALC_DMATX(K, MatRef<double>(d, 4, 4, "D"), kE, kNu, 1, 4);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 4, 4, "D"), kE, kNu, 1, 4);
   EXPECT_NEAR(d[0], kD11, 1e-9);
   EXPECT_NEAR(d[4], kLam, 1e-9);
   EXPECT_NEAR(d[10], kG, 1e-9);
 
   // Another plane type repeats the values of the previous call.
-  CALC_DMATX(K, MatRef<double>(d, 4, 4, "D"), kE, kNu, 0, 4);
-  CALC_DMATX(K, MatRef<double>(d, 4, 4, "D"), 7.0, 0.45, 5, 4);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 4, 4, "D"), kE, kNu, 0, 4);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 4, 4, "D"), 7.0, 0.45, 5, 4);
   EXPECT_NEAR(d[0], kPs11, 1e-9);
   EXPECT_NEAR(d[10], kG, 1e-9);
 }
@@ -128,11 +129,12 @@ TEST(MaterialMatrix, AxisymmetricPlacement) {
   KernelState K;
   isotropic(K);
   double d[16];
-  CALC_DMATX(K, MatRef<double>(d, 4, 4, "D"), kE, kNu, 2, 4);
-  const double expect[4][4] = {{kD11, kLam, 0, kLam}, {kLam, kD11, 0, kLam}, {0, 0, kG, 0},
-                               {kLam, kLam, 0, kD11}};
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 4, 4, "D"), kE, kNu, 2, 4);
+  const double expect[4][4] = {
+      {kD11, kLam, 0, kLam}, {kLam, kD11, 0, kLam}, {0, 0, kG, 0}, {kLam, kLam, 0, kD11}};
   for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) EXPECT_NEAR(d[i + 4 * j], expect[i][j], 1e-9) << i + 1 << "," << j + 1;
+    for (int j = 0; j < 4; ++j)
+      EXPECT_NEAR(d[i + 4 * j], expect[i][j], 1e-9) << i + 1 << "," << j + 1;
 }
 
 TEST(MaterialMatrix, SolidAndOtherSizes) {
@@ -140,17 +142,17 @@ TEST(MaterialMatrix, SolidAndOtherSizes) {
   isotropic(K);
   double d[36], ref[36];
   for (double& x : d) x = 5.0;
-  CALC_DMATX(K, MatRef<double>(d, 6, 6, "D"), 1.0, 0.0, 0, 6);
-  STRESS_STRAIN_MATRIX(K, MatRef<double>(ref, 6, 6, "D"));
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 6, 6, "D"), 1.0, 0.0, 0, 6);
+  STRESS_STRAIN_MATRIX(K.diag, K.ELEM_MATERIAL, MatRef<double>(ref, 6, 6, "D"));
   for (int i = 0; i < 36; ++i) EXPECT_EQ(d[i], ref[i]);
   // Any other size: zero.
   for (double& x : d) x = 5.0;
-  CALC_DMATX(K, MatRef<double>(d, 3, 3, "D"), kE, kNu, 0, 3);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 3, 3, "D"), kE, kNu, 0, 3);
   for (int i = 0; i < 9; ++i) EXPECT_EQ(d[i], 0.0);
   // The solid path with an unknown material type stays zero.
   K.ELEM_MATERIAL.MAT_TYPE = 4;
   for (double& x : d) x = 5.0;
-  CALC_DMATX(K, MatRef<double>(d, 6, 6, "D"), kE, kNu, 0, 6);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 6, 6, "D"), kE, kNu, 0, 6);
   for (int i = 0; i < 36; ++i) EXPECT_EQ(d[i], 0.0);
 }
 
@@ -160,7 +162,7 @@ TEST(MaterialMatrix, OrthotropicPlaneStress) {
   KernelState K;
   orthotropic(K);
   double d[16];
-  CALC_DMATX(K, MatRef<double>(d, 4, 4, "D"), kE, kNu, 0, 4);
+  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 4, 4, "D"), kE, kNu, 0, 4);
   const double E1 = 1.4e5, E2 = 9.0e4, n12 = 0.25;
   const double S[2][2] = {{1 / E1, -n12 / E1}, {-n12 / E1, 1 / E2}};
   for (int i = 0; i < 2; ++i)

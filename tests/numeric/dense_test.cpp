@@ -44,7 +44,9 @@ Dense random_dominant(std::mt19937& rng, int n) {
   return a;
 }
 
-MatRef<double> view(Dense& a, int n, const char* name) { return MatRef<double>(a.data(), n, n, name); }
+MatRef<double> view(Dense& a, int n, const char* name) {
+  return MatRef<double>(a.data(), n, n, name);
+}
 
 TEST(Inverse, MatchesLapackForSizesOneToTwelve) {
   std::mt19937 rng(20240611);
@@ -54,7 +56,7 @@ TEST(Inverse, MatchesLapackForSizesOneToTwelve) {
     const Dense original = a;
     const Dense expected = lapack_inverse(a, n);
     Dense inv(static_cast<size_t>(n * n), -99.0);
-    INVERSE(K, view(a, n, "A"), view(inv, n, "A_INV"), n);
+    INVERSE(K.diag, view(a, n, "A"), view(inv, n, "A_INV"), n);
     for (size_t i = 0; i < inv.size(); ++i)
       EXPECT_NEAR(inv[i], expected[i], 1e-13) << "n=" << n << " entry " << i;
     if (n == 2 || n == 3) {
@@ -69,15 +71,15 @@ TEST(Inverse, MatchesLapackForSizesOneToTwelve) {
       }
     }
   }
-  EXPECT_TRUE(K.messages.empty());
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.messages.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 }
 
 TEST(Inverse, ClosedFormsByHand) {
   KernelState K;
   Dense a2 = {4.0, 2.0, 7.0, 6.0};  // [[4,7],[2,6]], det 10
   Dense i2(4);
-  INVERSE(K, view(a2, 2, "A"), view(i2, 2, "A_INV"), 2);
+  INVERSE(K.diag, view(a2, 2, "A"), view(i2, 2, "A_INV"), 2);
   EXPECT_DOUBLE_EQ(i2[0], 0.6);
   EXPECT_DOUBLE_EQ(i2[1], -0.2);
   EXPECT_DOUBLE_EQ(i2[2], -0.7);
@@ -86,7 +88,7 @@ TEST(Inverse, ClosedFormsByHand) {
   Dense a3 = {2.0, 0.0, 0.0, 0.0, 3.0, 0.0, 1.0, 0.0, 4.0};  // upper triangular, det 24
   double det = 0.0;
   Dense i3 = a3;
-  INVERSE3X3(K, view(i3, 3, "A_INV"), det);
+  INVERSE3X3(K.diag, view(i3, 3, "A_INV"), det);
   EXPECT_DOUBLE_EQ(det, 24.0);
   EXPECT_DOUBLE_EQ(i3[0], 0.5);
   EXPECT_DOUBLE_EQ(i3[4], 1.0 / 3.0);
@@ -98,11 +100,11 @@ TEST(Inverse, ClosedFormsByHand) {
 TEST(Inverse, ExactZeroPivotsArePatchedSilently) {
   KernelState K;
   Dense z1 = {0.0}, i1 = {7.0};
-  INVERSE(K, view(z1, 1, "A"), view(i1, 1, "A_INV"), 1);
+  INVERSE(K.diag, view(z1, 1, "A"), view(i1, 1, "A_INV"), 1);
   EXPECT_EQ(i1[0], 1.0);
 
   Dense z4(16, 0.0), i4(16, 5.0);
-  INVERSE(K, view(z4, 4, "A"), view(i4, 4, "A_INV"), 4);
+  INVERSE(K.diag, view(z4, 4, "A"), view(i4, 4, "A_INV"), 4);
   for (int j = 0; j < 4; ++j)
     for (int i = 0; i < 4; ++i) EXPECT_EQ(i4[static_cast<size_t>(i + 4 * j)], i == j ? 1.0 : 0.0);
 
@@ -114,10 +116,10 @@ TEST(Inverse, ExactZeroPivotsArePatchedSilently) {
   patched[5] = 2.0;
   const Dense expected = lapack_inverse(patched, 4);
   Dense inv(16);
-  INVERSE(K, view(a, 4, "A"), view(inv, 4, "A_INV"), 4);
+  INVERSE(K.diag, view(a, 4, "A"), view(inv, 4, "A_INV"), 4);
   for (size_t i = 0; i < 16; ++i) EXPECT_NEAR(inv[i], expected[i], 1e-13) << i;
-  EXPECT_TRUE(K.messages.empty());
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.messages.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 }
 
 TEST(Inverse, TinyPivotAndNegativeDeterminantAboveThreeAreInverted) {
@@ -128,19 +130,19 @@ TEST(Inverse, TinyPivotAndNegativeDeterminantAboveThreeAreInverted) {
   a[10] = 4.0;
   a[15] = 8.0;
   Dense inv(16);
-  INVERSE(K, view(a, 4, "A"), view(inv, 4, "A_INV"), 4);
+  INVERSE(K.diag, view(a, 4, "A"), view(inv, 4, "A_INV"), 4);
   EXPECT_DOUBLE_EQ(inv[0], 1e300);
   EXPECT_DOUBLE_EQ(inv[5], -0.5);
   EXPECT_DOUBLE_EQ(inv[10], 0.25);
   EXPECT_DOUBLE_EQ(inv[15], 0.125);
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 }
 
 TEST(Inverse, NonPositiveSizeTouchesNothing) {
   KernelState K;
   Dense a = {3.0}, inv = {9.0};
-  INVERSE(K, view(a, 1, "A"), view(inv, 1, "A_INV"), 0);
-  INVERSE(K, view(a, 1, "A"), view(inv, 1, "A_INV"), -2);
+  INVERSE(K.diag, view(a, 1, "A"), view(inv, 1, "A_INV"), 0);
+  INVERSE(K.diag, view(a, 1, "A"), view(inv, 1, "A_INV"), -2);
   EXPECT_EQ(a[0], 3.0);
   EXPECT_EQ(inv[0], 9.0);
 }
@@ -151,7 +153,7 @@ TEST(Inverse, LeadingDimensionIsTheSizePassed) {
   Dense big(25, 0.0), out(25, 0.0);
   const double m[9] = {2, 0, 0, 0, 4, 0, 0, 0, 5};
   for (int i = 0; i < 9; ++i) big[static_cast<size_t>(i)] = m[i];
-  INVERSE(K, view(big, 5, "A"), view(out, 5, "A_INV"), 3);
+  INVERSE(K.diag, view(big, 5, "A"), view(out, 5, "A_INV"), 3);
   EXPECT_DOUBLE_EQ(out[0], 0.5);
   EXPECT_DOUBLE_EQ(out[4], 0.25);
   EXPECT_DOUBLE_EQ(out[8], 0.2);
@@ -167,17 +169,17 @@ void expect_fatal(Dense a, int n) {
   KernelState K;
   Dense inv(static_cast<size_t>(n * n));
   ::testing::internal::CaptureStdout();
-  EXPECT_THROW(INVERSE(K, view(a, n, "A"), view(inv, n, "A_INV"), n), FatalStop);
+  EXPECT_THROW(INVERSE(K.diag, view(a, n, "A"), view(inv, n, "A_INV"), n), FatalStop);
   const std::string out = ::testing::internal::GetCapturedStdout();
-  EXPECT_EQ(K.messages, kJacobianMessage);
+  EXPECT_EQ(K.diag.messages, kJacobianMessage);
   EXPECT_EQ(out, kJacobianMessage);
-  ASSERT_EQ(K.output_lines.size(), 3u);
-  EXPECT_EQ(K.output_lines[0], "");
+  ASSERT_EQ(K.diag.output_lines.size(), 3u);
+  EXPECT_EQ(K.diag.output_lines[0], "");
 }
 
 TEST(Inverse, NonPositiveDeterminantOfTwoAndThreeStopsTheRun) {
-  expect_fatal({1.0, 2.0, 2.0, 4.0}, 2);   // singular
-  expect_fatal({0.0, 1.0, 1.0, 0.0}, 2);   // det -1, invertible but refused
+  expect_fatal({1.0, 2.0, 2.0, 4.0}, 2);  // singular
+  expect_fatal({0.0, 1.0, 1.0, 0.0}, 2);  // det -1, invertible but refused
   expect_fatal({1, 0, 0, 0, 1, 0, 0, 0, 0}, 3);
   expect_fatal({0, 1, 0, 1, 0, 0, 0, 0, 1}, 3);  // det -1
 }
@@ -186,9 +188,9 @@ TEST(Inverse, NanDeterminantPassesTheCheck) {
   KernelState K;
   Dense work = {std::nan(""), 0.0, 0.0, 1.0};
   double det = 0.0;
-  EXPECT_NO_THROW(INVERSE2X2(K, view(work, 2, "A_INV"), det));
+  EXPECT_NO_THROW(INVERSE2X2(K.diag, view(work, 2, "A_INV"), det));
   EXPECT_TRUE(std::isnan(det));
-  EXPECT_TRUE(K.messages.empty());
+  EXPECT_TRUE(K.diag.messages.empty());
 }
 
 // A random symmetric matrix whose leading minors are all non-zero; half of
@@ -259,7 +261,8 @@ TEST(Condensation, MatchesExplicitSchurComplement) {
     // Explicit inverse of the condensed block by LAPACK, then the products.
     Dense kcc(static_cast<size_t>(nc * nc));
     for (int j = 1; j <= nc; ++j)
-      for (int i = 1; i <= nc; ++i) kcc[static_cast<size_t>((i - 1) + (j - 1) * nc)] = at(nr + i, nr + j);
+      for (int i = 1; i <= nc; ++i)
+        kcc[static_cast<size_t>((i - 1) + (j - 1) * nc)] = at(nr + i, nr + j);
     const Dense kcc_inv = nc > 0 ? lapack_inverse(kcc, nc) : Dense{};
     std::vector<Dense> g(static_cast<size_t>(nr + 1), Dense(static_cast<size_t>(nc), 0.0));
     for (int c = 1; c <= nr + 1; ++c)
@@ -290,14 +293,16 @@ TEST(Condensation, MatchesExplicitSchurComplement) {
         for (int i = 1; i <= nt; ++i) {
           double expected = at(i, j);
           if (i <= nr && j <= nr)
-            for (int k = 1; k <= nc; ++k) expected -= at(i, nr + k) * g[static_cast<size_t>(j - 1)][static_cast<size_t>(k - 1)];
+            for (int k = 1; k <= nc; ++k)
+              expected -= at(i, nr + k) * g[static_cast<size_t>(j - 1)][static_cast<size_t>(k - 1)];
           EXPECT_NEAR(st[static_cast<size_t>((i - 1) + (j - 1) * nt)], expected, 1e-13)
               << "nc=" << nc << " (" << i << "," << j << ")";
         }
       for (int i = 1; i <= nt; ++i) {
         double expected = forc0[static_cast<size_t>(i - 1)];
         if (i <= nr)
-          for (int k = 1; k <= nc; ++k) expected -= at(i, nr + k) * g[static_cast<size_t>(nr)][static_cast<size_t>(k - 1)];
+          for (int k = 1; k <= nc; ++k)
+            expected -= at(i, nr + k) * g[static_cast<size_t>(nr)][static_cast<size_t>(k - 1)];
         EXPECT_NEAR(forc[static_cast<size_t>(i - 1)], expected, 1e-13);
       }
     }
@@ -313,16 +318,23 @@ TEST(BlockRotation, MatchesExplicitTripleProduct) {
     for (auto& v : s) v = u(rng);
     // A proper rotation about a skew axis.
     const double a = 0.7, b = -0.4;
-    const double t[9] = {std::cos(a), std::sin(a), 0.0, -std::sin(a) * std::cos(b),
-                         std::cos(a) * std::cos(b), std::sin(b), std::sin(a) * std::sin(b),
-                         -std::cos(a) * std::sin(b), std::cos(b)};
+    const double t[9] = {std::cos(a),
+                         std::sin(a),
+                         0.0,
+                         -std::sin(a) * std::cos(b),
+                         std::cos(a) * std::cos(b),
+                         std::sin(b),
+                         std::sin(a) * std::sin(b),
+                         -std::cos(a) * std::sin(b),
+                         std::cos(b)};
     Dense tm(t, t + 9);
     // B: block diagonal over the leading NDOF rows, identity elsewhere.
     Dense bmat(static_cast<size_t>(n1 * n1), 0.0);
     for (int i = 0; i < n1; ++i) bmat[static_cast<size_t>(i + i * n1)] = 1.0;
     for (int blk = 0; blk < ndof; blk += 3)
       for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 3; ++c) bmat[static_cast<size_t>((blk + r) + (blk + c) * n1)] = t[r + 3 * c];
+        for (int c = 0; c < 3; ++c)
+          bmat[static_cast<size_t>((blk + r) + (blk + c) * n1)] = t[r + 3 * c];
     Dense expected(static_cast<size_t>(n1 * n1), 0.0);
     for (int i = 0; i < n1; ++i)
       for (int j = 0; j < n1; ++j) {
@@ -339,8 +351,10 @@ TEST(BlockRotation, MatchesExplicitTripleProduct) {
     for (int j = 0; j < n1; ++j)
       for (int i = 0; i < n1; ++i) {
         const size_t at = static_cast<size_t>(i + j * n1);
-        if (i < ndof && j < ndof) EXPECT_NEAR(rotated[at], expected[at], 1e-14) << ndof;
-        else EXPECT_EQ(rotated[at], s[at]) << "outside the rotated block, ndof " << ndof;
+        if (i < ndof && j < ndof)
+          EXPECT_NEAR(rotated[at], expected[at], 1e-14) << ndof;
+        else
+          EXPECT_EQ(rotated[at], s[at]) << "outside the rotated block, ndof " << ndof;
       }
   }
 }

@@ -10,6 +10,10 @@
 namespace respcore {
 namespace {
 
+PlateContext plate_context(KernelState& K) {
+  return {K.diag, K.ELEM_MATERIAL, K.plate, K.continuum.compliance};
+}
+
 using M3 = std::array<double, 9>;  // column-major 3x3
 using M2 = std::array<double, 4>;
 
@@ -102,7 +106,7 @@ TEST(MaterialMatrix, IsotropicPlaneStressByHand) {
   set_isotropic(K, 2.0E5, 0.3);
   M3 d;
   d.fill(-1.0);
-  STRESS_STRAIN_MATRIX_PLT(K, 0, ref(d));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0, ref(d));
   const double d11 = 2.0E5 / (1.0 - 0.09);
   EXPECT_DOUBLE_EQ(at(d, 1, 1), d11);
   EXPECT_DOUBLE_EQ(at(d, 2, 2), d11);
@@ -124,7 +128,7 @@ TEST(MaterialMatrix, IsotropicPlaneStrainFollowsTheStoredThirdDirection) {
   K.ELEM_MATERIAL.MAT_VALS[1] = nu;  // NU13
   K.ELEM_MATERIAL.MAT_VALS[3] = e;   // E3
   M3 d{};
-  STRESS_STRAIN_MATRIX_PLT(K, 1, ref(d));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 1, ref(d));
   const double k = e / ((1.0 + nu) * (1.0 - 2.0 * nu));
   EXPECT_NEAR(at(d, 1, 1), (1.0 - nu) * k, 1e-9);
   EXPECT_NEAR(at(d, 1, 2), nu * k, 1e-9);
@@ -137,7 +141,7 @@ TEST(MaterialMatrix, IsotropicPlaneStrainFollowsTheStoredThirdDirection) {
   // S22 = (1-nu^2)/E and a non-symmetric matrix.
   KernelState Q;
   set_isotropic(Q, e, nu);
-  STRESS_STRAIN_MATRIX_PLT(Q, 1, ref(d));
+  STRESS_STRAIN_MATRIX_PLT(Q.ELEM_MATERIAL, Q.continuum.compliance, 1, ref(d));
   const double den = 1.0 - 2.0 * nu * nu - nu * nu * nu;  // 0.793
   EXPECT_NEAR(at(d, 1, 1), (1.0 - nu * nu) * e / den, 1e-9);
   EXPECT_NEAR(at(d, 1, 2), nu * e / den, 1e-9);
@@ -152,14 +156,14 @@ TEST(MaterialMatrix, OrthotropicTimesComplianceIsIdentity) {
   set_orthotropic(K, e1, nu12, e2, nu13, e3, nu23, g12, 4.0E3, 3.0E3);
 
   M3 d{};
-  STRESS_STRAIN_MATRIX_PLT(K, 0, ref(d));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0, ref(d));
   const M3 c = {1.0 / e1, -nu12 / e1, 0.0, -nu12 / e1, 1.0 / e2, 0.0, 0.0, 0.0, 1.0 / g12};
   expect_identity(mul(d, c), 1e-13);
   expect_identity(mul(c, d), 1e-13);
 
   // Plane strain: the normal compliance with the third strain held at zero,
   // S_ij - S_i3 S_3j / S_33.
-  STRESS_STRAIN_MATRIX_PLT(K, 1, ref(d));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 1, ref(d));
   const double s[3][3] = {{1.0 / e1, -nu12 / e1, -nu13 / e1},
                           {-nu12 / e1, 1.0 / e2, -nu23 / e2},
                           {-nu13 / e1, -nu23 / e2, 1.0 / e3}};
@@ -175,9 +179,9 @@ TEST(MaterialMatrix, NonPositiveModulusReusesThePreviousElementsValues) {
   KernelState K;
   set_isotropic(K, 2.0E5, 0.3);
   M3 first{}, second{};
-  STRESS_STRAIN_MATRIX_PLT(K, 0, ref(first));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0, ref(first));
   set_isotropic(K, 0.0, 0.3);
-  STRESS_STRAIN_MATRIX_PLT(K, 0, ref(second));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0, ref(second));
   for (int i = 1; i <= 2; ++i)
     for (int j = 1; j <= 2; ++j) EXPECT_EQ(at(second, i, j), at(first, i, j));
   EXPECT_EQ(at(second, 3, 3), 0.0);
@@ -186,7 +190,7 @@ TEST(MaterialMatrix, NonPositiveModulusReusesThePreviousElementsValues) {
   // the shear term is set.
   KernelState F;
   set_orthotropic(F, 0.0, 0.3, 0.0, 0.0, 0.0, 0.0, 7.0, 0.0, 0.0);
-  STRESS_STRAIN_MATRIX_PLT(F, 0, ref(second));
+  STRESS_STRAIN_MATRIX_PLT(F.ELEM_MATERIAL, F.continuum.compliance, 0, ref(second));
   for (int i = 1; i <= 3; ++i)
     for (int j = 1; j <= 3; ++j) EXPECT_EQ(at(second, i, j), (i == 3 && j == 3) ? 7.0 : 0.0);
 }
@@ -214,28 +218,28 @@ TEST(Rotation, TransformFlagsAreExclusive) {
   int32_t iscale = -1, irot = -1;
   set_isotropic(K, 1.0, 0.2);
   K.plate.SECT_ANGLE = 0.5;
-  CHECK_PLATE_DMATRIX_TRANSFORM(K, iscale, irot);
+  CHECK_PLATE_DMATRIX_TRANSFORM(plate_context(K), iscale, irot);
   EXPECT_EQ(iscale, 0);
   EXPECT_EQ(irot, 0);  // isotropic material, isotropic section
   EXPECT_EQ(K.plate.SECT_ANGLE_COPY, 0.5);
 
   K.plate.SECT_ORTHO = 1;
-  CHECK_PLATE_DMATRIX_TRANSFORM(K, iscale, irot);
+  CHECK_PLATE_DMATRIX_TRANSFORM(plate_context(K), iscale, irot);
   EXPECT_EQ(irot, 1);
   K.plate.SECT_ORTHO = 0;
   K.ELEM_MATERIAL.MAT_TYPE = 2;  // orthotropic elsewhere, but this test wants exactly 1
-  CHECK_PLATE_DMATRIX_TRANSFORM(K, iscale, irot);
+  CHECK_PLATE_DMATRIX_TRANSFORM(plate_context(K), iscale, irot);
   EXPECT_EQ(irot, 0);
   K.ELEM_MATERIAL.MAT_TYPE = 1;
-  CHECK_PLATE_DMATRIX_TRANSFORM(K, iscale, irot);
+  CHECK_PLATE_DMATRIX_TRANSFORM(plate_context(K), iscale, irot);
   EXPECT_EQ(irot, 1);
   K.plate.SECT_ANGLE = 0.0;
-  CHECK_PLATE_DMATRIX_TRANSFORM(K, iscale, irot);
+  CHECK_PLATE_DMATRIX_TRANSFORM(plate_context(K), iscale, irot);
   EXPECT_EQ(irot, 0);  // no angle, no rotation
 
   K.plate.SECT_ANGLE = -0.5;
   K.plate.SCALE_FLAG = 1;
-  CHECK_PLATE_DMATRIX_TRANSFORM(K, iscale, irot);
+  CHECK_PLATE_DMATRIX_TRANSFORM(plate_context(K), iscale, irot);
   EXPECT_EQ(iscale, 1);
   EXPECT_EQ(irot, 0);
   EXPECT_EQ(K.plate.SECT_ANGLE_COPY, -0.5);
@@ -249,24 +253,25 @@ TEST(Rotation, RotationMatricesInvertTheMaterialTransform) {
   t2.fill(9.0);
   t3.fill(9.0);
   int32_t iscale = -1, irot = -1;
-  CALC_ROTATION_MATRIX(K, iscale, irot, ref(t2, "T2"), ref(t3, "T3"));
+  CALC_ROTATION_MATRIX(plate_context(K), iscale, irot, ref(t2, "T2"), ref(t3, "T3"));
   EXPECT_EQ(irot, 0);
   EXPECT_EQ(t3, (M3{1, 0, 0, 0, 1, 0, 0, 0, 1}));
   EXPECT_EQ(t2, (M2{1, 0, 0, 1}));
 
   const double theta = 0.4;
   K.plate.SECT_ANGLE = theta;
-  CALC_ROTATION_MATRIX(K, iscale, irot, ref(t2, "T2"), ref(t3, "T3"));
+  CALC_ROTATION_MATRIX(plate_context(K), iscale, irot, ref(t2, "T2"), ref(t3, "T3"));
   EXPECT_EQ(irot, 1);
   // Element strains into material axes at +theta.
   const double c = std::cos(theta), s = std::sin(theta);
-  const M3 expected = {c * c, s * s, -2 * c * s, s * s, c * c, 2 * c * s, c * s, -c * s, c * c - s * s};
+  const M3 expected = {c * c,     s * s, -2 * c * s, s * s,        c * c,
+                       2 * c * s, c * s, -c * s,     c * c - s * s};
   for (size_t i = 0; i < 9; ++i) EXPECT_NEAR(t3[i], expected[i], 1e-15);
   EXPECT_NEAR(t2[0], c, 1e-15);
   EXPECT_NEAR(t2[1], -s, 1e-15);
   EXPECT_NEAR(t2[2], s, 1e-15);
   EXPECT_NEAR(t2[3], c, 1e-15);
-  EXPECT_TRUE(K.messages.empty());
+  EXPECT_TRUE(K.diag.messages.empty());
 }
 
 void set_factors(KernelState& K, std::array<double, 8> f) {
@@ -279,7 +284,8 @@ TEST(StiffnessScale, NothingHappensWithoutScaleFlag) {
   M3 dd;
   dd.fill(4.5);
   M3 t = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-  PLATE_STIFF_SCALE_MOD(K, 3, 100.0, 100.0, 40.0, 0.25, 0, ref(t, "T"), ref(dd, "DD"), 1, 0);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 100.0, 100.0, 40.0, 0.25, 0, ref(t, "T"),
+                        ref(dd, "DD"), 1, 0);
   for (double v : dd) EXPECT_EQ(v, 4.5);
 }
 
@@ -291,7 +297,7 @@ TEST(StiffnessScale, PositivePairKeepsTheStifferRatioAndSymmetry) {
     const double fx = x_stiffer ? 2.0 : 0.5, fy = x_stiffer ? 0.5 : 2.0;
     set_factors(K, {fx, fy, 3.0, 0, 0, 0, 0, 0});
     M3 dd{};
-    PLATE_STIFF_SCALE_MOD(K, 3, e, e, g, nu, 0, ref(t, "T"), ref(dd, "DD"), 1, 0);
+    PLATE_STIFF_SCALE_MOD(plate_context(K), 3, e, e, g, nu, 0, ref(t, "T"), ref(dd, "DD"), 1, 0);
     const double ex = e * fx, ey = e * fy;
     // The stiffer direction keeps nu as its major ratio.
     const double coupling = x_stiffer ? -nu / ex : -nu / ey;
@@ -308,9 +314,11 @@ TEST(StiffnessScale, ZeroOrNegativeFactorDropsCouplingAndShear) {
   M3 t = {1, 0, 0, 0, 1, 0, 0, 0, 1};
   M3 dd;
   dd.fill(1.0);
-  PLATE_STIFF_SCALE_MOD(K, 3, 100.0, 50.0, 30.0, 0.3, 0, ref(t, "T"), ref(dd, "DD"), 1, 0);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 100.0, 50.0, 30.0, 0.3, 0, ref(t, "T"), ref(dd, "DD"),
+                        1, 0);
   EXPECT_EQ(dd, (M3{0.0, 0, 0, 0, 100.0, 0, 0, 0, 0.0}));
-  PLATE_STIFF_SCALE_MOD(K, 3, 100.0, 50.0, 30.0, 0.3, 0, ref(t, "T"), ref(dd, "DD"), 2, 0);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 100.0, 50.0, 30.0, 0.3, 0, ref(t, "T"), ref(dd, "DD"),
+                        2, 0);
   EXPECT_EQ(dd, (M3{-100.0, 0, 0, 0, 100.0, 0, 0, 0, 0.0}));
 }
 
@@ -319,7 +327,7 @@ TEST(StiffnessScale, ShearUsesTheFirstModulusForBothDirections) {
   set_factors(K, {0, 0, 0, 0, 0, 0, 2.0, 3.0});
   M2 t = {1, 0, 0, 1};
   M2 ds{};
-  PLATE_STIFF_SCALE_MOD(K, 2, 10.0, 99.0, 0.0, 0.0, 0, ref(t, "T"), ref(ds), 3, 0);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 2, 10.0, 99.0, 0.0, 0.0, 0, ref(t, "T"), ref(ds), 3, 0);
   EXPECT_EQ(ds, (M2{20.0, 0.0, 0.0, 30.0}));
 }
 
@@ -328,12 +336,15 @@ TEST(StiffnessScale, UnknownTypeReusesTheLastFactorRow) {
   set_factors(K, {1.0, 1.0, 1.0, 2.0, 4.0, 0.5, 0, 0});
   M3 t = {1, 0, 0, 0, 1, 0, 0, 0, 1};
   M3 bending{}, again{}, beyond{};
-  PLATE_STIFF_SCALE_MOD(K, 3, 100.0, 100.0, 40.0, 0.2, 0, ref(t, "T"), ref(bending, "DD"), 2, 0);
-  PLATE_STIFF_SCALE_MOD(K, 3, 100.0, 100.0, 40.0, 0.2, 0, ref(t, "T"), ref(again, "DD"), 0, 0);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 100.0, 100.0, 40.0, 0.2, 0, ref(t, "T"),
+                        ref(bending, "DD"), 2, 0);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 100.0, 100.0, 40.0, 0.2, 0, ref(t, "T"),
+                        ref(again, "DD"), 0, 0);
   EXPECT_EQ(again, bending);
   EXPECT_EQ(at(bending, 3, 3), 20.0);
   beyond.fill(1.0);
-  PLATE_STIFF_SCALE_MOD(K, 3, 100.0, 100.0, 40.0, 0.2, 0, ref(t, "T"), ref(beyond, "DD"), 4, 0);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 100.0, 100.0, 40.0, 0.2, 0, ref(t, "T"),
+                        ref(beyond, "DD"), 4, 0);
   for (double v : beyond) EXPECT_EQ(v, 0.0);
 }
 
@@ -347,28 +358,32 @@ TEST(StiffnessScale, MaterialConstantsAndRotation) {
   M3 dd{};
   // Unit factors on isotropic material give the isotropic plane-stress
   // matrix, which no rotation changes.
-  PLATE_STIFF_SCALE_MOD(K, 3, 0.0, 0.0, 0.0, 0.0, 1, ref(t, "T"), ref(dd, "DD"), 1, 1);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 0.0, 0.0, 0.0, 0.0, 1, ref(t, "T"), ref(dd, "DD"), 1,
+                        1);
   const double d11 = 1000.0 / (1.0 - 0.0625);
   const M3 iso = {d11, 0.25 * d11, 0, 0.25 * d11, d11, 0, 0, 0, 1000.0 / 2.5};
   expect_near(dd, iso, 1e-14);
 
   // With a stiff x direction the rotation acts.
   set_factors(K, {4.0, 1.0, 1.0, 0, 0, 0, 0, 0});
-  PLATE_STIFF_SCALE_MOD(K, 3, 0.0, 0.0, 0.0, 0.0, 1, ref(t, "T"), ref(dd, "DD"), 1, 1);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 0.0, 0.0, 0.0, 0.0, 1, ref(t, "T"), ref(dd, "DD"), 1,
+                        1);
   M3 bare{};
-  PLATE_STIFF_SCALE_MOD(K, 3, 0.0, 0.0, 0.0, 0.0, 1, ref(t, "T"), ref(bare, "DD"), 1, 0);
-  expect_near(dd, rotated_stiffness(at(bare, 1, 1), at(bare, 1, 2), at(bare, 2, 2), at(bare, 3, 3), theta),
-              1e-14);
+  PLATE_STIFF_SCALE_MOD(plate_context(K), 3, 0.0, 0.0, 0.0, 0.0, 1, ref(t, "T"), ref(bare, "DD"), 1,
+                        0);
+  expect_near(
+      dd, rotated_stiffness(at(bare, 1, 1), at(bare, 1, 2), at(bare, 2, 2), at(bare, 3, 3), theta),
+      1e-14);
 }
 
 TEST(StiffnessScale, OlderFormScalesInPlace) {
   KernelState K;
   set_factors(K, {2.0, 4.0, 0.5, 1.0, 1.0, 1.0, 3.0, 5.0});
   M3 d = {10.0, 1.0, 7.0, 1.0, 20.0, 7.0, 7.0, 7.0, 8.0};
-  PLATE_STIFF_SCALE(K, ref(d), 3, 1);
+  PLATE_STIFF_SCALE(plate_context(K), ref(d), 3, 1);
   EXPECT_EQ(d, (M3{20.0, 3.0, 0.0, 3.0, 80.0, 0.0, 0.0, 0.0, 4.0}));
   M2 ds = {6.0, 1.0, 1.0, 2.0};
-  PLATE_STIFF_SCALE(K, ref(ds), 2, 3);
+  PLATE_STIFF_SCALE(plate_context(K), ref(ds), 2, 3);
   EXPECT_EQ(ds, (M2{18.0, 0.0, 0.0, 10.0}));
 }
 
@@ -383,8 +398,8 @@ MaterStf mater_stf(KernelState& K, int32_t mask) {
   r.d1.fill(-7.0);
   r.d2.fill(-7.0);
   r.ds.fill(-7.0);
-  PLATE_MATER_STF(K, 0.0, ref(r.d1, "D1"), r.shearmod, ref(r.d2, "D2"), ref(r.ds), r.d2_mean,
-                  r.ds_mean, mask, 0);
+  PLATE_MATER_STF(plate_context(K), 0.0, ref(r.d1, "D1"), r.shearmod, ref(r.d2, "D2"), ref(r.ds),
+                  r.d2_mean, r.ds_mean, mask, 0);
   return r;
 }
 
@@ -422,7 +437,7 @@ TEST(PlateMaterial, OrthotropicAtAnAngleIsRotatedIntoElementAxes) {
   set_orthotropic(K, e1, nu12, e2, 0.3, 8.0E3, 0.45, g12, g13, g23);
   const MaterStf flat = mater_stf(K, 14);  // angle 0: no rotation
   M3 d{};
-  STRESS_STRAIN_MATRIX_PLT(K, 0, ref(d));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0, ref(d));
   EXPECT_EQ(flat.d1, d);
   EXPECT_EQ(flat.ds, (M2{g13, 0.0, 0.0, g23}));
 

@@ -1,26 +1,28 @@
-#include "plate/plate_geometry.hpp"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
 
 #include "core/kernel_state.hpp"
+#include "plate/plate_geometry.hpp"
 
 namespace respcore {
 namespace {
 
+PlateContext plate_context(KernelState& K) {
+  return {K.diag, K.ELEM_MATERIAL, K.plate, K.continuum.compliance};
+}
 
 TEST(Norm, ScalesToUnitLength) {
   KernelState K;
   double v[3] = {3.0, 0.0, -4.0};
   double len = 0.0;
-  NORM(K, VecRef<double>(v, 3, "V"), len);
+  NORM(plate_context(K), VecRef<double>(v, 3, "V"), len);
   EXPECT_EQ(len, 5.0);
   EXPECT_DOUBLE_EQ(v[0], 0.6);
   EXPECT_EQ(v[1], 0.0);
   EXPECT_DOUBLE_EQ(v[2], -0.8);
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 }
 
 TEST(Norm, ZeroAndNanLengthsReportAndGoOn) {
@@ -28,29 +30,30 @@ TEST(Norm, ZeroAndNanLengthsReportAndGoOn) {
   double v[3] = {0.0, 0.0, 0.0};
   double len = -1.0;
   ::testing::internal::CaptureStdout();
-  NORM(K, VecRef<double>(v, 3, "V"), len);
+  NORM(plate_context(K), VecRef<double>(v, 3, "V"), len);
   const std::string out = ::testing::internal::GetCapturedStdout();
   EXPECT_EQ(len, 0.0);
   for (double x : v) EXPECT_FALSE(std::isfinite(x));
   const std::string border(45, '-');
-  EXPECT_EQ(out, "\n" + border + "\nINTERNAL ERROR ENCOUNTERED.\nSUBROUTINE NORM - DIVIDE BY ZERO\n" +
-                     border + "\n");
-  EXPECT_EQ(K.output_lines.size(), 5u);
+  EXPECT_EQ(out, "\n" + border +
+                     "\nINTERNAL ERROR ENCOUNTERED.\nSUBROUTINE NORM - DIVIDE BY ZERO\n" + border +
+                     "\n");
+  EXPECT_EQ(K.diag.output_lines.size(), 5u);
 
   KernelState Q;
   double w[3] = {1.0, std::nan(""), 0.0};
   ::testing::internal::CaptureStdout();
-  NORM(Q, VecRef<double>(w, 3, "V"), len);
+  NORM(plate_context(Q), VecRef<double>(w, 3, "V"), len);
   ::testing::internal::GetCapturedStdout();
   EXPECT_TRUE(std::isnan(len));
-  ASSERT_EQ(Q.output_lines.size(), 5u);
-  EXPECT_EQ(Q.output_lines[2], "INTERNAL ERROR ENCOUNTERED.");
-  EXPECT_EQ(Q.output_lines[3], "SUBROUTINE NORM - DIVIDE BY NON NUMERIC VALUE");
+  ASSERT_EQ(Q.diag.output_lines.size(), 5u);
+  EXPECT_EQ(Q.diag.output_lines[2], "INTERNAL ERROR ENCOUNTERED.");
+  EXPECT_EQ(Q.diag.output_lines[3], "SUBROUTINE NORM - DIVIDE BY NON NUMERIC VALUE");
 }
 
 std::vector<double> projection(KernelState& K, std::vector<double> xy, double h, int ndof = 24) {
   std::vector<double> p(static_cast<size_t>(ndof * ndof), -3.0);
-  GET_LINEAR_PROJECTION(K, VecRef<double>(xy.data(), 8, "XY"), h, ndof,
+  GET_LINEAR_PROJECTION(plate_context(K), VecRef<double>(xy.data(), 8, "XY"), h, ndof,
                         MatRef<double>(p.data(), ndof, ndof, "P"));
   return p;
 }
@@ -60,7 +63,8 @@ TEST(WarpProjection, FlatElementProjectsOntoItself) {
   const auto p = projection(K, {0, 0, 2, 0, 2.5, 1.5, -0.5, 1.0}, 0.0, 26);
   for (int j = 0; j < 26; ++j)
     for (int i = 0; i < 26; ++i)
-      EXPECT_EQ(p[static_cast<size_t>(i + 26 * j)], (i == j && i < 24) ? 1.0 : 0.0) << i << "," << j;
+      EXPECT_EQ(p[static_cast<size_t>(i + 26 * j)], (i == j && i < 24) ? 1.0 : 0.0)
+          << i << "," << j;
 }
 
 TEST(WarpProjection, UnitSquareByHand) {
@@ -82,7 +86,7 @@ TEST(WarpProjection, UnitSquareByHand) {
   EXPECT_DOUBLE_EQ(P(6, 5), -2 * h);   // node 1 rz from node 1 ry
   EXPECT_EQ(P(1, 1), 1.0);
   EXPECT_EQ(P(3, 3), 1.0);
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 }
 
 TEST(WarpProjection, ShiftedElementGivesTheSameProjection) {
@@ -113,25 +117,25 @@ TEST(MaterialAxes, CoordinatesFromTheBlock) {
   for (int i = 0; i < 9; ++i) K.plate.COORD_VALS[i] = i + 1.0;
   K.plate.COORD_TYPE = 1.9;  // read as 1
   K.plate.COORD_ASSIGNED = 1;
-  GET_COORD(K, coords, 1);
+  GET_COORD(plate_context(K), coords, 1);
   EXPECT_EQ(coords(1, 2), 2.0);  // filled row by row
   EXPECT_EQ(coords(2, 1), 4.0);
   EXPECT_EQ(coords(3, 3), 9.0);
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 
   K.plate.COORD_TYPE = 2.0;
   K.plate.COORD_ASSIGNED = 0;
   ::testing::internal::CaptureStdout();
-  GET_COORD(K, coords, 1);
+  GET_COORD(plate_context(K), coords, 1);
   EXPECT_EQ(::testing::internal::GetCapturedStdout(),
             "UNKNOWN COORDINATE TYPE\nNO COORDINATE IS ASSIGNED\n");
   EXPECT_EQ(coords(1, 2), 2.0);
 
-  K.output_lines.clear();
+  K.diag.output_lines.clear();
   K.plate.COORD_ASSIGNED = 1;
-  GET_COORD(K, coords, 0);
+  GET_COORD(plate_context(K), coords, 0);
   for (double v : c) EXPECT_EQ(v, 0.0);
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 }
 
 TEST(MaterialAxes, BetaIsTheSignedAngleOfTheMaterialXAxis) {
@@ -144,15 +148,16 @@ TEST(MaterialAxes, BetaIsTheSignedAngleOfTheMaterialXAxis) {
     // Tilted out of plane a little: only the in-plane projection counts.
     double b[9] = {std::cos(g) * 0.8, std::sin(g) * 0.8, 0.6, 0, 0, 0, 0, 0, 0};
     double beta = 0.0;
-    COMPUTE_BETA(K, MatRef<double>(a, 3, 3, "A"), MatRef<double>(b, 3, 3, "B"), beta);
+    COMPUTE_BETA(plate_context(K), MatRef<double>(a, 3, 3, "A"), MatRef<double>(b, 3, 3, "B"),
+                 beta);
     EXPECT_NEAR(beta, beta_true, 1e-12);
   }
-  EXPECT_TRUE(K.output_lines.empty());
+  EXPECT_TRUE(K.diag.output_lines.empty());
 
   double b[9] = {0, 0, 1, 0, 0, 0, 0, 0, 0};  // along the element normal
   double beta = 0.0;
   ::testing::internal::CaptureStdout();
-  COMPUTE_BETA(K, MatRef<double>(a, 3, 3, "A"), MatRef<double>(b, 3, 3, "B"), beta);
+  COMPUTE_BETA(plate_context(K), MatRef<double>(a, 3, 3, "A"), MatRef<double>(b, 3, 3, "B"), beta);
   EXPECT_EQ(::testing::internal::GetCapturedStdout(),
             "ERROR : X AXIS OF MATERIAL COORDINATE IS PERPENDICULAR TO ELEMENT\n");
 }

@@ -29,8 +29,10 @@ std::vector<double> run(bool solid, int32_t nc, int32_t ngp, int32_t npts, int32
   std::vector<double> nodal(static_cast<size_t>(nc * npts), -7.0);
   VecRef<double> out(nodal.data(), nc * npts, "VALUE_NODAL");
   VecRef<double> in(gauss.data(), nc * ngp, "VALUE_GAUSS");
-  if (solid) STRESS_RECOVERY_SOLID(out, in, nc, ngp, npts, withcentre);
-  else STRESS_RECOVERY_PLANE(out, in, nc, ngp, npts, withcentre);
+  if (solid)
+    STRESS_RECOVERY_SOLID(out, in, nc, ngp, npts, withcentre);
+  else
+    STRESS_RECOVERY_PLANE(out, in, nc, ngp, npts, withcentre);
   return nodal;
 }
 
@@ -39,7 +41,8 @@ std::vector<double> run(bool solid, int32_t nc, int32_t ngp, int32_t npts, int32
 TEST(StressRecovery, ConstantFieldComesBackEverywhere) {
   const double comp[3] = {12.5, -3.0, 1.0e5};
   auto value = [&](int32_t c, int32_t) { return comp[c - 1]; };
-  const std::vector<Case> solid = {{1, 5}, {4, 11}, {6, 7}, {8, 9}, {8, 6}, {9, 16}, {27, 21}, {27, 14}};
+  const std::vector<Case> solid = {{1, 5}, {4, 11}, {6, 7},   {8, 9},
+                                   {8, 6}, {9, 16}, {27, 21}, {27, 14}};
   const std::vector<Case> plane = {{1, 4}, {3, 7}, {4, 5}, {9, 9}};
   for (bool is_solid : {true, false}) {
     for (const Case& k : is_solid ? solid : plane) {
@@ -47,8 +50,8 @@ TEST(StressRecovery, ConstantFieldComesBackEverywhere) {
         const int32_t npts = k.npts - (withcentre == 1 ? 0 : 1);
         // Hexahedra without the centre take the pyramid branch (tested below).
         if (is_solid && (k.npts == 9 || k.npts == 21) && withcentre == 0) continue;
-        SCOPED_TRACE((is_solid ? "solid NGP " : "plane NGP ") + std::to_string(k.ngp) +
-                     " NPTS " + std::to_string(npts));
+        SCOPED_TRACE((is_solid ? "solid NGP " : "plane NGP ") + std::to_string(k.ngp) + " NPTS " +
+                     std::to_string(npts));
         const std::vector<double> r = run(is_solid, 3, k.ngp, npts, withcentre, value);
         for (int32_t p = 0; p < npts; ++p)
           for (int c = 0; c < 3; ++c)
@@ -65,7 +68,8 @@ TEST(StressRecovery, OnePointRepeatsTheValueAndHexCentreIsTheMean) {
     EXPECT_EQ(one[2 * p + 1], 8.0);
   }
   const double v[8] = {1, 7, -2, 4, 10, 3, 3, 6};
-  const std::vector<double> hex = run(true, 1, 8, 9, 1, [&](int32_t, int32_t g) { return v[g - 1]; });
+  const std::vector<double> hex =
+      run(true, 1, 8, 9, 1, [&](int32_t, int32_t g) { return v[g - 1]; });
   EXPECT_NEAR(hex[0], 32.0 / 8.0, 1e-14);
 }
 
@@ -170,14 +174,17 @@ TEST(StressRecovery, LeastSquaresIsExactForLinearFields) {
   for (int32_t ndim : {2, 3}) {
     const int32_t ngp = 7, nn = 5;
     std::vector<double> cg(3 * ngp), cn(3 * nn), vg(ngp), vn(nn, 0.0);
-    auto f = [&](const double* x) { return 4.0 - x[0] + 2.5 * x[1] + (ndim == 3 ? -0.5 * x[2] : 0.0); };
+    auto f = [&](const double* x) {
+      return 4.0 - x[0] + 2.5 * x[1] + (ndim == 3 ? -0.5 * x[2] : 0.0);
+    };
     for (int g = 0; g < ngp; ++g) {
-      for (int d = 0; d < ndim; ++d) cg[d + ndim * g] = std::sin((1.3 + 0.45 * d) * g + 0.2) * (1.0 + d);
+      for (int d = 0; d < ndim; ++d)
+        cg[d + ndim * g] = std::sin((1.3 + 0.45 * d) * g + 0.2) * (1.0 + d);
       vg[g] = f(&cg[ndim * g]);
     }
     for (int p = 0; p < nn; ++p)
       for (int d = 0; d < ndim; ++d) cn[d + ndim * p] = 3.0 * std::cos(0.9 * p + d);
-    STRESS_RECOVERY(K, VecRef<double>(vn.data(), nn, "VALUE_NODAL"),
+    STRESS_RECOVERY(K.diag, VecRef<double>(vn.data(), nn, "VALUE_NODAL"),
                     VecRef<double>(vg.data(), ngp, "VALUE_GAUSS"),
                     MatRef<double>(cg.data(), ndim, ngp, "COORD_GAUSS"),
                     MatRef<double>(cn.data(), ndim, nn, "COORD_NODAL"), nn, ngp, ndim);
@@ -197,11 +204,13 @@ TEST(StressRecovery, TetrahedronGoesTheDirectWay) {
   std::vector<double> garbage(3 * 4, std::nan(""));
   std::vector<double> cn(3 * 10, 0.0);
   double vn[10];
-  STRESS_RECOVERY(K, VecRef<double>(vn, 10, "VALUE_NODAL"), VecRef<double>(vg, 4, "VALUE_GAUSS"),
+  STRESS_RECOVERY(K.diag, VecRef<double>(vn, 10, "VALUE_NODAL"),
+                  VecRef<double>(vg, 4, "VALUE_GAUSS"),
                   MatRef<double>(garbage.data(), 3, 4, "COORD_GAUSS"),
                   MatRef<double>(cn.data(), 3, 10, "COORD_NODAL"), 10, 4, 3);
-  const double nodes[10][3] = {{0, 0, 0},   {1, 0, 0},     {0, 1, 0},   {0, 0, 1},   {0.5, 0, 0},
-                               {0.5, 0.5, 0}, {0, 0.5, 0}, {0, 0, 0.5}, {0.5, 0, 0.5}, {0, 0.5, 0.5}};
+  const double nodes[10][3] = {{0, 0, 0},     {1, 0, 0},     {0, 1, 0},   {0, 0, 1},
+                               {0.5, 0, 0},   {0.5, 0.5, 0}, {0, 0.5, 0}, {0, 0, 0.5},
+                               {0.5, 0, 0.5}, {0, 0.5, 0.5}};
   for (int n = 0; n < 10; ++n) EXPECT_NEAR(vn[n], f(nodes[n][0], nodes[n][1], nodes[n][2]), 1e-12);
 }
 
@@ -212,16 +221,18 @@ TEST(StressRecovery, DirectSolidFormsForWedgeAndHexahedron) {
   double vg[27], vn[20];
   for (int l = 0; l < 3; ++l)
     for (int i = 0; i < 3; ++i) vg[3 * l + i] = f(tri[i][0], tri[i][1], (l - 1) * g3);
-  STRESS_RECOVERY_ISOLIDH(VecRef<double>(vn, 15, "VALUE_NODAL"), VecRef<double>(vg, 9, "VALUE_GAUSS"),
-                          15, 9);
-  const double wedge[15][3] = {{0, 0, -1},  {1, 0, -1},    {0, 1, -1},   {0, 0, 1},   {1, 0, 1},
-                               {0, 1, 1},   {0.5, 0, -1},  {0.5, 0.5, -1}, {0, 0.5, -1}, {0.5, 0, 1},
-                               {0.5, 0.5, 1}, {0, 0.5, 1}, {0, 0, 0},    {1, 0, 0},   {0, 1, 0}};
+  STRESS_RECOVERY_ISOLIDH(VecRef<double>(vn, 15, "VALUE_NODAL"),
+                          VecRef<double>(vg, 9, "VALUE_GAUSS"), 15, 9);
+  const double wedge[15][3] = {{0, 0, -1},   {1, 0, -1},  {0, 1, -1},    {0, 0, 1},
+                               {1, 0, 1},    {0, 1, 1},   {0.5, 0, -1},  {0.5, 0.5, -1},
+                               {0, 0.5, -1}, {0.5, 0, 1}, {0.5, 0.5, 1}, {0, 0.5, 1},
+                               {0, 0, 0},    {1, 0, 0},   {0, 1, 0}};
   for (int n = 0; n < 15; ++n) EXPECT_NEAR(vn[n], f(wedge[n][0], wedge[n][1], wedge[n][2]), 1e-12);
 
-  for (int g = 0; g < 27; ++g) vg[g] = f((g % 3 - 1) * g3, ((g / 3) % 3 - 1) * g3, (g / 9 - 1) * g3);
-  STRESS_RECOVERY_ISOLIDH(VecRef<double>(vn, 20, "VALUE_NODAL"), VecRef<double>(vg, 27, "VALUE_GAUSS"),
-                          20, 27);
+  for (int g = 0; g < 27; ++g)
+    vg[g] = f((g % 3 - 1) * g3, ((g / 3) % 3 - 1) * g3, (g / 9 - 1) * g3);
+  STRESS_RECOVERY_ISOLIDH(VecRef<double>(vn, 20, "VALUE_NODAL"),
+                          VecRef<double>(vg, 27, "VALUE_GAUSS"), 20, 27);
   EXPECT_NEAR(vn[0], f(-1, -1, -1), 1e-12);
   EXPECT_NEAR(vn[6], f(1, 1, 1), 1e-12);
   EXPECT_NEAR(vn[9], f(1, 0, -1), 1e-12);
@@ -229,8 +240,8 @@ TEST(StressRecovery, DirectSolidFormsForWedgeAndHexahedron) {
 
   // Any other rule leaves the nodal values alone.
   vn[0] = 42.0;
-  STRESS_RECOVERY_ISOLIDH(VecRef<double>(vn, 20, "VALUE_NODAL"), VecRef<double>(vg, 27, "VALUE_GAUSS"),
-                          20, 8);
+  STRESS_RECOVERY_ISOLIDH(VecRef<double>(vn, 20, "VALUE_NODAL"),
+                          VecRef<double>(vg, 27, "VALUE_GAUSS"), 20, 8);
   EXPECT_EQ(vn[0], 42.0);
 }
 
@@ -245,23 +256,32 @@ TEST(StressRecovery, GaussPointLookUpsIntegrateExactly) {
   };
   const std::vector<Rule> rules = {
       {false, 1, 2, [](double x, double, double) { return x * x * x + x * x; }, 2.0 / 3.0},
-      {false, 2, 4, [](double x, double y, double) { return x * x * y * y + x * y * y * y; }, 4.0 / 9.0},
-      {false, 3, 6, [](double x, double y, double z) { return x * y * z * z + z * z * z; }, 1.0 / 24.0 * 2.0 / 3.0},
+      {false, 2, 4, [](double x, double y, double) { return x * x * y * y + x * y * y * y; },
+       4.0 / 9.0},
+      {false, 3, 6, [](double x, double y, double z) { return x * y * z * z + z * z * z; },
+       1.0 / 24.0 * 2.0 / 3.0},
       {false, 3, 8, [](double x, double y, double z) { return x * x * y * y * z * z; }, 8.0 / 27.0},
       {true, 2, 4, [](double x, double y, double) { return x * x + y * y * y; }, 4.0 / 3.0},
-      {true, 2, 3, [](double x, double y, double) { return x * x + x * y; }, 1.0 / 12.0 + 1.0 / 24.0},
-      {true, 2, 9, [](double x, double y, double) { return x * x * x * x * y * y; }, 2.0 / 5.0 * 2.0 / 3.0},
-      {true, 3, 4, [](double x, double y, double z) { return x * x + y * z; }, 1.0 / 60.0 + 1.0 / 120.0},
-      {true, 3, 9, [](double x, double, double z) { return x * z * z * z * z; }, 1.0 / 6.0 * 2.0 / 5.0},
-      {true, 3, 27, [](double x, double y, double z) { return x * x * x * x * y * y * z * z * z * z; },
+      {true, 2, 3, [](double x, double y, double) { return x * x + x * y; },
+       1.0 / 12.0 + 1.0 / 24.0},
+      {true, 2, 9, [](double x, double y, double) { return x * x * x * x * y * y; },
+       2.0 / 5.0 * 2.0 / 3.0},
+      {true, 3, 4, [](double x, double y, double z) { return x * x + y * z; },
+       1.0 / 60.0 + 1.0 / 120.0},
+      {true, 3, 9, [](double x, double, double z) { return x * z * z * z * z; },
+       1.0 / 6.0 * 2.0 / 5.0},
+      {true, 3, 27,
+       [](double x, double y, double z) { return x * x * x * x * y * y * z * z * z * z; },
        2.0 / 5.0 * 2.0 / 3.0 * 2.0 / 5.0},
   };
   for (const Rule& r : rules) {
     double s = 0.0;
     for (int32_t i = 1; i <= r.ngp; ++i) {
       double x, y, z, w;
-      if (r.high) GP_COORD_HIGH(x, y, z, w, i, r.ngp, r.kind);
-      else GP_COORD(x, y, z, w, i, r.ngp, r.kind);
+      if (r.high)
+        GP_COORD_HIGH(x, y, z, w, i, r.ngp, r.kind);
+      else
+        GP_COORD(x, y, z, w, i, r.ngp, r.kind);
       s += w * r.f(x, y, z);
     }
     EXPECT_NEAR(s, r.exact, 1e-14) << (r.high ? "high " : "") << r.kind << "/" << r.ngp;

@@ -33,7 +33,8 @@ struct HighModel {
       model.nodes.push_back(x[static_cast<size_t>(k)]);
       const int node = static_cast<int>(model.nodes.size());
       rec[static_cast<size_t>(1 + k)] = node;
-      for (int c = 1; c <= 3; ++c) rec[static_cast<size_t>(21 + 3 * k + c - 1)] = 3 * (node - 1) + c;
+      for (int c = 1; c <= 3; ++c)
+        rec[static_cast<size_t>(21 + 3 * k + c - 1)] = 3 * (node - 1) + c;
     }
     for (int v = 0; v < 9; ++v) rec[static_cast<size_t>(81 + v)] = vals[static_cast<size_t>(v)];
     records.push_back(rec);
@@ -62,7 +63,9 @@ int rows_of(int nn) { return 186 + 6 * (nn + 1); }
 
 class HighShapes : public ::testing::TestWithParam<int> {};
 
-std::string NodeCountName(const ::testing::TestParamInfo<int>& p) { return "nodes" + std::to_string(p.param); }
+std::string NodeCountName(const ::testing::TestParamInfo<int>& p) {
+  return "nodes" + std::to_string(p.param);
+}
 
 TEST_P(HighShapes, RigidMotionGivesNoForceAndNoStress) {
   const int nn = GetParam();
@@ -183,12 +186,14 @@ TEST_P(HighShapes, ElementAxesResultsTurnBackToTheGlobalOnes) {
   pl.bump = 0.03;
   m.add_element(nn, pl, 1, orthotropic().vals);
   const Field lin = linear_field({0.1, 0.2, -0.3}, sample_gradient());
-  m.write([&](const V3& x, int s) {
-    V3 u = lin(x, s);
-    u[0] += 1e-4 * std::sin(3 * x[0] + s);
-    u[2] += 1e-4 * std::cos(2 * x[1] - s);
-    return u;
-  }, 2);
+  m.write(
+      [&](const V3& x, int s) {
+        V3 u = lin(x, s);
+        u[0] += 1e-4 * std::sin(3 * x[0] + s);
+        u[2] += 1e-4 * std::cos(2 * x[1] - s);
+        return u;
+      },
+      2);
   Kernel k;
   Request r = m.request(2);
   r.axis_flag = 1;
@@ -199,7 +204,8 @@ TEST_P(HighShapes, ElementAxesResultsTurnBackToTheGlobalOnes) {
   for (int s = 1; s <= 2; ++s) {
     for (int n = 0; n < nn; ++n) {
       const V3 fg = point3(g, 1 + 3 * n, s);
-      EXPECT_V3_NEAR(mul(Q, point3(l, 1 + 3 * n, s)), fg, 1e-9 * (1 + std::fabs(fg[0]) + std::fabs(fg[1]) + std::fabs(fg[2])));
+      EXPECT_V3_NEAR(mul(Q, point3(l, 1 + 3 * n, s)), fg,
+                     1e-9 * (1 + std::fabs(fg[0]) + std::fabs(fg[1]) + std::fabs(fg[2])));
     }
     for (int p = 0; p <= nn; ++p) {
       const V6 sg = point6(g, 61 + 6 * p, s);
@@ -210,8 +216,7 @@ TEST_P(HighShapes, ElementAxesResultsTurnBackToTheGlobalOnes) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(HighOrder, HighShapes, ::testing::Values(10, 15, 20),
-                         NodeCountName);
+INSTANTIATE_TEST_SUITE_P(HighOrder, HighShapes, ::testing::Values(10, 15, 20), NodeCountName);
 
 // The material lies in the element axes, with the record's MAT_VALS (the
 // material table here holds others); the strains are the compliance times
@@ -245,7 +250,8 @@ void tet10_deriv(const V3& p, double d[3][10]) {
   const int ea[6] = {0, 1, 2, 0, 1, 2}, eb[6] = {1, 2, 0, 3, 3, 3};
   for (int c = 0; c < 3; ++c) {
     for (int i = 0; i < 4; ++i) d[c][i] = (4 * L[i] - 1) * dL[i][c];
-    for (int e = 0; e < 6; ++e) d[c][4 + e] = 4 * (dL[ea[e]][c] * L[eb[e]] + L[ea[e]] * dL[eb[e]][c]);
+    for (int e = 0; e < 6; ++e)
+      d[c][4 + e] = 4 * (dL[ea[e]][c] * L[eb[e]] + L[ea[e]] * dL[eb[e]][c]);
   }
 }
 
@@ -303,11 +309,13 @@ TEST(SolidHigh, ManyElementsAtOneStepGiveTheRowsOfTheHistory) {
   m.add_element(20, sample_placement(0), 1, Material{}.vals);
   m.add_element(10, sample_placement(2), 2, orthotropic().vals);
   const Field lin = linear_field({0.1, 0.2, -0.3}, sample_gradient());
-  m.write([&](const V3& x, int s) {
-    V3 u = lin(x, s);
-    u[0] += 1e-4 * std::sin(3 * x[0] * s);
-    return u;
-  }, 2);
+  m.write(
+      [&](const V3& x, int s) {
+        V3 u = lin(x, s);
+        u[0] += 1e-4 * std::sin(3 * x[0] * s);
+        return u;
+      },
+      2);
   Kernel k;
   std::vector<std::vector<std::vector<double>>> hist;
   hist.push_back(all_rows(k, m.request(2, 1), rows_of(20)));
@@ -328,9 +336,10 @@ TEST(SolidHigh, ManyElementsAtOneStepGiveTheRowsOfTheHistory) {
       for (int n = 1; n <= mpts; ++n) {
         const int row = comp < 4 ? comp + 3 * (n - 1) : comp + 57 + 6 * (n - 1);
         {
-        const double want = hist[static_cast<size_t>(item)][static_cast<size_t>(row - 1)][1];
-        EXPECT_NEAR(res.values[static_cast<size_t>(mpts * item + n - 1)], want, 1e-8 * (1 + std::fabs(want)))
-            << "comp " << comp << " item " << item + 1 << " point " << n;
+          const double want = hist[static_cast<size_t>(item)][static_cast<size_t>(row - 1)][1];
+          EXPECT_NEAR(res.values[static_cast<size_t>(mpts * item + n - 1)], want,
+                      1e-8 * (1 + std::fabs(want)))
+              << "comp " << comp << " item " << item + 1 << " point " << n;
         }
       }
     }
@@ -367,7 +376,8 @@ TEST(SolidHigh, OversizedNodeCountIsABoundFailure) {
   Result res = k.run(m.request(1));
   const std::string err = ::testing::internal::GetCapturedStderr();
   EXPECT_EQ(res.status, STATUS_DONE);
-  EXPECT_NE(err.find("array bound exceeded: IIA subscript 21 bound 1:20"), std::string::npos) << err;
+  EXPECT_NE(err.find("array bound exceeded: IIA subscript 21 bound 1:20"), std::string::npos)
+      << err;
 }
 
 // ---------------------------------------------------------------------------
@@ -420,16 +430,16 @@ TEST(SolBMatHigh, MatchesTheKitAndReportsAnInvertedElement) {
     MatRef<double> XL(xl, 3, nn, "XL");
     double b1[6 * 69] = {}, b2[6 * 69] = {}, c1[69] = {}, c2[69] = {}, sh[23], gp[3];
     double det1 = 0, det2 = 0;
-    SOL_B_MAT_HIGH(K, MatRef<double>(b1, 6, 60, "B"), MatRef<double>(c1, 3, 20, "CARTD"), det1,
-                   0.2, 0.25, 0.1, XL, nn);
-    B_BUB(K, MatRef<double>(b2, 6, 69, "B"), det2, MatRef<double>(c2, 3, 23, "CARTD"),
-          VecRef<double>(sh, 23, "SHAPE"), VecRef<double>(gp, 3, "GPCOD"), 0.2, 0.25, 0.1, XL, nn,
-          3, 6, 0, 0);
+    SOL_B_MAT_HIGH(K, MatRef<double>(b1, 6, 60, "B"), MatRef<double>(c1, 3, 20, "CARTD"), det1, 0.2,
+                   0.25, 0.1, XL, nn);
+    B_BUB(K.diag, K.run.CURRENT_ELEM, K.continuum.PLANE_TYPE, MatRef<double>(b2, 6, 69, "B"), det2,
+          MatRef<double>(c2, 3, 23, "CARTD"), VecRef<double>(sh, 23, "SHAPE"),
+          VecRef<double>(gp, 3, "GPCOD"), 0.2, 0.25, 0.1, XL, nn, 3, 6, 0, 0);
     EXPECT_NEAR(det1, det2, 1e-12 * std::fabs(det2));
     EXPECT_GT(det1, 0.0);
     for (int i = 0; i < 6 * 3 * nn; ++i) EXPECT_NEAR(b1[i], b2[i], 1e-12) << nn << " " << i;
   }
-  EXPECT_EQ(K.messages, "");
+  EXPECT_EQ(K.diag.messages, "");
   // A mirrored element: the Jacobian is negative and reported.
   const auto nat = natural_nodes(8);
   double xl[24];
@@ -439,20 +449,20 @@ TEST(SolBMatHigh, MatchesTheKitAndReportsAnInvertedElement) {
     xl[3 * k + 2] = nat[static_cast<size_t>(k)][2];
   }
   double b[6 * 24], c[24], det = 0;
-  SOL_B_MAT_HIGH(K, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1,
-                 0.2, 0.3, MatRef<double>(xl, 3, 8, "XL"), 8);
+  SOL_B_MAT_HIGH(K, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1, 0.2,
+                 0.3, MatRef<double>(xl, 3, 8, "XL"), 8);
   EXPECT_LT(det, 0.0);
-  EXPECT_EQ(K.messages,
+  EXPECT_EQ(K.diag.messages,
             "     JACOBIAN DETERMINENT IS NEGATIVE\n     PLEASE CHECK YOUR DATA FILE \n");
 
   // Only a determinant at or below zero is reported: a NaN one (a node
   // without coordinates) is neither, and passes without a word.
-  K.messages.clear();
+  K.diag.messages.clear();
   xl[0] = std::nan("");
-  SOL_B_MAT_HIGH(K, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1,
-                 0.2, 0.3, MatRef<double>(xl, 3, 8, "XL"), 8);
+  SOL_B_MAT_HIGH(K, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1, 0.2,
+                 0.3, MatRef<double>(xl, 3, 8, "XL"), 8);
   EXPECT_TRUE(std::isnan(det));
-  EXPECT_EQ(K.messages, "");
+  EXPECT_EQ(K.diag.messages, "");
 }
 
 // The stiffness of a unit-cube brick and of a unit tetrahedron has the
@@ -468,14 +478,17 @@ TEST(SolStf, StiffnessIsSymmetricAndItsEnergyIsTheVolumeTimesTheEnergyDensity) {
     const auto x = place(natural_nodes(nn), corners(nn), pl);
     Mat<double> XYZ("XYZ", 3, 20);
     for (int k = 0; k < nn; ++k)
-      for (int i = 0; i < 3; ++i) XYZ(i + 1, k + 1) = x[static_cast<size_t>(k)][static_cast<size_t>(i)];
+      for (int i = 0; i < 3; ++i)
+        XYZ(i + 1, k + 1) = x[static_cast<size_t>(k)][static_cast<size_t>(i)];
     Mat<double> T("T", 3, 3);  // rows the element axes
     for (int i = 0; i < 3; ++i)
       for (int j = 0; j < 3; ++j) T(i + 1, j + 1) = pl.Q[j][i];
     Mat<double> S("S", 60, 60), W("WORK", 60, 60);
     SOL_STF(K, S.ref(), W.ref(), 60, nn, XYZ.ref(), T.ref());
     for (int i = 1; i <= 3 * nn; ++i)
-      for (int j = 1; j <= 3 * nn; ++j) EXPECT_NEAR(S(i, j), S(j, i), 1e-9 * (1 + std::fabs(S(i, j)))) << nn << " " << i << " " << j;
+      for (int j = 1; j <= 3 * nn; ++j)
+        EXPECT_NEAR(S(i, j), S(j, i), 1e-9 * (1 + std::fabs(S(i, j))))
+            << nn << " " << i << " " << j;
     // u = G x: energy u'Su = V eps'D eps.
     const M3 G = sample_gradient();
     std::vector<double> u(static_cast<size_t>(3 * nn));
@@ -485,7 +498,8 @@ TEST(SolStf, StiffnessIsSymmetricAndItsEnergyIsTheVolumeTimesTheEnergyDensity) {
     }
     double energy = 0;
     for (int i = 1; i <= 3 * nn; ++i)
-      for (int j = 1; j <= 3 * nn; ++j) energy += u[static_cast<size_t>(i - 1)] * S(i, j) * u[static_cast<size_t>(j - 1)];
+      for (int j = 1; j <= 3 * nn; ++j)
+        energy += u[static_cast<size_t>(i - 1)] * S(i, j) * u[static_cast<size_t>(j - 1)];
     Material mat;
     mat.E = 1000.0;
     mat.nu = 0.25;
@@ -498,7 +512,6 @@ TEST(SolStf, StiffnessIsSymmetricAndItsEnergyIsTheVolumeTimesTheEnergyDensity) {
     EXPECT_NEAR(energy, volume * density, 1e-9 * volume * density) << nn;
   }
 }
-
 
 // A material whose compliance has a determinant of zero or less cannot be
 // inverted: the run stops. The status entry reports it; the exported entry
@@ -541,11 +554,11 @@ TEST(SolidHighDeathTest, SingularMaterialEndsTheProcessThroughTheExportedEntry) 
   singular_material_model(m);
   const Request q = m.request(1);
   std::vector<double> out(1, 0.0);
-  EXPECT_EXIT(respcore_entry_RESPCORE(q.base.c_str(), static_cast<int32_t>(q.base.size()),
-                                      q.elem_type, q.result_comp, q.hist_case, q.num_steps, 1, 1,
-                                      1, q.product_index, 0, out.data(), q.serials.data(),
-                                      q.elements.data(), q.axis_flag),
-              ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(
+      respcore_entry_RESPCORE(q.base.c_str(), static_cast<int32_t>(q.base.size()), q.elem_type,
+                              q.result_comp, q.hist_case, q.num_steps, 1, 1, 1, q.product_index, 0,
+                              out.data(), q.serials.data(), q.elements.data(), q.axis_flag),
+      ::testing::ExitedWithCode(0), "");
   EXPECT_EQ(respcore_request(q.base.c_str(), static_cast<int32_t>(q.base.size()), q.elem_type,
                              q.result_comp, q.hist_case, q.num_steps, 1, 1, 1, q.product_index, 0,
                              out.data(), q.serials.data(), q.elements.data(), q.axis_flag),
