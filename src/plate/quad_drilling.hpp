@@ -50,6 +50,6 @@ void QUAD_WITH_DRILLING(const PlateContext& PC, MatRef<double> XY, double E, dou
 // The same with a general in-plane D1(3,3) (used in full) and both penalty
 // factors 0.002 D1_SHEARMOD T AREA.
 void QUAD_WITH_DRILLING_GNRL(MatRef<double> XY, MatRef<double> D1, double D1_SHEARMOD, double T,
-                            MatRef<double> S);
+                             MatRef<double> S);
 
 }  // namespace respcore
