@@ -95,7 +95,7 @@ void stress_setup(DkmqSaved& SV, MatRef<double> XYZ_arg, MatRef<double> TR, doub
 }  // namespace
 
 void dkmq_stress_step(const DkmqSaved& SV, VecRef<double> DISP, MatRef<double> STRS_arg,
-                 int32_t KEEP) {
+                      int32_t KEEP) {
   MatRef<double> STRS = as_shape(STRS_arg, 8, 5);
   double d[24];
   for (int i = 0; i < 24; ++i) d[i] = DISP(i + 1);
@@ -108,8 +108,7 @@ void dkmq_stress_step(const DkmqSaved& SV, VecRef<double> DISP, MatRef<double> S
   double amp[4] = {};
   if (SV.memb_kind == 0) {
     const double um[8] = {d[0], d[1], d[6], d[7], d[12], d[13], d[18], d[19]};
-    incompatible_mode_amplitudes(MatRef<double>(const_cast<double*>(SV.WORK1), 4, 9, "WORK1"),
-                                 um, amp);
+    incompatible_mode_amplitudes(SV.WORK1, um, amp);
   }
   const int lo = SV.warped ? 0 : kW, hi = SV.warped ? 5 : kRy;
 
@@ -326,8 +325,8 @@ void DKMQBND_MOD(MatRef<double> S_arg, MatRef<double> EST, MatRef<double> D, dou
   double db[3][24];
   for (int j = 0; j < nc; ++j)
     for (int r = 1; r <= 3; ++r)
-      db[r - 1][j] = (D(r, 1) * EST(1, cols[j]) + D(r, 2) * EST(2, cols[j]) +
-                      D(r, 3) * EST(3, cols[j])) * WT;
+      db[r - 1][j] =
+          (D(r, 1) * EST(1, cols[j]) + D(r, 2) * EST(2, cols[j]) + D(r, 3) * EST(3, cols[j])) * WT;
   for (int i = 0; i < nc; ++i)
     for (int j = 0; j < nc; ++j)
       S(cols[i], cols[j]) +=

@@ -49,19 +49,19 @@ struct DkmqGeom {
 
 // What a stress routine keeps of an element between its steps.
 struct DkmqSaved {
-  double XY1[8] = {};             // XY1(2,4): flat coordinates, node 1 at the origin
-  double ZCOOR[4] = {};           // heights about the mean plane (small ones cleared)
-  int32_t warped = 0;             // ZCOOR(1) not 0
-  int32_t memb_kind = 0;          // 0: the incompatible modes are added
-  int32_t thin = 0;               // 1: no transverse shear (SHL3DS)
+  double XY1[8] = {};     // XY1(2,4): flat coordinates, node 1 at the origin
+  double ZCOOR[4] = {};   // heights about the mean plane (small ones cleared)
+  int32_t warped = 0;     // ZCOOR(1) not 0
+  int32_t memb_kind = 0;  // 0: the incompatible modes are added
+  int32_t thin = 0;       // 1: no transverse shear (SHL3DS)
   DkmqGeom geom;
-  double EST[3 * 24 * 5] = {};    // EST(3,6,4,5): curvature rows by freedom, node, point
-  double A[4 * 12] = {};          // A(4,12): side matrix over (w, rx, ry) of the nodes
-  double DN[8 * 5] = {};          // (N,x, N,y) of the nodes at each point
-  double QS[8 * 5] = {};          // Q(2,4) shear rows at each point
-  double INC[12 * 5] = {};        // incompatible mode rows (3,4) at each point
-  double WORK1[4 * 9] = {};       // mode condensation: inv(Kmm) Kmn, load column
-  PlateSection section;           // strains to the stress block
+  double EST[3 * 24 * 5] = {};  // EST(3,6,4,5): curvature rows by freedom, node, point
+  double A[4 * 12] = {};        // A(4,12): side matrix over (w, rx, ry) of the nodes
+  double DN[8 * 5] = {};        // (N,x, N,y) of the nodes at each point
+  double QS[8 * 5] = {};        // Q(2,4) shear rows at each point
+  double INC[12 * 5] = {};      // incompatible mode rows (3,4) at each point
+  double WORK1[4 * 9] = {};     // mode condensation: inv(Kmm) Kmn, load column
+  PlateSection section;         // strains to the stress block
 
   MatRef<double> est(int32_t p) { return MatRef<double>(EST + 72 * (p - 1), 3, 24, "EST"); }
   MatRef<double> xy1() { return MatRef<double>(XY1, 2, 4, "XY1"); }
@@ -104,8 +104,7 @@ void DKMQSHR(const DkmqGeom& G, MatRef<double> S, MatRef<double> Q, MatRef<doubl
 
 // S(24,24) += EST' D EST * WT, over the freedoms w, rx, ry of each node
 // (WARPED 0) or all six (WARPED 1).
-void DKMQBND_MOD(MatRef<double> S, MatRef<double> EST, MatRef<double> D, double WT,
-                 int32_t WARPED);
+void DKMQBND_MOD(MatRef<double> S, MatRef<double> EST, MatRef<double> D, double WT, int32_t WARPED);
 
 // Warp rows of EST(3,24): curvature = (4/W) H (spin of the bilinear in-plane
 // field at the centre - mean rz), H from the side height differences. Zero

@@ -72,8 +72,8 @@ void drilling_membrane(MatRef<double> XY, const double d[9], double T, bool blas
       }
       for (int c = 0; c < 12; ++c)
         for (int r = 0; r < 3; ++r)
-          db_store[r + 3 * c] = d[r] * b_store[3 * c] + d[r + 3] * b_store[1 + 3 * c] +
-                                d[r + 6] * b_store[2 + 3 * c];
+          db_store[r + 3 * c] =
+              d[r] * b_store[3 * c] + d[r + 3] * b_store[1 + 3 * c] + d[r + 6] * b_store[2 + 3 * c];
       for (int j = 1; j <= 12; ++j)
         for (int i = 1; i <= j; ++i)
           SM(i, j) += w * T *
@@ -168,8 +168,8 @@ void MEMB(VecRef<double> DN8, MatRef<double> SIDES, MatRef<double> B) {
     for (int32_t r = 1; r <= 3; ++r) B(r, j) = 0.0;
   for (int32_t I = 1; I <= 4; ++I) {
     const int32_t next = I == 4 ? 1 : I + 1;  // side I -> next carries mid-side 4+I
-    const int32_t mn = 4 + I;                   // mid-side after node I
-    const int32_t mp = I == 1 ? 8 : 3 + I;      // mid-side before node I
+    const int32_t mn = 4 + I;                 // mid-side after node I
+    const int32_t mp = I == 1 ? 8 : 3 + I;    // mid-side before node I
     const double nx = DN8(I) + 0.5 * (DN8(mn) + DN8(mp));
     const double ny = DN8(I + 8) + 0.5 * (DN8(mn + 8) + DN8(mp + 8));
     // Rotation terms: the node is the start of side I -> next and the end of
@@ -216,15 +216,17 @@ void QUAD_WITH_DRILLING(const PlateContext& PC, MatRef<double> XY, double E, dou
   MatRef<double> SM(sm, 12, 12, "S");
   drilling_membrane(XY, d, T, false, SM, p, at);
   for (int32_t j = 1; j <= 12; ++j)
-    for (int32_t i = 1; i <= 12; ++i) SM(i, j) += p[i - 1] * p[j - 1] * kDrillPenalty * E * at / (1.0 + NU);
+    for (int32_t i = 1; i <= 12; ++i)
+      SM(i, j) += p[i - 1] * p[j - 1] * kDrillPenalty * E * at / (1.0 + NU);
   hourglass_vector(p);
   for (int32_t j = 1; j <= 12; ++j)
-    for (int32_t i = 1; i <= 12; ++i) SM(i, j) += p[i - 1] * p[j - 1] * kDrillPenalty * at * E / (1.0 + NU);
+    for (int32_t i = 1; i <= 12; ++i)
+      SM(i, j) += p[i - 1] * p[j - 1] * kDrillPenalty * at * E / (1.0 + NU);
   scatter_drilling(SM, S);
 }
 
 void QUAD_WITH_DRILLING_GNRL(MatRef<double> XY, MatRef<double> D1_arg, double D1_SHEARMOD, double T,
-                            MatRef<double> S) {
+                             MatRef<double> S) {
   MatRef<double> D1 = as_shape(D1_arg, 3, 3);
   double d[9];
   for (int j = 0; j < 3; ++j)

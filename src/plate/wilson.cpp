@@ -47,7 +47,8 @@ void wilson_matrix(MatRef<double> XY1, MatRef<double> D_arg, double T, MatRef<do
       const double wt = detj * w1 * w2 * T;
       double db[3][12];
       for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 12; ++c) db[r][c] = d[r][0] * b[0][c] + d[r][1] * b[1][c] + d[r][2] * b[2][c];
+        for (int c = 0; c < 12; ++c)
+          db[r][c] = d[r][0] * b[0][c] + d[r][1] * b[1][c] + d[r][2] * b[2][c];
       for (int i = 0; i < 12; ++i)
         for (int j = 0; j < 12; ++j)
           K(i + 1, j + 1) += (b[0][i] * db[0][j] + b[1][i] * db[1][j] + b[2][i] * db[2][j]) * wt;
@@ -112,11 +113,11 @@ void incompatible_mode_rows(const CentreJacobian& J0, double R, double XI, doubl
   ROWS(3, 4) = R * ETA * J0.YXI;
 }
 
-void incompatible_mode_amplitudes(MatRef<double> WORK1, const double UM[8], double A[4]) {
-  for (int k = 1; k <= 4; ++k) {
-    double s = WORK1(k, 9);
-    for (int j = 1; j <= 8; ++j) s -= WORK1(k, j) * UM[j - 1];
-    A[k - 1] = s;
+void incompatible_mode_amplitudes(const double WORK1[36], const double UM[8], double A[4]) {
+  for (int k = 0; k < 4; ++k) {
+    double s = WORK1[k + 32];
+    for (int j = 0; j < 8; ++j) s -= WORK1[k + 4 * j] * UM[j];
+    A[k] = s;
   }
 }
 

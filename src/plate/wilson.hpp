@@ -39,8 +39,8 @@ void incompatible_mode_rows(const CentreJacobian& J0, double R, double XI, doubl
                             MatRef<double> ROWS);
 
 // Mode amplitudes of a step: A = WORK1(:,9) - WORK1(:,1:8) * UM, UM the
-// in-plane nodal values (u1, v1, ..., u4, v4).
-void incompatible_mode_amplitudes(MatRef<double> WORK1, const double UM[8], double A[4]);
+// in-plane nodal values (u1, v1, ..., u4, v4), WORK1(4,9) column-major.
+void incompatible_mode_amplitudes(const double WORK1[36], const double UM[8], double A[4]);
 
 // The element over its 12 freedoms (u1, v1, ..., u4, v4, then the modes),
 // integrated on 2x2 points: K = sum B' D B det J w1 w2 T, nodes XY1(2,4),
