@@ -19,8 +19,14 @@ namespace {
 
 constexpr double kE = 1000, kG = 400, kC = kE / (1 - 0.0625);  // nu = 0.25
 
-// Nodal vector (six per node) of the rigid motion t + w x r at positions P.
-void rigid(const double (*P)[3], const double t[3], const double w[3], double* d) {
+// Nodal vector (six per node) of rigid motion mode M (translations x, y, z,
+// rotations about x, y, z) of size A at positions P: t + w x r.
+void rigid(const double (*P)[3], int m, double a, double* d) {
+  double t[3] = {}, w[3] = {};
+  if (m < 3)
+    t[m] = a;
+  else
+    w[m - 3] = a;
   for (int n = 0; n < 4; ++n) {
     const double* r = P[n];
     const double c[3] = {w[1] * r[2] - w[2] * r[1], w[2] * r[0] - w[0] * r[2],
@@ -99,9 +105,7 @@ TEST_P(QuadFields, RigidMotionIsFreeAndConstantFieldsAreExact) {
   Quad q(tilted());
   double d[24];
   for (int m = 0; m < 6; ++m) {
-    double t[3] = {}, w[3] = {};
-    (m < 3 ? t : w)[m % 3] = 1.0;
-    rigid(q.loc, t, w, d);
+    rigid(q.loc, m, 1.0, d);
     q.stress(routine, memb, d, m == 0 ? 1 : 0);
     for (double v : q.st) EXPECT_NEAR(v, 0.0, 1e-10) << "mode " << m;
   }
@@ -191,9 +195,7 @@ TEST(WarpedQuad, RigidMotionLeavesNoCurvatureAndDrillingRotationBendsByTheWarp) 
     Quad q(g, false);
     double d[24];
     for (int m = 0; m < 6; ++m) {
-      double t[3] = {}, w[3] = {};
-      (m < 3 ? t : w)[m % 3] = 1e-3;
-      rigid(q.loc, t, w, d);
+      rigid(q.loc, m, 1e-3, d);
       q.stress(routine, 0, d, m == 0 ? 1 : 0);
       const bool tilt = m == 3 || m == 4;  // in-plane axis: hourglass u, v at the nodes
       for (int i = 0; i < 40; ++i) {
@@ -253,9 +255,7 @@ TEST(QuadStiffness, RigidMotionsAreInItsNullSpace) {
       double smax = 0.0;
       for (double v : s) smax = std::max(smax, std::fabs(v));
       for (int m = 0; m < 6; ++m) {
-        double t[3] = {}, om[3] = {};
-        (m < 3 ? t : om)[m % 3] = 1.0;
-        rigid(pos, t, om, r);
+        rigid(pos, m, 1.0, r);
         for (int i = 0; i < 24; ++i) {
           double f = 0.0;
           for (int j = 0; j < 24; ++j) f += s[i + 24 * j] * r[j];
