@@ -157,32 +157,27 @@ TEST(QuadModes, PureInPlaneBendingIsExactWithTheModes) {
   }
 }
 
-// With equal thicknesses and ribs the stiffened section is the plain plate:
-// forces t s, moments t^2/6 s_b, shear forces t s per unit width.
-TEST(QuadStiffened, EqualRibsGiveThePlainPlateResultants) {
-  Quad q(tilted()), s(tilted());
-  double* prop = s.K.ELEM_MATERIAL.PLATE_PROP;
-  q.K.ELEM_MATERIAL.PLATE_PROP[0] = prop[0] = prop[1] = prop[2] = prop[3] = prop[4] = 0.1;
-  double d[24], e[24];
-  for (int i = 0; i < 24; ++i) d[i] = e[i] = std::sin(1.7 * i + 0.3) * 1e-3;
-  q.stress(0, 0, d);
-  s.stress(4, 0, e);
-  for (int i = 0; i < 40; ++i)
-    EXPECT_NEAR(s.st[i], q.st[i] * (i % 8 >= 3 && i % 8 < 6 ? 0.01 / 6 : 0.1), 1e-12) << i;
-}
-
-// With the ordinary section the general routines are the ordinary ones, for
-// any nodal values, flat or warped, either membrane, thick or thin.
-TEST(QuadGeneral, OrdinarySectionGivesTheOrdinaryRoutines) {
+// Kinds 0-3: with the ordinary section the general routines are the
+// ordinary ones (thick or thin, either membrane), flat or warped. Kind 4:
+// with equal thicknesses and ribs the stiffened section is the plain plate,
+// per unit width forces t s, moments t^2/6 s_b, shear forces t s.
+TEST(QuadGeneral, GeneralAndStiffenedRoutinesAgreeWithTheOrdinaryOnes) {
   const PlateSection os = ordinary_section();
   for (const double* g : {tilted(), kWarped})
-    for (int kind = 0; kind < 4; ++kind) {
+    for (int kind = 0; kind < 5; ++kind) {
       Quad q(g), r(g);
+      if (kind == 4) {
+        q.K.ELEM_MATERIAL.PLATE_PROP[0] = 0.1;
+        for (int i = 0; i < 5; ++i) r.K.ELEM_MATERIAL.PLATE_PROP[i] = 0.1;
+      }
       double d[24], e[24];
       for (int i = 0; i < 24; ++i) d[i] = e[i] = std::sin(1.3 * i + 0.2) * 1e-3;
-      q.stress(kind & 1, kind >> 1, d);
-      r.stress(2 + (kind & 1), kind >> 1, e, 1, 0, os);
-      for (int i = 0; i < 40; ++i) EXPECT_NEAR(r.st[i], q.st[i], 1e-9 * kE) << kind << " " << i;
+      q.stress(kind & 1, (kind >> 1) & 1, d);
+      r.stress(kind == 4 ? 4 : 2 + (kind & 1), (kind >> 1) & 1, e, 1, 0, os);
+      for (int i = 0; i < 40; ++i) {
+        const double f = kind < 4 ? 1.0 : (i % 8 >= 3 && i % 8 < 6 ? 0.01 / 6 : 0.1);
+        EXPECT_NEAR(r.st[i], f * q.st[i], 1e-9 * kE) << kind << " " << i;
+      }
     }
 }
 
