@@ -15,7 +15,7 @@ namespace respcore {
 
 namespace {
 
-// Bending and membrane columns of node n (0-based) in the element freedoms.
+// Offsets of w, rx and ry among the six freedoms of a node.
 constexpr int kW = 2, kRx = 3, kRy = 4;
 
 // Natural coordinates of the stress points: the centre, then the 2x2 points.
