@@ -71,7 +71,7 @@ void stress_setup(DkmqSaved& SV, MatRef<double> XYZ_arg, MatRef<double> TR, doub
     else
       WILSON(XY1, DMEMB, TMEMB, 12, 1, S12, WORK1);
   }
-  const CentreJacobian J0 = centre_jacobian(XY1);
+  const CentreJacobian J0 = quad_centre_jacobian(XY1);
   dkmq_sides(SV.geom, XY1, phi_coef);
 
   double dp[8], jinv[4];

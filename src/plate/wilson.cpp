@@ -19,7 +19,7 @@ void wilson_matrix(MatRef<double> XY1, MatRef<double> D_arg, double T, MatRef<do
   double d[3][3];
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) d[i][j] = D(i + 1, j + 1);
-  const CentreJacobian J0 = centre_jacobian(XY1);
+  const CentreJacobian J0 = quad_centre_jacobian(XY1);
   for (int j = 1; j <= 12; ++j)
     for (int i = 1; i <= 12; ++i) K(i, j) = 0.0;
 
@@ -86,7 +86,7 @@ void FORMB(int32_t N, VecRef<double> DN, MatRef<double> XY, double& DET) {
   }
 }
 
-CentreJacobian centre_jacobian(MatRef<double> XY1) {
+CentreJacobian quad_centre_jacobian(MatRef<double> XY1) {
   CentreJacobian J;
   J.XXI = (-XY1(1, 1) + XY1(1, 2) + XY1(1, 3) - XY1(1, 4)) / 4.0;
   J.YXI = (-XY1(2, 1) + XY1(2, 2) + XY1(2, 3) - XY1(2, 4)) / 4.0;

@@ -31,7 +31,7 @@ void FORMB(int32_t N, VecRef<double> DN, MatRef<double> XY, double& DET);
 struct CentreJacobian {
   double XXI = 0.0, YXI = 0.0, XETA = 0.0, YETA = 0.0;
 };
-CentreJacobian centre_jacobian(MatRef<double> XY1);
+CentreJacobian quad_centre_jacobian(MatRef<double> XY1);
 
 // ROWS(3,4): column k is the strain triple (xx, yy, xy) of mode k at
 // (XI, ETA), R = 2 / DETJ of the point.
