@@ -299,8 +299,11 @@ void triangle_points(const TriGeometry& G, const Pt3Coef& P, TriPoints& T) {
       for (int n = 1; n <= 3; ++n) {
         double A[3][3];
         PT3ALP(P, I, n, A);
-        for (int c = 0; c < 3; ++c)
-          T.KB[p - 1][3 * (n - 1) + c][I - 1] = A[0][c] * L[0] + A[1][c] * L[1] + A[2][c] * L[2];
+        for (int c = 0; c < 3; ++c) {
+          double& kb = T.KB[p - 1][3 * (n - 1) + c][I - 1];
+          kb = 0.0;
+          PT3EB(kb, A, L, c == 0, c == 1, c == 2);
+        }
       }
   }
 }
