@@ -13,19 +13,15 @@ namespace {
 // Row IPT of a result-point table, checked like any array subscript.
 template <size_t R>
 double row(const double (&table)[R], int32_t ipt, const char* name) {
-  if (ipt < 1 || ipt > static_cast<int32_t>(R)) {
-    report_bound_failure(name, ipt, 1, static_cast<int64_t>(R));
-    return 0.0;
-  }
-  return table[ipt - 1];
+  return table_entry(table, ipt, name);
 }
 
 // Corner signs of the unit cell, in element order.
-constexpr double kQuadSx[4] = {-1.0, 1.0, 1.0, -1.0};
-constexpr double kQuadSy[4] = {-1.0, -1.0, 1.0, 1.0};
-constexpr double kHexSx[8] = {-1.0, 1.0, 1.0, -1.0, -1.0, 1.0, 1.0, -1.0};
-constexpr double kHexSy[8] = {-1.0, -1.0, 1.0, 1.0, -1.0, -1.0, 1.0, 1.0};
-constexpr double kHexSz[8] = {-1.0, -1.0, -1.0, -1.0, 1.0, 1.0, 1.0, 1.0};
+constexpr const auto& kQuadSx = gauss::CORNER_S;
+constexpr const auto& kQuadSy = gauss::CORNER_T;
+constexpr const auto& kHexSx = gauss::CORNER_S;
+constexpr const auto& kHexSy = gauss::CORNER_T;
+constexpr const auto& kHexSz = gauss::CORNER_U;
 
 // Quadratic Lagrange functions through the cell coordinates -1, 0, +1.
 inline void lagrange3(double t, double p[3]) {
@@ -95,20 +91,28 @@ void LINE_SHAPE_2NODE(VecRef<double> N, int32_t IPT) {
   N(2) = (1.0 + a) / 2.0;
 }
 
-void PLANE_SHAPE_4NODES(VecRef<double> N, int32_t IPT) {
-  const double a = R3 * row(QUAD4_XII, IPT, "XII");
-  const double b = R3 * row(QUAD4_ETA, IPT, "ETA");
+namespace {
+
+// The bilinear weights of the 2 by 2 rule at row IPT of a quadrilateral's
+// result-point tables.
+template <size_t R>
+void quad_shape_2x2(VecRef<double> N, const double (&xii)[R], const double (&eta)[R],
+                    int32_t IPT) {
+  const double a = R3 * row(xii, IPT, "XII");
+  const double b = R3 * row(eta, IPT, "ETA");
   double w[4];
   bilinear(a, b, w);
   for (int32_t k = 1; k <= 4; ++k) N(k) = w[k - 1];
 }
 
+}  // namespace
+
+void PLANE_SHAPE_4NODES(VecRef<double> N, int32_t IPT) {
+  quad_shape_2x2(N, QUAD4_XII, QUAD4_ETA, IPT);
+}
+
 void PLANE_SHAPE_8NODES_REDUCED(VecRef<double> N, int32_t IPT) {
-  const double a = R3 * row(QUAD8_XII, IPT, "XII");
-  const double b = R3 * row(QUAD8_ETA, IPT, "ETA");
-  double w[4];
-  bilinear(a, b, w);
-  for (int32_t k = 1; k <= 4; ++k) N(k) = w[k - 1];
+  quad_shape_2x2(N, QUAD8_XII, QUAD8_ETA, IPT);
 }
 
 void PLANE_SHAPE_6NODES(VecRef<double> N, int32_t IPT) {

@@ -17,11 +17,8 @@
 // from 79 the strains in the same order.
 #include <algorithm>
 
-#include "archive/section_access.hpp"
-#include "archive/units.hpp"
-#include "core/kernel_state.hpp"
 #include "nodal/disp_equation.hpp"
-#include "run/histories.hpp"
+#include "solid/solid_histories.hpp"
 #include "solid/solid_steps.hpp"
 
 namespace respcore {
@@ -37,10 +34,8 @@ constexpr int32_t kMaxNodes = 8;
 
 }  // namespace
 
-void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT,
-                int32_t NCOLS, int32_t AXIS_FLAG) {
-  (void)NCOLS;
-  RunContext& R = K.run;
+void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C,
+                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG) {
   const int32_t nsteps = std::max(R.NUM_STEPS, 0);
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
 
@@ -66,15 +61,10 @@ void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
     T.fill(0.0);
     const int32_t serial = INUM_SERIAL(p);
     const int32_t element = INUM_ELEMNT(p);
-    R.CURRENT_ELEM = element;
 
-    READING_ELEMENT_MATERIAL_DATA(K, element);
-    int64_t first = 0;
-    int32_t found = 0;
-    RF_BIN_T(K, ID, 8, first, found);
+    READING_ELEMENT_MATERIAL_DATA(A, C.material, element);
     // The whole record or nothing: a read that fails leaves the table clear.
-    if (!read_record(K, UNIT_SECOND, first + serial - 1, SA.data(), int64_t{kRecWords} * 8))
-      SA.fill(0.0);
+    if (!A.read(A.find(sections::SOLD, ID), serial, SA.data(), int64_t{kRecWords} * 8)) SA.fill(0.0);
 
     const int32_t NDOF = trunc_i32(SA(3793));
     const int32_t NR = trunc_i32(SA(3794));
@@ -116,21 +106,21 @@ void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
       }
     }
 
-    DISP_EQUATION(K, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), ndof, LM.ref(), IIA.ref(),
+    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), ndof, LM.ref(), IIA.ref(),
                   std::min(nn, kMaxNodes), 1);
 
     // The extrapolated node values are delivered even when the stored matrix
     // ends at the centre (a tetrahedron's single point).
     const int32_t nrows = std::min(std::max(nr, kForceRows + 6 * (nn + 1)), kMaxRow);
     if (R.REQUEST_MODE == 1) {
-      solid_history_row(K, TDSP, layout, STRS.ref(), kMaxRow, ndof, DISP_EQ.ref(), T.ref(), nn,
+      solid_history_row(C, R.RESULT_COMP, TDSP, layout, STRS.ref(), kMaxRow, ndof, DISP_EQ.ref(), T.ref(), nn,
                         AXIS_FLAG, nrows, kMaxRow, 6 * (nn + 1));
       continue;
     }
     // All steps in one product (rows beyond NR are zero rows of STRS).
     solid_product(SSIG.ref(), STRS.ref(), kMaxRow, ndof, DISP_EQ.ref());
-    solid_steps(K, layout, SSIG.ref(), STRAIN_GLOBAL_TIME.ref(), T.ref(), nn, AXIS_FLAG);
-    solid_deliver(K, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kMaxRow, 6 * (nn + 1));
+    solid_steps(C, layout, SSIG.ref(), STRAIN_GLOBAL_TIME.ref(), T.ref(), nn, AXIS_FLAG);
+    solid_deliver(R.REQUEST_MODE, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kMaxRow, 6 * (nn + 1));
   }
 }
 

@@ -6,7 +6,7 @@
 #include <array>
 #include <vector>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "support/archive_fixture.hpp"
 #include "support/beam_sections.hpp"
 
@@ -193,7 +193,7 @@ TEST(WallBeamHistory, DeliveredRowsAndResultSet) {
   KernelState& st = k.state();
   for (int r = 1; r <= 96; ++r) {
     const bool formed = r <= 29 || (r >= 46 && r <= 56) || (r >= 73 && r <= 76) || (r >= 85 && r <= 88);
-    EXPECT_EQ(st.line.WBEAM_SIG_OUT(r), formed ? want[static_cast<size_t>(r)] : 0.0) << "set row " << r;
+    EXPECT_EQ(st.line.wall_beam.SIG_OUT(r), formed ? want[static_cast<size_t>(r)] : 0.0) << "set row " << r;
   }
   // Rows 15..18 of the step vector carry the scale words a and b.
   const std::vector<double> d = step_disp(kSteps);
@@ -205,10 +205,10 @@ TEST(WallBeamHistory, DeliveredRowsAndResultSet) {
     s15 += rec.strs[static_cast<size_t>((j - 1) * 72 + 14)] * dj;
     s16 += rec.strs[static_cast<size_t>((j - 1) * 72 + 15)] * dj;
   }
-  EXPECT_EQ(st.line.WBEAM_SIG(15), kA * s15);
-  EXPECT_EQ(st.line.WBEAM_SIG(16), -kB * s16);
-  EXPECT_EQ(st.line.WBEAM_SIG(17), -s4 + kA * s15);
-  EXPECT_EQ(st.line.WBEAM_SIG(18), -s10 - kB * s16);
+  EXPECT_EQ(st.line.wall_beam.SIG(15), kA * s15);
+  EXPECT_EQ(st.line.wall_beam.SIG(16), -kB * s16);
+  EXPECT_EQ(st.line.wall_beam.SIG(17), -s4 + kA * s15);
+  EXPECT_EQ(st.line.wall_beam.SIG(18), -s10 - kB * s16);
   EXPECT_NE(s15, 0.0);
   EXPECT_NE(s16, 0.0);
 }

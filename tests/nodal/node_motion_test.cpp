@@ -124,7 +124,6 @@ TEST(NodeMotion, NodeTransformAndTheSeventhDof) {
     a.history_cases({{2, 1, 2, 0, 0}});
     numbered_direct(a, 30, 2);
     a.node_records({{{1, 2, 3, 4, 5, 6, 7}, up}}, flag);
-    if (flag) a.writer().second().add("MTKM", 3, 2, 1);
     a.write();
     Kernel k;
     auto r = k.run(a.request(9, 1, 2)).values;

@@ -5,7 +5,7 @@
 #include <array>
 #include <cmath>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 
 namespace respcore {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "recovery/shape_library.hpp"
 
 namespace respcore {
