@@ -104,8 +104,15 @@ class RESPCORE_API ArchiveFile {
   // An entry as given, pointing wherever the caller says (for broken files).
   void add_raw_entry(std::string_view tag, int32_t serial, int64_t first, int64_t last,
                      int32_t reclen_words);
+  void add_raw_entry(const SectionName& name, int32_t serial, int64_t first, int64_t last,
+                     int32_t reclen_words) {
+    add_raw_entry(std::string_view(name.tag, 4), serial, first, last, reclen_words);
+  }
 
   Section* find(std::string_view tag, int32_t serial);
+  Section* find(const SectionName& name, int32_t serial) {
+    return find(std::string_view(name.tag, 4), serial);
+  }
 
   // Lays the file out: directory blocks first (as many as the entries need,
   // chained), then each section at the first record of its own length that

@@ -61,10 +61,10 @@ TEST(DirectoryLookup, FindsSectionsAndReadsTheirRecords) {
   TempDir dir;
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
-  Section& s = f.add("TRUS", 3, 6, 4);
+  Section& s = f.add(sections::TRUS, 3, 6, 4);
   for (int r = 1; r <= 4; ++r) s.put_f64(r, 0, 10.0 * r);
-  f.add("TRUS", 4, 2, 1).put_f64(1, 0, -1.0);
-  Section& one = f.add("BEAM", 3, 2, 1);
+  f.add(sections::TRUS, 4, 2, 1).put_f64(1, 0, -1.0);
+  Section& one = f.add(sections::BEAM, 3, 2, 1);
   one.put_f64(1, 0, 7.5);
   f.write(path);
 
@@ -98,7 +98,7 @@ TEST(DirectoryLookup, MissingSectionIsSilentAndZeroesTheOutputs) {
   TempDir dir;
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
-  f.add("TRUS", 3, 6, 4);
+  f.add(sections::TRUS, 3, 6, 4);
   f.write(path);
   KernelState K;
   Lookup r = plain(K, path, "BEAM", 3);
@@ -145,7 +145,7 @@ TEST(DirectoryLookup, BadRequestsAreRefusedWithTheErrorLine) {
   TempDir dir;
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
-  f.add("TRUS", 3, 6, 1);
+  f.add(sections::TRUS, 3, 6, 1);
   f.write(path);
   KernelState K;
   Lookup r = plain(K, path, "HEAD", 1);
@@ -173,7 +173,7 @@ TEST(DirectoryLookup, MissingFileAndBrokenDirectories) {
 
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
-  f.add("TRUS", 3, 6, 1);
+  f.add(sections::TRUS, 3, 6, 1);
   const auto good = f.build();
   auto write_variant = [&](const std::string& name, size_t off, const void* bytes, size_t n,
                            size_t keep = 0) {

@@ -27,7 +27,7 @@ TEST(SectionAccess, FoundIsZeroOnlyForAMissingSection) {
   TempDir dir;
   const std::string base = dir.file("m");
   ArchiveWriter w(base, "Y.J.P");
-  w.second().add("THIF", 3, 5, 2).put_i32(2, 0, 77);
+  w.second().add(sections::THIF, 3, 5, 2).put_i32(2, 0, 77);
   w.write();
   KernelState K;
   set_base(K, base, "Y.J.P");
@@ -95,7 +95,7 @@ TEST(SectionAccess, DirectFileDigits) {
   TempDir dir;
   const std::string base = dir.file("m");
   ArchiveWriter w(base, "H.N.Q");
-  for (int n : {9, 10}) w.direct(n).add("DMED", 1, 2, 3).put_f64(3, 0, n);
+  for (int n : {9, 10}) w.direct(n).add(sections::DMED, 1, 2, 3).put_f64(3, 0, n);
   w.write();
   KernelState K;
   set_base(K, base, "H.N.Q");
@@ -139,7 +139,7 @@ TEST(SectionAccess, TheFirstFileDecidesTheForm) {
 
   ArchiveWriter w(base, "P.R.W", DirectoryForm::Wide);
   w.first();
-  w.second().add("THIF", 3, 5, 1).put_i32(1, 0, 5);
+  w.second().add(sections::THIF, 3, 5, 1).put_i32(1, 0, 5);
   w.write();
   close_all_units(K.units);  // a new call
   FIND_READING_RESULT_METHOD(K.reader());
@@ -166,14 +166,14 @@ TEST(SectionAccess, ElementMaterial) {
   TempDir dir;
   const std::string base = dir.file("m");
   ArchiveWriter w(base);
-  Section& elmt = w.second().add("ELMT", 3, 4, 3);
+  Section& elmt = w.second().add(sections::ELMT, 3, 4, 3);
   elmt.put_i32(1, 0, 7);
   elmt.put_i32(2, 0, 9);
   elmt.put_i32(3, 0, 8);
   std::vector<std::vector<double>> matl = {
       {7, 2.0e5, 0.3, 1, 1, 2, 3, 4, 5, 6, 7, 8, 9},
       {9, 7.0e4, 0.25, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0.5}};
-  w.second().add_f64_rows("MATL", 3, matl, 14);
+  w.second().add_f64_rows(sections::MATL, 3, matl, 14);
   w.write();
   KernelState K;
   set_base(K, base);

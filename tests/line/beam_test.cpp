@@ -409,7 +409,7 @@ TEST(BeamHistory, ShortOrCorruptRecordsGiveZerosWithoutFailing) {
   ArchiveFixture a;
   direct_case(a, 12, 2);
   // A section whose records are too short for a beam record.
-  Section& s = a.writer().second().add("BEAM", 3, 200, 2);
+  Section& s = a.writer().second().add(sections::BEAM, 3, 200, 2);
   s.put_f64s(1, 0, std::vector<double>(100, 1.12));
   a.write();
   Kernel k;

@@ -265,7 +265,7 @@ TEST(WallBeamHistory, SupportMotionKeepsTheWarpingRows) {
 TEST(WallBeamHistory, ShortRecordGivesZeros) {
   ArchiveFixture a;
   wall_case(a, 2);
-  Section& s = a.writer().second().add("WBMM", 3, 2 * 1000, 1);
+  Section& s = a.writer().second().add(sections::WBMM, 3, 2 * 1000, 1);
   s.put_f64s(1, 0, std::vector<double>(1000, 1.14));
   a.write();
   Kernel k;

@@ -44,10 +44,10 @@ struct HighModel {
 
   void write(const Field& u, int nsteps) {
     model.write_common(a, u, nsteps);
-    a.writer().second().add_f64_rows("PSOH", 3, records);
+    a.writer().second().add_f64_rows(sections::PSOH, 3, records);
     std::vector<std::vector<double>> cord;
     for (const V3& x : model.nodes) cord.push_back({x[0], x[1], x[2]});
-    a.writer().second().add_f64_rows("CORD", 3, cord);
+    a.writer().second().add_f64_rows(sections::CORD, 3, cord);
     a.write();
   }
 
