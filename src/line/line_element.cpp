@@ -131,14 +131,113 @@ void step_product(Sig SIG, Strs STRS, Disp D, int64_t s, int64_t nrows, int64_t 
   }
 }
 
+// What an element's record holds beside its matrix.
+struct LineRecord {
+  int32_t NEQ = 0, NROW = 0;
+  int32_t nodes[2] = {};
+  double factor = 1.0;  // the element factor (beam)
+  double a = 0.0, b = 0.0;  // the scale words (wall beam)
+};
+
+// Reads record SERIAL into SA and decodes its counts, LM, the node pair and
+// the words behind the matrix.
+LineRecord read_record(const LineLayout& T, ArchiveReader A, LineElementArrays& E, int32_t ID,
+                       int32_t serial) {
+  Vec<double>& SA = E.SA;
+  A.read_f64(A.find(T.record, ID), serial, SA.ref(), T.words);
+  LineRecord rec;
+  // The counts share their words with the node numbers when the record is
+  // full; with fewer equations the node pair moves up behind the matrix.
+  rec.NEQ = packed_count(SA(T.neq_word));
+  rec.NROW = packed_count(SA(T.nrow_word));
+  for (int32_t i = 1; i <= rec.NEQ; ++i) E.LM(i) = trunc_i32(SA(i));
+  const int64_t behind = int64_t{rec.NEQ} * (int64_t{rec.NROW} + 1);
+  rec.nodes[0] = trunc_i32(SA(behind + 1));
+  rec.nodes[1] = trunc_i32(SA(behind + 2));
+  if (T.element_factor) rec.factor = SA(T.words);
+  if (T.scale_words) {
+    rec.a = SA(behind + 3);
+    rec.b = SA(behind + 4);
+  }
+  return rec;
+}
+
+// The matrix, column by column, NROW values per column, and the factor words
+// of the step vector, saved to be put back after each step's product.
+void unpack_matrix(const LineLayout& T, LineElementArrays& E, const LineRecord& rec) {
+  Mat<double>& STRS = E.STRS;
+  STRS.fill(0.0);
+  for (int32_t j = 1; j <= rec.NEQ; ++j) {
+    for (int32_t r = 1; r <= rec.NROW; ++r) {
+      STRS(r, j) = E.SA(int64_t{rec.NEQ} + int64_t{j - 1} * rec.NROW + r);
+    }
+  }
+  E.SIG.fill(0.0);
+  for (const FactorBlock& f : T.factors) {
+    for (int64_t r = f.first; r <= f.last; ++r) E.SIG(r) = STRS(r, f.column);
+  }
+  for (int64_t r = 1; r <= T.saved; ++r) E.SIG_SAVE(r) = E.SIG(T.kept + r);
+}
+
+// The delivered rows of step S into COL, from the product of the element's
+// matrix with the step's displacements. INIT: the element's initial end
+// forces, or none; SCALED: the element factor applies.
+void step_rows(const LineLayout& T, LineElementArrays& E, const LineRecord& rec,
+               Mat<double>& DISP_EQ, int64_t s, const double* init, bool scaled, double* col) {
+  Vec<double>& SIG = E.SIG;
+  const RawVec<double> sig = SIG.raw();
+  const RawVec<double> out = E.SIG_OUT.raw();
+  std::fill(SIG.data(), SIG.data() + T.kept, 0.0);
+  // Product rows behind the kept ones land on the factors and are thrown
+  // away when the factors are put back, so only the kept rows need forming
+  // when the record's counts fit the declared arrays; otherwise the product
+  // runs over every row, through the checked subscripts. Every other
+  // subscript of the step lies within the arrays.
+  if (rec.NEQ >= 0 && rec.NEQ <= T.dof && rec.NROW >= 0 && rec.NROW <= T.rows)
+    step_product(sig, E.STRS.raw(), DISP_EQ.raw(), s, std::min(rec.NROW, T.kept), rec.NEQ);
+  else
+    step_product(SIG.ref(), E.STRS.ref(), DISP_EQ.ref(), s, rec.NROW, rec.NEQ);
+  // The axis change must always meet the stored factors.
+  std::copy(E.SIG_SAVE.data(), E.SIG_SAVE.data() + T.saved, SIG.data() + T.kept);
+  T.axis_change(SIG.ref());
+  if (T.scale_words) {
+    // Rows 15..18 from the scale words, with the values of rows 15 and 16
+    // before the change on the right.
+    const double s15 = sig(15);
+    const double s16 = sig(16);
+    sig(15) = rec.a * s15;
+    sig(16) = -rec.b * s16;
+    sig(17) = -sig(4) + rec.a * s15;
+    sig(18) = -sig(10) - rec.b * s16;
+  }
+
+  // End i and end j do not share a sign convention.
+  for (int32_t k = 1; k <= T.kept; ++k) out(k) = sig(k);
+  for (const int32_t k : T.negated) out(k) = -out(k);
+  if (init != nullptr) {
+    for (int32_t k = 1; k <= T.dof; ++k) out(k) = out(k) + init[k - 1];
+  }
+  // The element factor scales the initial forces as well.
+  if (scaled) {
+    for (int32_t k = 1; k <= T.dof; ++k) out(k) = out(k) * rec.factor;
+  }
+  for (const StressRow& t : T.stress) {
+    double f = out(t.force);
+    if (t.negate) f = -f;
+    out(t.out) = f * sig(t.factor);
+  }
+  for (const CornerRow& c : T.corners) {
+    double v = out(c.terms[0]) + out(c.terms[1]);
+    for (int i = 2; i < 4 && c.terms[i] != 0; ++i) v += out(c.terms[i]);
+    out(c.out) = v;
+  }
+  for (int32_t k = 0; k < kLineRows; ++k) col[k] = out(T.delivered[static_cast<size_t>(k)]);
+}
+
 void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, NodalMotion& M,
                   InactiveTables& IT, LineState& L, Tdsp& TDSP, ItemList INUM_SERIAL) {
   LineElementArrays& E = L.*T.arrays;
-  Vec<double>& SA = E.SA;
-  Vec<int32_t>& LM = E.LM;
-  Mat<double>& STRS = E.STRS;
-  Vec<double>& SIG = E.SIG;
-  const bool hnq = T.element_factor && product_is(A.state, "H.N.Q");
+  const bool scaled = T.element_factor && product_is(A.state, "H.N.Q");
 
   // DISP_EQUATION is asked for no node-axis copy, so it needs no storage.
   Mat<double> DISP_EQ("DISP_EQ", T.dof, R.NUM_STEPS);
@@ -151,96 +250,14 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
   for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
     const int32_t serial = INUM_SERIAL(p);
-    A.read_f64(A.find(T.record, ID), serial, SA.ref(), T.words);
-
-    // The counts share their words with the node numbers when the record is
-    // full; with fewer equations the node pair moves up behind the matrix.
-    const int32_t NEQ = packed_count(SA(T.neq_word));
-    const int32_t NROW = packed_count(SA(T.nrow_word));
-    for (int32_t i = 1; i <= NEQ; ++i) LM(i) = trunc_i32(SA(i));
-    const int64_t behind = int64_t{NEQ} * (int64_t{NROW} + 1);
-    int32_t nodes[2] = {trunc_i32(SA(behind + 1)), trunc_i32(SA(behind + 2))};
-    VecRef<int32_t> IIA(nodes, 2, "IIA");
-    const double factor = T.element_factor ? SA(T.words) : 1.0;
-    double a = 0.0, b = 0.0;
-    if (T.scale_words) {
-      a = SA(behind + 3);
-      b = SA(behind + 4);
-    }
-
-    DISP_EQUATION(M, T.dof, DISP_EQ.ref(), DISP_NO, NEQ, LM.ref(), IIA, 2, 1);
-    line_detail::remove_initial_state(R, A, IT, T.inactive_kind, serial, NEQ, LM.ref(),
+    LineRecord rec = read_record(T, A, E, ID, serial);
+    VecRef<int32_t> IIA(rec.nodes, 2, "IIA");
+    DISP_EQUATION(M, T.dof, DISP_EQ.ref(), DISP_NO, rec.NEQ, E.LM.ref(), IIA, 2, 1);
+    line_detail::remove_initial_state(R, A, IT, T.inactive_kind, serial, rec.NEQ, E.LM.ref(),
                                       E.DISP_INIT, DISP_EQ);
-
-    // The matrix, column by column, NROW values per column.
-    STRS.fill(0.0);
-    for (int32_t j = 1; j <= NEQ; ++j) {
-      for (int32_t r = 1; r <= NROW; ++r) {
-        STRS(r, j) = SA(int64_t{NEQ} + int64_t{j - 1} * NROW + r);
-      }
-    }
-    // The factor words, saved to be put back after each step's product.
-    SIG.fill(0.0);
-    for (const FactorBlock& f : T.factors) {
-      for (int64_t r = f.first; r <= f.last; ++r) SIG(r) = STRS(r, f.column);
-    }
-    for (int64_t r = 1; r <= T.saved; ++r) E.SIG_SAVE(r) = SIG(T.kept + r);
-
-    // Product rows behind the kept ones land on the factors and are thrown
-    // away when the factors are put back, so only the kept rows need forming
-    // when the record's counts fit the declared arrays; otherwise the product
-    // runs over every row, through the checked subscripts.
-    const bool fits = NEQ >= 0 && NEQ <= T.dof && NROW >= 0 && NROW <= T.rows;
-    const int32_t nkept = std::min(NROW, T.kept);
-    // Every other subscript of the step lies within the arrays.
-    const RawVec<double> sig = SIG.raw();
-    const RawVec<double> out = E.SIG_OUT.raw();
+    unpack_matrix(T, E, rec);
     const double* init = has_initial ? RST_INITIAL.col(p) : nullptr;
-
-    for (int64_t s = 1; s <= R.NUM_STEPS; ++s) {
-      std::fill(SIG.data(), SIG.data() + T.kept, 0.0);
-      if (fits)
-        step_product(sig, STRS.raw(), DISP_EQ.raw(), s, nkept, NEQ);
-      else
-        step_product(SIG.ref(), STRS.ref(), DISP_EQ.ref(), s, NROW, NEQ);
-      // The axis change must always meet the stored factors.
-      std::copy(E.SIG_SAVE.data(), E.SIG_SAVE.data() + T.saved, SIG.data() + T.kept);
-      T.axis_change(SIG.ref());
-      if (T.scale_words) {
-        // Rows 15..18 from the scale words, with the values of rows 15 and 16
-        // before the change on the right.
-        const double s15 = sig(15);
-        const double s16 = sig(16);
-        sig(15) = a * s15;
-        sig(16) = -b * s16;
-        sig(17) = -sig(4) + a * s15;
-        sig(18) = -sig(10) - b * s16;
-      }
-
-      // End i and end j do not share a sign convention.
-      for (int32_t k = 1; k <= T.kept; ++k) out(k) = sig(k);
-      for (const int32_t k : T.negated) out(k) = -out(k);
-      if (init != nullptr) {
-        for (int32_t k = 1; k <= T.dof; ++k) out(k) = out(k) + init[k - 1];
-      }
-      // The element factor scales the initial forces as well.
-      if (hnq) {
-        for (int32_t k = 1; k <= T.dof; ++k) out(k) = out(k) * factor;
-      }
-      for (const StressRow& t : T.stress) {
-        double f = out(t.force);
-        if (t.negate) f = -f;
-        out(t.out) = f * sig(t.factor);
-      }
-      for (const CornerRow& c : T.corners) {
-        double v = out(c.terms[0]) + out(c.terms[1]);
-        for (int i = 2; i < 4 && c.terms[i] != 0; ++i) v += out(c.terms[i]);
-        out(c.out) = v;
-      }
-      double* col = SSIG.col(s);
-      for (int32_t k = 0; k < kLineRows; ++k) col[k] = out(T.delivered[static_cast<size_t>(k)]);
-    }
-
+    for (int64_t s = 1; s <= R.NUM_STEPS; ++s) step_rows(T, E, rec, DISP_EQ, s, init, scaled, SSIG.col(s));
     line_detail::deliver_rows(R, TDSP, SSIG, kLineRows, p);
   }
 }
