@@ -95,24 +95,13 @@ TrussRecord truss_record(const FrameModel& model, const Member& m) {
   return rec;
 }
 
-}  // namespace
-
-DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
-  if (opt.num_steps < 1 || !(opt.dt > 0)) throw std::runtime_error("the demo needs steps and a positive step");
-  if (!(opt.damping >= 0 && opt.damping < 1)) throw std::runtime_error("damping must lie in [0, 1)");
-  const FrameModel model = build_frame(opt);
-  const ModalBasis basis = solve_modes(model);
-  const Response resp = modal_response(model, basis, opt);
-  const int N = opt.num_steps;
+// The archive of the analysis: the cases, the modal and the direct storage
+// of the response, the node and element records, the ground motion, the
+// element table and the materials.
+void write_records(ArchiveWriter& w, const FrameModel& model, const ModalBasis& basis,
+                   const Response& resp, int N) {
   const int nm = static_cast<int>(basis.omega.size());
   const int neq = model.num_equations;
-
-  std::error_code ec;
-  std::filesystem::create_directories(dir, ec);
-  if (!std::filesystem::is_directory(dir)) throw std::runtime_error("cannot make directory " + dir);
-  const std::string base = (std::filesystem::path(dir) / opt.base_name).string();
-  ArchiveWriter w(base, "P.R.W");
-
   // First file: the element form of each case.
   w.element_forms(std::vector<int32_t>(kCases, 1));
 
@@ -188,6 +177,26 @@ DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
     w.direct_histories(kDirectFile, eqs, N);
   }
 
+}
+
+}  // namespace
+
+DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
+  if (opt.num_steps < 1 || !(opt.dt > 0)) throw std::runtime_error("the demo needs steps and a positive step");
+  if (!(opt.damping >= 0 && opt.damping < 1)) throw std::runtime_error("damping must lie in [0, 1)");
+  const FrameModel model = build_frame(opt);
+  const ModalBasis basis = solve_modes(model);
+  const Response resp = modal_response(model, basis, opt);
+  const int N = opt.num_steps;
+  const int nm = static_cast<int>(basis.omega.size());
+
+  std::error_code ec;
+  std::filesystem::create_directories(dir, ec);
+  if (!std::filesystem::is_directory(dir)) throw std::runtime_error("cannot make directory " + dir);
+  const std::string base = (std::filesystem::path(dir) / opt.base_name).string();
+  ArchiveWriter w(base, "P.R.W");
+
+  write_records(w, model, basis, resp, N);
   w.write();
 
   DemoSummary sum;
@@ -197,7 +206,7 @@ DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
   sum.columns = model.count(Role::Column);
   sum.beams = model.count(Role::Beam);
   sum.braces = model.count(Role::Brace);
-  sum.equations = neq;
+  sum.equations = model.num_equations;
   sum.modes = nm;
   sum.steps = N;
   sum.dt = opt.dt;

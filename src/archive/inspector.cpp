@@ -55,6 +55,43 @@ class RecordReader {
   std::ifstream in_;
 };
 
+// What is wrong with the head record at WHERE against the first head
+// (identifier, version, file code, entries per block), or nothing.
+std::string head_problem(const DirHead& head, const DirHead& first, const std::string& where) {
+  if (std::memcmp(head.identifier.data(), DIR_IDENTIFIER, 4) != 0) {
+    return where + " starts with '" + show_tag(head.identifier) + "', not 'QVX '";
+  }
+  if (head.version != first.version) {
+    return where + " has version " + fmt_float(head.version) + ", the first " +
+           fmt_float(first.version);
+  }
+  if (head.file_code != first.file_code) {
+    return where + " has file code " + std::to_string(head.file_code) + ", the first " +
+           std::to_string(first.file_code);
+  }
+  if (head.entries != DIR_ENTRIES_PER_BLOCK) {
+    return where + " announces " + std::to_string(head.entries) + " entries, 20 expected";
+  }
+  return {};
+}
+
+// What is wrong with the place of section S in a file of SIZE bytes, or
+// nothing.
+std::string section_problem(const SectionInfo& s, uint64_t size) {
+  const std::string name = "section " + s.tag + "/" + std::to_string(s.serial);
+  if (s.reclen < 1) return name + " has record length " + std::to_string(s.reclen);
+  if (s.first < 1 || s.last < s.first - 1) {
+    return name + " has records " + std::to_string(s.first) + " to " + std::to_string(s.last);
+  }
+  const long double end = static_cast<long double>(s.last) * 4.0L * s.reclen;
+  if (end > static_cast<long double>(size)) {
+    return name + " needs " + std::to_string(static_cast<unsigned long long>(end)) +
+           " bytes (records " + std::to_string(s.first) + " to " + std::to_string(s.last) +
+           " of " + std::to_string(s.reclen) + " words), the file holds " + std::to_string(size);
+  }
+  return {};
+}
+
 // The blocks of the directory from record 1 on, into F; stops at the first
 // fault, which it states.
 void read_directory(FileInspection& f) {
@@ -100,24 +137,8 @@ void read_directory(FileInspection& f) {
       return;
     }
     const DirHead head = decode_head(rec, wide);
-    if (std::memcmp(head.identifier.data(), DIR_IDENTIFIER, 4) != 0) {
-      f.problem = where + " starts with '" + show_tag(head.identifier) + "', not 'QVX '";
-      return;
-    }
-    if (head.version != first.version) {
-      f.problem = where + " has version " + fmt_float(head.version) + ", the first " +
-                  fmt_float(first.version);
-      return;
-    }
-    if (head.file_code != f.file_code) {
-      f.problem = where + " has file code " + std::to_string(head.file_code) + ", the first " +
-                  std::to_string(f.file_code);
-      return;
-    }
-    if (head.entries != DIR_ENTRIES_PER_BLOCK) {
-      f.problem = where + " announces " + std::to_string(head.entries) + " entries, 20 expected";
-      return;
-    }
+    f.problem = head_problem(head, first, where);
+    if (!f.sound()) return;
     ++f.blocks;
     for (int n = 1; n <= DIR_ENTRIES_PER_BLOCK; ++n) {
       const int64_t r = H + n;
@@ -135,23 +156,8 @@ void read_directory(FileInspection& f) {
       s.reclen = e.reclen;
       f.sections.push_back(s);
       if (e.tag == HEAD_TAG) continue;  // the directory's own entry
-      const std::string name = "section " + s.tag + "/" + std::to_string(s.serial);
-      if (s.reclen < 1) {
-        f.problem = name + " has record length " + std::to_string(s.reclen);
-        return;
-      }
-      if (s.first < 1 || s.last < s.first - 1) {
-        f.problem = name + " has records " + std::to_string(s.first) + " to " + std::to_string(s.last);
-        return;
-      }
-      const long double end = static_cast<long double>(s.last) * 4.0L * s.reclen;
-      if (end > static_cast<long double>(size)) {
-        f.problem = name + " needs " + std::to_string(static_cast<unsigned long long>(end)) +
-                    " bytes (records " + std::to_string(s.first) + " to " + std::to_string(s.last) +
-                    " of " + std::to_string(s.reclen) + " words), the file holds " +
-                    std::to_string(size);
-        return;
-      }
+      f.problem = section_problem(s, size);
+      if (!f.sound()) return;
     }
     H = head.next;
   }
