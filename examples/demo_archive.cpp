@@ -186,7 +186,7 @@ DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
   if (!(opt.damping >= 0 && opt.damping < 1)) throw std::runtime_error("damping must lie in [0, 1)");
   const FrameModel model = build_frame(opt);
   const ModalBasis basis = solve_modes(model);
-  const Response resp = modal_response(model, basis, opt);
+  const Response resp = modal_response(basis, opt);
   const int N = opt.num_steps;
   const int nm = static_cast<int>(basis.omega.size());
 

@@ -109,9 +109,10 @@ class VecRef {
   T* data() const { return data_; }
   const char* name() const { return name_; }
 
-  // View of LEN entries starting at subscript START (Fortran's passing of
-  // A(START) to a dummy of extent LEN). The extent is cut to what the parent
-  // holds, so the view can never reach outside the parent's storage.
+  // View of LEN entries starting at subscript START: the part of an array
+  // that a routine is handed to work on as an array of its own. The extent is
+  // cut to what the parent holds, so the view can never reach outside the
+  // parent's storage.
   VecRef sub(int64_t start, int64_t len) const {
     if (start < lo_ || start > hi_) {
       report_bound_failure(name_, start, lo_, hi_);

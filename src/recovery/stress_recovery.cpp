@@ -151,9 +151,7 @@ void STRESS_RECOVERY_SHAPE_SHELL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t 
   for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
 }
 
-void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS,
-                                 int32_t OFFSET) {
-  (void)OFFSET;
+void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS) {
   MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
   for (int32_t p = 1; p <= NPTS; ++p) LINE_SHAPE_1NODE(column(SHAPE, p));
 }

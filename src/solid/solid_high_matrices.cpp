@@ -33,44 +33,19 @@ void CALC_CN_3D(MatRef<double> XL_arg, MatRef<double> XYZ_arg, MatRef<double> T_
   }
 }
 
-void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_arg, double W,
-                   int32_t NDOF) {
-  if (NDOF <= 0) return;
-  // S keeps its own leading dimension: the caller's stiffness is larger than
-  // the element's NDOF for all but the largest element.
-  MatRef<double> S = S_arg;
-  MatRef<double> D = as_shape(D_arg, 6, 6);
-  MatRef<double> B = as_shape(B_arg, 6, NDOF);
-  // DB := D B, then S += W B' DB, column by column.
-  if (S.rows() >= NDOF && S.cols() >= NDOF && B.cols() >= NDOF) {
-    double d[6][6];
-    for (int32_t r = 0; r < 6; ++r)
-      for (int32_t k = 0; k < 6; ++k) d[r][k] = D(r + 1, k + 1);
-    const double* b = B.data();
-    const int64_t lds = S.rows();
-    for (int32_t j = 0; j < NDOF; ++j) {
-      const double* bj = b + 6 * j;
-      double db[6];
-      for (int32_t r = 0; r < 6; ++r) {
-        double x = 0.0;
-        for (int32_t k = 0; k < 6; ++k) x += d[r][k] * bj[k];
-        db[r] = x;
-      }
-      double* sj = S.data() + lds * j;
-      for (int32_t i = 0; i < NDOF; ++i) {
-        const double* bi = b + 6 * i;
-        double x = 0.0;
-        for (int32_t k = 0; k < 6; ++k) x += bi[k] * db[k];
-        sj[i] = sj[i] + W * x;
-      }
-    }
-    return;
-  }
-  double db[6];
+namespace {
+
+// S(i, j) += W * sum over k of B(k, i) (D B)(k, j), column by column.
+template <class Stiff, class Strain>
+void add_btdb(Stiff S, MatRef<double> D, Strain B, double W, int32_t NDOF) {
+  double d[6][6];
+  for (int32_t r = 0; r < 6; ++r)
+    for (int32_t k = 0; k < 6; ++k) d[r][k] = D(r + 1, k + 1);
   for (int32_t j = 1; j <= NDOF; ++j) {
+    double db[6];
     for (int32_t r = 1; r <= 6; ++r) {
       double x = 0.0;
-      for (int32_t k = 1; k <= 6; ++k) x += D(r, k) * B(k, j);
+      for (int32_t k = 1; k <= 6; ++k) x += d[r - 1][k - 1] * B(k, j);
       db[r - 1] = x;
     }
     for (int32_t i = 1; i <= NDOF; ++i) {
@@ -79,6 +54,22 @@ void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_
       S(i, j) = S(i, j) + W * x;
     }
   }
+}
+
+}  // namespace
+
+void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_arg, double W,
+                   int32_t NDOF) {
+  if (NDOF <= 0) return;
+  // S keeps its own leading dimension: the caller's stiffness is larger than
+  // the element's NDOF for all but the largest element.
+  MatRef<double> S = S_arg;
+  MatRef<double> D = as_shape(D_arg, 6, 6);
+  MatRef<double> B = as_shape(B_arg, 6, NDOF);
+  if (S.holds(NDOF, NDOF) && B.holds(6, NDOF))
+    add_btdb(S.raw(), D, B.raw(), W, NDOF);
+  else
+    add_btdb(S, D, B, W, NDOF);
 }
 
 void SOL_STRESS_HIGH(MatRef<double> STR, MatRef<double> D_arg, MatRef<double> B_arg,

@@ -1,6 +1,6 @@
 // Beam histories through the whole request: archives written with the
-// writer, requests through the kernel, rows checked against the documented
-// composition table, hand-formed stress rows, and the physics of a prismatic
+// writer, requests through the kernel, rows checked against the composition
+// of the axis change and the sign pattern, hand-formed stress rows, and the physics of a prismatic
 // member whose recovery matrix is its own local stiffness.
 #include <gtest/gtest.h>
 
@@ -58,7 +58,7 @@ std::vector<EquationHistory> equation_histories(int neq, int nsteps) {
   return eqs;
 }
 
-// The expected rows of one step, formed from the documented tables: the
+// The expected rows of one step: the
 // composition of the axis change and the sign pattern, the factors in terms
 // of the stored matrix, and the stress and corner formulas.
 Rows expected_rows(const std::vector<double>& strs, int nrow, int neq, const std::vector<double>& d,

@@ -1,5 +1,5 @@
 // Wall beam histories through the whole request: the delivered rows against
-// the documented tables (sign changes, scale-word rows, warping stresses of
+// the wall beam's rules (sign changes, scale-word rows, warping stresses of
 // both ends, corners), and the step's full result set as the kernel leaves it.
 #include <gtest/gtest.h>
 
@@ -47,7 +47,7 @@ std::vector<double> step_disp(int s) {
   return d;
 }
 
-// The result set of one step, from the documented tables.
+// The result set of one step, by the wall beam's rules.
 Set expected_set(const std::vector<double>& strs, const std::vector<double>& d,
                  const double* init = nullptr) {
   auto S = [&](int r, int c) { return strs[static_cast<size_t>((c - 1) * 72 + r - 1)]; };
