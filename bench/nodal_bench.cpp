@@ -21,6 +21,8 @@ namespace {
 using namespace respcore;
 
 using respcore::bench::bench_dir;
+using respcore::bench::history_request;
+using respcore::bench::run_each_iteration;
 using respcore::bench::snapshot_request;
 
 // A node with equations 1..6 over NSTEPS direct steps.
@@ -55,13 +57,7 @@ NodeArchive make_node_archive(int32_t nsteps) {
 void BM_NodeHistory_Kernel(benchmark::State& st) {
   static NodeArchive a = make_node_archive(100000);
   Kernel k;
-  Request q;
-  q.base = a.base;
-  q.elem_type = 9;
-  q.result_comp = 2;
-  q.num_steps = a.nsteps;
-  q.serials = {1};
-  q.elements = {1};
+  const Request q = history_request(a.base, 9, 2, a.nsteps);
   // As a post-processor calls it: into its own array, kept between calls.
   std::vector<double> out(static_cast<size_t>(a.nsteps));
   for (auto _ : st) {
@@ -148,12 +144,7 @@ TrussArchive& truss_archive() {
 
 void BM_Trusses_Kernel(benchmark::State& st) {
   TrussArchive& a = truss_archive();
-  Kernel k;
-  const Request q = snapshot_request(a.base, 12, 1, a.n, 7);
-  for (auto _ : st) {
-    auto r = k.run(q);
-    benchmark::DoNotOptimize(r.values.data());
-  }
+  run_each_iteration(st, snapshot_request(a.base, 12, 1, a.n, 7));
   st.SetItemsProcessed(st.iterations() * a.n);
 }
 BENCHMARK(BM_Trusses_Kernel)->Unit(benchmark::kMillisecond);
@@ -196,18 +187,7 @@ void BM_NodeMillionSteps_PeakMemory(benchmark::State& st) {
     waitpid(pid, &status, 0);
     return na;
   }();
-  Kernel k;
-  Request q;
-  q.base = a.base;
-  q.elem_type = 9;
-  q.result_comp = 1;
-  q.num_steps = a.nsteps;
-  q.serials = {1};
-  q.elements = {1};
-  for (auto _ : st) {
-    auto r = k.run(q);
-    benchmark::DoNotOptimize(r.values.data());
-  }
+  run_each_iteration(st, history_request(a.base, 9, 1, a.nsteps));
   rusage ru{};
   getrusage(RUSAGE_SELF, &ru);
   st.counters["peak_MB"] = static_cast<double>(ru.ru_maxrss) / 1024.0;

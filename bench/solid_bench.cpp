@@ -20,6 +20,8 @@ namespace {
 using namespace respcore;
 
 using respcore::bench::bench_dir;
+using respcore::bench::history_request;
+using respcore::bench::run_each_iteration;
 using respcore::bench::snapshot_request;
 
 // Offset of record REC of SEC in its file.
@@ -89,18 +91,7 @@ HexArchive& hex_archive() {
 
 void BM_Hex20History_Kernel(benchmark::State& st) {
   HexArchive& a = hex_archive();
-  Kernel k;
-  Request q;
-  q.base = a.base;
-  q.elem_type = 8;
-  q.result_comp = 61;  // centre, xx
-  q.num_steps = a.nsteps;
-  q.serials = {1};
-  q.elements = {1};
-  for (auto _ : st) {
-    auto r = k.run(q);
-    benchmark::DoNotOptimize(r.values.data());
-  }
+  run_each_iteration(st, history_request(a.base, 8, 61, a.nsteps));  // centre, xx
   st.SetItemsProcessed(st.iterations() * a.nsteps);
 }
 BENCHMARK(BM_Hex20History_Kernel)->Unit(benchmark::kMillisecond);
@@ -200,12 +191,8 @@ BlockArchive& block_archive() {
 
 void BM_Hex8Snapshot_Kernel(benchmark::State& st) {
   BlockArchive& a = block_archive();
-  Kernel k;
-  const Request q = snapshot_request(a.base, 4, 4, a.n, 7);  // xx at the centre and the nodes
-  for (auto _ : st) {
-    auto r = k.run(q);
-    benchmark::DoNotOptimize(r.values.data());
-  }
+  // xx at the centre and the nodes
+  run_each_iteration(st, snapshot_request(a.base, 4, 4, a.n, 7));
   st.SetItemsProcessed(st.iterations() * a.n);
 }
 BENCHMARK(BM_Hex8Snapshot_Kernel)->Unit(benchmark::kMillisecond);

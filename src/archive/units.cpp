@@ -124,24 +124,29 @@ int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, i
   return n_ok;
 }
 
-bool read_f64(UnitTable& U, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n) {
+namespace {
+
+// N values of record REC into DST(1..N); what does not fit DST is dropped
+// with a bound report.
+template <class T>
+bool read_values(UnitTable& U, int32_t unit, int64_t rec, VecRef<T> dst, int64_t n) {
   if (n <= 0) return read_record(U, unit, rec, nullptr, 0);
-  std::vector<double> tmp(static_cast<size_t>(checked_count(sizeof(double), n)));
-  if (!read_record(U, unit, rec, tmp.data(), n * 8)) return false;
+  std::vector<T> tmp(static_cast<size_t>(checked_count(sizeof(T), n)));
+  if (!read_record(U, unit, rec, tmp.data(), n * static_cast<int64_t>(sizeof(T)))) return false;
   const int64_t fit = std::min<int64_t>(n, dst.size());
-  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(double));
+  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(T));
   if (fit < n) report_bound_failure(dst.name(), dst.lo() + fit, dst.lo(), dst.hi());
   return true;
 }
 
+}  // namespace
+
+bool read_f64(UnitTable& U, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n) {
+  return read_values(U, unit, rec, dst, n);
+}
+
 bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int64_t n) {
-  if (n <= 0) return read_record(U, unit, rec, nullptr, 0);
-  std::vector<int32_t> tmp(static_cast<size_t>(checked_count(sizeof(int32_t), n)));
-  if (!read_record(U, unit, rec, tmp.data(), n * 4)) return false;
-  const int64_t fit = std::min<int64_t>(n, dst.size());
-  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(int32_t));
-  if (fit < n) report_bound_failure(dst.name(), dst.lo() + fit, dst.lo(), dst.hi());
-  return true;
+  return read_values(U, unit, rec, dst, n);
 }
 
 void close_all_units(UnitTable& U) {

@@ -16,6 +16,15 @@ double row(const double (&table)[R], int32_t ipt, const char* name) {
   return table_entry(table, ipt, name);
 }
 
+// The natural coordinates of row IPT of a solid's three tables.
+struct Point3 {
+  double x, y, z;
+};
+template <size_t R>
+Point3 point(const double (&X)[R], const double (&Y)[R], const double (&Z)[R], int32_t ipt) {
+  return Point3{row(X, ipt, "XII"), row(Y, ipt, "ETA"), row(Z, ipt, "ZETA")};
+}
+
 // Corner signs of the unit cell, in element order.
 constexpr const auto& kQuadSx = gauss::CORNER_S;
 constexpr const auto& kQuadSy = gauss::CORNER_T;
@@ -175,9 +184,7 @@ void SOLID_SHAPE_8NODES(VecRef<double> N, int32_t IPT) {
 }
 
 void SOLID_SHAPE_10NODES(VecRef<double> N, int32_t IPT) {
-  const double x = row(TET10_XII, IPT, "XII");
-  const double y = row(TET10_ETA, IPT, "ETA");
-  const double z = row(TET10_ZETA, IPT, "ZETA");
+  const auto [x, y, z] = point(TET10_XII, TET10_ETA, TET10_ZETA, IPT);
   const double a = S5 * (x - A4);
   const double b = S5 * (y - A4);
   const double c = S5 * (z - A4);
@@ -189,9 +196,7 @@ void SOLID_SHAPE_10NODES(VecRef<double> N, int32_t IPT) {
 }
 
 void SOLID_SHAPE_6NODES(VecRef<double> N, int32_t IPT) {
-  const double x = row(WEDGE6_XII, IPT, "XII");
-  const double y = row(WEDGE6_ETA, IPT, "ETA");
-  const double z = row(WEDGE6_ZETA, IPT, "ZETA");
+  const auto [x, y, z] = point(WEDGE6_XII, WEDGE6_ETA, WEDGE6_ZETA, IPT);
   const double a = 2.0 * (x - Q);
   const double b = 2.0 * (y - Q);
   const double d = 2.0 * (1.0 - x - y - Q);
@@ -214,9 +219,7 @@ void SOLID_SHAPE_5NODES(VecRef<double> N, int32_t IPT) {
 }
 
 void SOLID_SHAPE_15NODES_LINEAR(VecRef<double> N, int32_t IPT) {
-  const double x = row(WEDGE15_XII, IPT, "XII");
-  const double y = row(WEDGE15_ETA, IPT, "ETA");
-  const double z = row(WEDGE15_ZETA, IPT, "ZETA");
+  const auto [x, y, z] = point(WEDGE15_XII, WEDGE15_ETA, WEDGE15_ZETA, IPT);
   const double a = 2.0 * (x - Q);
   const double b = 2.0 * (y - Q);
   const double d = 1.0 - a - b;
@@ -245,9 +248,7 @@ void SOLID_SHAPE_15NODES_LINEAR(VecRef<double> N, int32_t IPT) {
 // Direct form: linear over the triangle of the 3-point rule, quadratic
 // through the three thickness points.
 void SOLID_SHAPE_15NODES(VecRef<double> N, int32_t IPT) {
-  const double x = row(WEDGE15_XII, IPT, "XII");
-  const double y = row(WEDGE15_ETA, IPT, "ETA");
-  const double z = row(WEDGE15_ZETA, IPT, "ZETA");
+  const auto [x, y, z] = point(WEDGE15_XII, WEDGE15_ETA, WEDGE15_ZETA, IPT);
   const double a = 2.0 * (x - Q);
   const double b = 2.0 * (y - Q);
   const double d = 1.0 - a - b;

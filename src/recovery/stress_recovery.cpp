@@ -76,79 +76,61 @@ void STRESS_RECOVERY_PLANE(VecRef<double> VALUE_NODAL, VecRef<double> VALUE_GAUS
   recover(STRESS_RECOVERY_SHAPE_PLANE, VALUE_NODAL, VALUE_GAUSS, NC, NGP, NPTS, WITHCENTRE);
 }
 
-void STRESS_RECOVERY_SHAPE_SOLID(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS,
-                                 int32_t OFFSET) {
-  MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
-  void (*fn)(VecRef<double>, int32_t) = nullptr;
+namespace {
+
+// The weights of one result point at table row IPT; the one-point shapes
+// take no row.
+using PointShape = void (*)(VecRef<double>, int32_t);
+
+PointShape solid_shape(int32_t NGP, int32_t NPTS) {
   switch (NGP) {
-    case 1:
-      for (int32_t p = 1; p <= NPTS; ++p) SOLID_SHAPE_4NODES(column(SHAPE, p));
-      return;
-    case 4:
-      fn = SOLID_SHAPE_10NODES;
-      break;
-    case 6:
-      fn = SOLID_SHAPE_6NODES;
-      break;
-    case 8:
-      fn = (NPTS == 9) ? SOLID_SHAPE_8NODES : SOLID_SHAPE_5NODES;
-      break;
-    case 9:
-      fn = SOLID_SHAPE_15NODES_LINEAR;
-      break;
-    case 27:
-      fn = (NPTS == 21) ? SOLID_SHAPE_20NODES_LINEAR : SOLID_SHAPE_13NODES;
-      break;
-    default:
-      return;
+    case 1: return [](VecRef<double> N, int32_t) { SOLID_SHAPE_4NODES(N); };
+    case 4: return SOLID_SHAPE_10NODES;
+    case 6: return SOLID_SHAPE_6NODES;
+    case 8: return NPTS == 9 ? SOLID_SHAPE_8NODES : SOLID_SHAPE_5NODES;
+    case 9: return SOLID_SHAPE_15NODES_LINEAR;
+    case 27: return NPTS == 21 ? SOLID_SHAPE_20NODES_LINEAR : SOLID_SHAPE_13NODES;
+    default: return nullptr;
   }
+}
+
+// The shell differs from the plane only in its 4 points: the 4-node
+// quadrilateral for NPTS 4, the 8-node quadrilateral's reduced form
+// otherwise.
+PointShape plane_shape(int32_t NGP, int32_t NPTS, bool shell) {
+  switch (NGP) {
+    case 1: return [](VecRef<double> N, int32_t) { PLANE_SHAPE_3NODES(N); };
+    case 3: return PLANE_SHAPE_6NODES;
+    case 4: return shell && NPTS != 4 ? PLANE_SHAPE_8NODES_REDUCED : PLANE_SHAPE_4NODES;
+    case 9: return PLANE_SHAPE_8NODES_LINEAR;
+    default: return nullptr;
+  }
+}
+
+// Column P of SHAPE(NGP, NPTS) from row P + OFFSET; an unknown shape leaves
+// SHAPE as it is.
+void fill_columns(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS, int32_t OFFSET,
+                  PointShape fn) {
+  MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
+  if (fn == nullptr) return;
   for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
 }
 
-void STRESS_RECOVERY_SHAPE_PLANE(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS,
+}  // namespace
+
+void STRESS_RECOVERY_SHAPE_SOLID(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS,
                                  int32_t OFFSET) {
-  MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
-  void (*fn)(VecRef<double>, int32_t) = nullptr;
-  switch (NGP) {
-    case 1:
-      for (int32_t p = 1; p <= NPTS; ++p) PLANE_SHAPE_3NODES(column(SHAPE, p));
-      return;
-    case 3:
-      fn = PLANE_SHAPE_6NODES;
-      break;
-    case 4:
-      fn = PLANE_SHAPE_4NODES;
-      break;
-    case 9:
-      fn = PLANE_SHAPE_8NODES_LINEAR;
-      break;
-    default:
-      return;
-  }
-  for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
+  fill_columns(SHAPE, NGP, NPTS, OFFSET, solid_shape(NGP, NPTS));
 }
 
-void STRESS_RECOVERY_SHAPE_SHELL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS,
+void STRESS_RECOVERY_SHAPE_PLANE(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS,
                                  int32_t OFFSET) {
-  MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
-  void (*fn)(VecRef<double>, int32_t) = nullptr;
-  switch (NGP) {
-    case 1:
-      for (int32_t p = 1; p <= NPTS; ++p) PLANE_SHAPE_3NODES(column(SHAPE, p));
-      return;
-    case 3:
-      fn = PLANE_SHAPE_6NODES;
-      break;
-    case 4:
-      fn = (NPTS == 4) ? PLANE_SHAPE_4NODES : PLANE_SHAPE_8NODES_REDUCED;
-      break;
-    case 9:
-      fn = PLANE_SHAPE_8NODES_LINEAR;
-      break;
-    default:
-      return;
-  }
-  for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
+  fill_columns(SHAPE, NGP, NPTS, OFFSET, plane_shape(NGP, NPTS, false));
+}
+
+void STRESS_RECOVERY_SHAPE_SHELL(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS,
+                                 int32_t OFFSET) {
+  fill_columns(SHAPE, NGP, NPTS, OFFSET, plane_shape(NGP, NPTS, true));
 }
 
 void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS) {

@@ -150,15 +150,9 @@ void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
 
     // 4. The steps.
     const int32_t npts = nn + 1;
-    if (R.REQUEST_MODE == 1) {
-      solid_history_row(C, R.RESULT_COMP, TDSP, layout, nodal.ref(), kOutRows, neq, DISP_EQ.ref(), TT.ref(), nn,
-                        AXIS_FLAG, kMaxDof + 6 * npts, kStrainRow0, 6 * npts);
-      continue;
-    }
-    solid_product(SIG.ref(), nodal.ref(), kOutRows, neq, DISP_EQ.ref());
-    solid_steps(C, layout, SIG.ref(), STRAIN_GLOBAL_TIME.ref(), TT.ref(), nn, AXIS_FLAG);
-    solid_deliver(R.REQUEST_MODE, TDSP, p, SIG.ref(), kMaxDof + 6 * npts, STRAIN_GLOBAL_TIME.ref(),
-                  kStrainRow0, 6 * npts);
+    solid_element_rows(C, R, TDSP, p, layout, nodal.ref(), kOutRows, neq, DISP_EQ.ref(), TT.ref(),
+                       nn, AXIS_FLAG, kMaxDof + 6 * npts, kStrainRow0, 6 * npts, SIG.ref(),
+                       STRAIN_GLOBAL_TIME.ref());
   }
 }
 

@@ -114,6 +114,15 @@ int32_t clamp_nodes(int32_t NN) {
   return NN < 0 ? 0 : (NN > SOLID_HIGH_MAX_NODE ? SOLID_HIGH_MAX_NODE : NN);
 }
 
+// The element-axis coordinates XL of the NN nodes and the element's elastic
+// matrix D.
+void element_setup(SolidContext& C, int32_t nn, MatRef<double> XYZ, MatRef<double> T,
+                   MatRef<double> XL, MatRef<double> D) {
+  CALC_CN_3D(XL, XYZ, T, nn);
+  CALC_DMATX(C.diag, C.material, C.continuum, D, C.material.MAT_YOUNG, C.material.MAT_POISSON,
+             C.continuum.PLANE_TYPE, 6);
+}
+
 }  // namespace
 
 void SOL_STF(SolidContext& C, int32_t ELEM_NO, MatRef<double> S_arg, MatRef<double> WORK,
@@ -127,12 +136,9 @@ void SOL_STF(SolidContext& C, int32_t ELEM_NO, MatRef<double> S_arg, MatRef<doub
 
   double xl[3 * SOLID_HIGH_MAX_NODE] = {};
   MatRef<double> XL(xl, 3, SOLID_HIGH_MAX_NODE, "XL");
-  CALC_CN_3D(XL, XYZ, T, nn);
-
   double d[36];
   MatRef<double> D(d, 6, 6, "D");
-  CALC_DMATX(C.diag, C.material, C.continuum, D, C.material.MAT_YOUNG, C.material.MAT_POISSON,
-             C.continuum.PLANE_TYPE, 6);
+  element_setup(C, nn, XYZ, T, XL, D);
 
   for (int32_t j = 1; j <= N; ++j)
     for (int32_t i = 1; i <= N; ++i) S(i, j) = 0.0;
@@ -160,12 +166,9 @@ void SOL_STR(SolidContext& C, int32_t ELEM_NO, MatRef<double> STR_arg, int32_t N
 
   double xl[3 * SOLID_HIGH_MAX_NODE] = {};
   MatRef<double> XL(xl, 3, SOLID_HIGH_MAX_NODE, "XL");
-  CALC_CN_3D(XL, XYZ, T, nn);
-
   double d[36];
   MatRef<double> D(d, 6, 6, "D");
-  CALC_DMATX(C.diag, C.material, C.continuum, D, C.material.MAT_YOUNG, C.material.MAT_POISSON,
-             C.continuum.PLANE_TYPE, 6);
+  element_setup(C, nn, XYZ, T, XL, D);
 
   const int32_t ngp = SOLID_HIGH_NGP(nn);
   PointWork pw;

@@ -153,4 +153,20 @@ void solid_history_row(SolidContext& SC, int32_t C, Tdsp& TDSP, const SolidStepL
   }
 }
 
+void solid_element_rows(SolidContext& C, const RunContext& R, Tdsp& TDSP, int64_t ITEM,
+                        const SolidStepLayout& L, MatRef<double> M, int32_t mrows, int32_t ncols,
+                        MatRef<double> DISP, MatRef<double> T, int32_t NN, int32_t AXIS_FLAG,
+                        int32_t NROWS, int32_t STRAIN_ROW0, int32_t NSTRAIN, MatRef<double> OUT,
+                        MatRef<double> STRAIN_TIME) {
+  if (R.REQUEST_MODE == 1) {
+    solid_history_row(C, R.RESULT_COMP, TDSP, L, M, mrows, ncols, DISP, T, NN, AXIS_FLAG, NROWS,
+                      STRAIN_ROW0, NSTRAIN);
+    return;
+  }
+  // All steps in one product.
+  solid_product(OUT, M, mrows, ncols, DISP);
+  solid_steps(C, L, OUT, STRAIN_TIME, T, NN, AXIS_FLAG);
+  solid_deliver(R.REQUEST_MODE, TDSP, ITEM, OUT, NROWS, STRAIN_TIME, STRAIN_ROW0, NSTRAIN);
+}
+
 }  // namespace respcore

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "core/arrays.hpp"
+#include "run/run_context.hpp"
 #include "run/tdsp.hpp"
 #include "solid/solid_state.hpp"
 
@@ -49,5 +50,15 @@ void solid_history_row(SolidContext& SC, int32_t C, Tdsp& TDSP, const SolidStepL
                        int32_t mrows, int32_t ncols, MatRef<double> DISP, MatRef<double> T,
                        int32_t NN, int32_t AXIS_FLAG, int32_t NROWS, int32_t STRAIN_ROW0,
                        int32_t NSTRAIN);
+
+// The rows of one element (list position ITEM) into TDSP: under
+// REQUEST_MODE 1 only the requested row over all steps (solid_history_row),
+// otherwise the product into OUT, the steps and the delivery of the first
+// step. M(MROWS, NCOLS), T, NN and the rows as for the routines above.
+void solid_element_rows(SolidContext& C, const RunContext& R, Tdsp& TDSP, int64_t ITEM,
+                        const SolidStepLayout& L, MatRef<double> M, int32_t mrows, int32_t ncols,
+                        MatRef<double> DISP, MatRef<double> T, int32_t NN, int32_t AXIS_FLAG,
+                        int32_t NROWS, int32_t STRAIN_ROW0, int32_t NSTRAIN, MatRef<double> OUT,
+                        MatRef<double> STRAIN_TIME);
 
 }  // namespace respcore

@@ -123,15 +123,10 @@ void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
     // The extrapolated node values are delivered even when the stored matrix
     // ends at the centre (a tetrahedron's single point).
     const int32_t nrows = std::min(std::max(nr, kForceRows + 6 * (nn + 1)), kMaxRow);
-    if (R.REQUEST_MODE == 1) {
-      solid_history_row(C, R.RESULT_COMP, TDSP, layout, STRS.ref(), kMaxRow, ndof, DISP_EQ.ref(), T.ref(), nn,
-                        AXIS_FLAG, nrows, kMaxRow, 6 * (nn + 1));
-      continue;
-    }
-    // All steps in one product (rows beyond NR are zero rows of STRS).
-    solid_product(SSIG.ref(), STRS.ref(), kMaxRow, ndof, DISP_EQ.ref());
-    solid_steps(C, layout, SSIG.ref(), STRAIN_GLOBAL_TIME.ref(), T.ref(), nn, AXIS_FLAG);
-    solid_deliver(R.REQUEST_MODE, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kMaxRow, 6 * (nn + 1));
+    // Rows beyond NR are zero rows of STRS.
+    solid_element_rows(C, R, TDSP, p, layout, STRS.ref(), kMaxRow, ndof, DISP_EQ.ref(), T.ref(), nn,
+                       AXIS_FLAG, nrows, kMaxRow, 6 * (nn + 1), SSIG.ref(),
+                       STRAIN_GLOBAL_TIME.ref());
   }
 }
 
