@@ -82,23 +82,40 @@ void unit_close(UnitTable& U, int32_t unit) {
   if (it != U.units.end()) it->second = Connection{};
 }
 
-bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nbytes) {
+namespace {
+
+// The connection of UNIT, or none.
+const Connection* connection(const UnitTable& U, int32_t unit) {
   auto it = U.units.find(unit);
-  if (it == U.units.end() || !it->second.file) return false;
-  const Connection& c = it->second;
-  if (nbytes < 0 || nbytes > c.reclen) return false;
-  const int64_t off = record_offset(rec, c.reclen);
-  if (off < 0 || off > c.file->size - nbytes) return false;
+  return it == U.units.end() || !it->second.file ? nullptr : &it->second;
+}
+
+// The byte offset of record REC of UNIT when NBYTES of it can be read, or -1.
+int64_t readable_offset(const UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
+                        const Connection*& c) {
+  c = connection(U, unit);
+  if (c == nullptr || nbytes < 0 || nbytes > c->reclen) return -1;
+  const int64_t off = record_offset(rec, c->reclen);
+  if (off < 0 || off > c->file->size - nbytes) return -1;
+  return off;
+}
+
+}  // namespace
+
+bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nbytes) {
+  const Connection* c = nullptr;
+  const int64_t off = readable_offset(U, unit, rec, nbytes, c);
+  if (off < 0) return false;
   if (nbytes == 0) return true;
-  return pread_all(c.file->fd, dst, nbytes, off);
+  return pread_all(c->file->fd, dst, nbytes, off);
 }
 
 int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
                      void* dst, std::vector<char>* ok) {
   ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
-  auto it = U.units.find(unit);
-  if (count <= 0 || it == U.units.end() || !it->second.file) return 0;
-  const Connection& c = it->second;
+  const Connection* conn = connection(U, unit);
+  if (count <= 0 || conn == nullptr) return 0;
+  const Connection& c = *conn;
   if (nbytes < 0 || nbytes > c.reclen) return 0;
   // Records that exist lie in one contiguous span of the file.
   int64_t lo = std::max<int64_t>(first, 1);
@@ -158,22 +175,17 @@ void close_all_units(UnitTable& U) {
 
 bool read_record_f64_at(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
                         int64_t byte_offset, double& out) {
-  auto it = U.units.find(unit);
-  if (it == U.units.end() || !it->second.file) return false;
-  const Connection& c = it->second;
-  if (nbytes < 0 || nbytes > c.reclen) return false;
-  const int64_t off = record_offset(rec, c.reclen);
-  if (off < 0 || off > c.file->size - nbytes) return false;
+  const Connection* c = nullptr;
+  const int64_t off = readable_offset(U, unit, rec, nbytes, c);
+  if (off < 0) return false;
   if (byte_offset < 0 || byte_offset + 8 > nbytes) return true;
-  return pread_all(c.file->fd, &out, 8, off + byte_offset);
+  return pread_all(c->file->fd, &out, 8, off + byte_offset);
 }
 
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {
-  auto it = U.units.find(unit);
-  if (it == U.units.end() || !it->second.file) return 0;
-  const Connection& c = it->second;
-  if (nbytes < 0 || nbytes > c.reclen || c.file->size < nbytes) return 0;
-  return (c.file->size - nbytes) / c.reclen + 1;
+  const Connection* c = connection(U, unit);
+  if (c == nullptr || nbytes < 0 || nbytes > c->reclen || c->file->size < nbytes) return 0;
+  return (c->file->size - nbytes) / c->reclen + 1;
 }
 
 }  // namespace respcore
