@@ -258,7 +258,7 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
     unpack_matrix(T, E, rec);
     const double* init = has_initial ? RST_INITIAL.col(p) : nullptr;
     for (int64_t s = 1; s <= R.NUM_STEPS; ++s) step_rows(T, E, rec, DISP_EQ, s, init, scaled, SSIG.col(s));
-    line_detail::deliver_rows(R, TDSP, SSIG, kLineRows, p);
+    deliver_rows(TDSP, R.REQUEST_MODE, SSIG, kLineRows, p);
   }
 }
 
@@ -306,17 +306,6 @@ void remove_initial_state(const RunContext& R, ArchiveReader A, InactiveTables& 
   DISP_EQUATION_INITIAL(A, DISP_INIT.ref(), NEQ, LM);
   for (int64_t s = 1; s <= R.NUM_STEPS; ++s) {
     for (int32_t j = 1; j <= NEQ; ++j) DISP_EQ(j, s) = DISP_EQ(j, s) - DISP_INIT(j);
-  }
-}
-
-void deliver_rows(const RunContext& R, Tdsp& TDSP, Mat<double>& SSIG, int64_t nrows, int64_t p) {
-  if (R.REQUEST_MODE == 1) {
-    if (SSIG.cols() <= 0) return;
-    for (int64_t k = 1; k <= nrows; ++k) {
-      TDSP.put_row(k, SSIG.data() + (k - 1), SSIG.rows(), SSIG.cols());
-    }
-  } else {
-    for (int64_t k = 1; k <= nrows; ++k) TDSP(k, p) = SSIG(k, 1);
   }
 }
 

@@ -52,10 +52,6 @@ void remove_initial_state(const RunContext& R, ArchiveReader A, InactiveTables& 
                           int32_t kind, int32_t serial, int32_t NEQ, VecRef<int32_t> LM,
                           Vec<double>& DISP_INIT, Mat<double>& DISP_EQ);
 
-// Rows 1..NROWS of SSIG to TDSP: column s per step under REQUEST_MODE 1,
-// otherwise the first step's rows to column P.
-void deliver_rows(const RunContext& R, Tdsp& TDSP, Mat<double>& SSIG, int64_t nrows, int64_t p);
-
 }  // namespace line_detail
 
 }  // namespace respcore

@@ -110,7 +110,7 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
         truss_step(STRS.ref(), DISP_EQ.ref(), SSIG.ref(), s, NDOF, init, hnq, SCALE);
     }
 
-    line_detail::deliver_rows(R, TDSP, SSIG, kRows, k);
+    deliver_rows(TDSP, R.REQUEST_MODE, SSIG, kRows, k);
   }
 }
 

@@ -105,4 +105,19 @@ class Tdsp {
   const char* name_ = "TDSP";
 };
 
+// Rows 1..NROWS of one item's results SSIG (a column per step) into TDSP by
+// the column rule of the request: under REQUEST_MODE 1 step s to column s,
+// otherwise the first step's rows to column ITEM.
+inline void deliver_rows(Tdsp& TDSP, int32_t REQUEST_MODE, Mat<double>& SSIG, int64_t nrows,
+                         int64_t item) {
+  if (REQUEST_MODE == 1) {
+    if (SSIG.cols() <= 0) return;
+    for (int64_t k = 1; k <= nrows; ++k) {
+      TDSP.put_row(k, SSIG.data() + (k - 1), SSIG.rows(), SSIG.cols());
+    }
+  } else {
+    for (int64_t k = 1; k <= nrows; ++k) TDSP(k, item) = SSIG(k, 1);
+  }
+}
+
 }  // namespace respcore
