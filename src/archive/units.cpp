@@ -84,15 +84,17 @@ void unit_close(UnitTable& U, int32_t unit) {
 
 namespace {
 
-// The connection of UNIT, or none.
-const Connection* connection(const UnitTable& U, int32_t unit) {
+// The connection of UNIT, or none. (This and the next are on the path of
+// every record read.)
+[[gnu::always_inline]] inline const Connection* connection(const UnitTable& U, int32_t unit) {
   auto it = U.units.find(unit);
   return it == U.units.end() || !it->second.file ? nullptr : &it->second;
 }
 
 // The byte offset of record REC of UNIT when NBYTES of it can be read, or -1.
-int64_t readable_offset(const UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
-                        const Connection*& c) {
+[[gnu::always_inline]] inline int64_t readable_offset(const UnitTable& U, int32_t unit,
+                                                      int64_t rec, int64_t nbytes,
+                                                      const Connection*& c) {
   c = connection(U, unit);
   if (c == nullptr || nbytes < 0 || nbytes > c->reclen) return -1;
   const int64_t off = record_offset(rec, c->reclen);

@@ -152,12 +152,13 @@ void MotionFetch::prepare(int64_t mode_rows) {
   ArchiveReader A = M_.archive;
   if (R_.HIST_STORE == 1) {
     storage_ = Storage::Modal;
-    coords_ = Arr3<double>("MODAL_COORD", R_.NUM_MODES, R_.NUM_STORED_STEPS, 3);
-    mode_values_ = Mat<double>("MODE_VALS", mode_rows, R_.NUM_MODES);
+    Modal& md = modal_.emplace();
+    md.coords = Arr3<double>("MODAL_COORD", R_.NUM_MODES, R_.NUM_STORED_STEPS, 3);
+    md.mode_values = Mat<double>("MODE_VALS", mode_rows, R_.NUM_MODES);
     const SectionRef mdsp = A.find(sections::MDSP, 3);
-    read_modal_coordinates(M_, mdsp, coords_, cols_ != StepColumns::OneStep);
-    mshp_ = A.find(sections::MSHP, 3);
-    mode_row_.assign(static_cast<size_t>(std::max(R_.NUM_MODES, 0)), 0.0);
+    read_modal_coordinates(M_, mdsp, md.coords, cols_ != StepColumns::OneStep);
+    md.mshp = A.find(sections::MSHP, 3);
+    md.mode_row.assign(static_cast<size_t>(std::max(R_.NUM_MODES, 0)), 0.0);
   } else if (R_.HIST_STORE == 2) {
     storage_ = Storage::Direct;
     if (support_) {
@@ -177,11 +178,12 @@ void MotionFetch::prepare(int64_t mode_rows) {
 void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp) {
   if (storage_ == Storage::Modal) {
     if (equation <= 0) return;
-    const int64_t nm = static_cast<int64_t>(mode_row_.size());
-    if (!M_.archive.read(mshp_, equation, mode_row_.data(), int64_t{R_.NUM_MODES} * 8)) return;
-    MatRef<double> MV = mode_values_.ref();
+    Modal& md = *modal_;
+    const int64_t nm = static_cast<int64_t>(md.mode_row.size());
+    if (!M_.archive.read(md.mshp, equation, md.mode_row.data(), int64_t{R_.NUM_MODES} * 8)) return;
+    MatRef<double> MV = md.mode_values.ref();
     auto copy = [&](auto V) {
-      for (int64_t m = 1; m <= nm; ++m) V(row, m) = mode_row_[static_cast<size_t>(m - 1)];
+      for (int64_t m = 1; m <= nm; ++m) V(row, m) = md.mode_row[static_cast<size_t>(m - 1)];
     };
     if (row >= 1 && MV.holds(row, nm))
       copy(MV.raw());
@@ -215,7 +217,7 @@ void MotionFetch::deliver_nothing(int64_t row) {
 }
 
 void MotionFetch::deliver(const SectionRef& s, int64_t index, int64_t row) {
-  ArchiveReader A = M_.archive;
+  ArchiveReader& A = M_.archive;
   const int64_t n = nsteps_;
   if (sink_ != nullptr) {
     auto& buf = M_.state.HIST;
@@ -281,26 +283,27 @@ void MotionFetch::close_direct_file() {
 }
 
 void MotionFetch::finish_modal() {
-  const int64_t nm = mode_values_.cols();
+  Mat<double>& mode_values = modal_->mode_values;
+  const int64_t nm = mode_values.cols();
   const auto k = static_cast<int64_t>(q_);
-  MatRef<double> C = coords_.plane(k);
+  MatRef<double> C = modal_->coords.plane(k);
   if (sink_ != nullptr) {
     const int64_t n = nsteps_;
     auto& buf = M_.state.HIST;
     buf.resize(static_cast<size_t>(n));
-    if (C.holds(nm, n) && mode_values_.ref().holds(sum_rows_, nm)) {
-      const int64_t ld = mode_values_.rows();
+    if (C.holds(nm, n) && mode_values.ref().holds(sum_rows_, nm)) {
+      const int64_t ld = mode_values.rows();
       for (int64_t i = 1; i <= sum_rows_; ++i) {
         // Row I of the modal sum, formed straight into the buffer.
-        modal_sum(RawMat<double>(buf.data(), 1), RawMat<double>(mode_values_.data() + (i - 1), ld),
+        modal_sum(RawMat<double>(buf.data(), 1), RawMat<double>(mode_values.data() + (i - 1), ld),
                   C.raw(), 1, n, nm);
         sink_(i, buf.data());
       }
       return;
     }
     // Steps beyond the stored ones: the checked sum, with its reports.
-    Mat<double> DISP_EQ("DISP_EQ", mode_values_.rows(), n);
-    modal_sum(DISP_EQ.ref(), mode_values_, C, sum_rows_, n);
+    Mat<double> DISP_EQ("DISP_EQ", mode_values.rows(), n);
+    modal_sum(DISP_EQ.ref(), mode_values, C, sum_rows_, n);
     for (int64_t i = 1; i <= sum_rows_; ++i) {
       for (int64_t s = 1; s <= n; ++s) buf[static_cast<size_t>(s - 1)] = DISP_EQ(i, s);
       sink_(i, buf.data());
@@ -313,15 +316,15 @@ void MotionFetch::finish_modal() {
     for (int64_t i = 1; i <= sum_rows_; ++i) {
       double smx = 0.0, smn = 0.0;
       for (int64_t m = 1; m <= nm; ++m) {
-        smx += mode_values_(i, m) * C(m, W.smax);
-        smn += mode_values_(i, m) * C(m, W.smin);
+        smx += mode_values(i, m) * C(m, W.smax);
+        smn += mode_values(i, m) * C(m, W.smin);
       }
       out_(i, 1) = smx;
       out_(i, 2) = smn;
     }
     return;
   }
-  modal_sum(out_, mode_values_, C, sum_rows_, nsteps_);
+  modal_sum(out_, mode_values, C, sum_rows_, nsteps_);
 }
 
 void MotionFetch::finish_columns() {

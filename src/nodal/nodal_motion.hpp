@@ -18,6 +18,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 #include "archive/section_access.hpp"
 #include "core/arrays.hpp"
@@ -43,7 +44,7 @@ struct StepWork {
   explicit StepWork(const RunContext& R) : step(R.STEP_NO) {}
   int64_t step;                    // the step of a single-step read
   double last = 0.0;               // DTEMP(step) as the last good read left it
-  Vec<double> DTEMP{"DTEMP"};      // envelopes: the last good whole history
+  Vec<double> DTEMP;               // envelopes: the last good whole history
   int64_t smax = 1, smin = 1;      // envelopes: the steps to deliver
 };
 
@@ -118,10 +119,13 @@ class MotionFetch {
   int64_t nsteps_ = 0;
 
   // Modal storage.
-  Arr3<double> coords_;
-  Mat<double> mode_values_;
-  SectionRef mshp_;
-  std::vector<double> mode_row_;
+  struct Modal {
+    Arr3<double> coords;
+    Mat<double> mode_values;
+    SectionRef mshp;
+    std::vector<double> mode_row;
+  };
+  std::optional<Modal> modal_;
   // Direct storage.
   SectionRef dmed_, mser_;
   int64_t support_rows_ = 0;
