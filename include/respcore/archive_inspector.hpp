@@ -24,11 +24,11 @@ namespace respcore {
 
 // One entry of a directory.
 struct SectionInfo {
-  std::string tag;      // four characters; a byte that does not print shows as \xNN
-  int32_t serial = 0;   // the section's ID beside its tag
-  int64_t first = 0;    // first record, in units of the section's record length
-  int64_t last = 0;     // last record
-  int32_t reclen = 0;   // record length in 4-byte words
+  std::string tag;     // four characters; a byte that does not print shows as \xNN
+  int32_t serial = 0;  // the section's ID beside its tag
+  int64_t first = 0;   // first record, in units of the section's record length
+  int64_t last = 0;    // last record
+  int32_t reclen = 0;  // record length in 4-byte words
   int64_t records() const { return last - first + 1; }
 };
 
@@ -41,8 +41,8 @@ struct RESPCORE_API FileInspection {
   bool exists = false;
   DirectoryForm form = DirectoryForm::Plain;
   int32_t file_code = 0;
-  int32_t blocks = 0;     // directory blocks read
-  uint64_t size = 0;      // bytes
+  int32_t blocks = 0;  // directory blocks read
+  uint64_t size = 0;   // bytes
   // In directory order up to the first blank entry, the directory's own
   // entry ("HEAD") first.
   std::vector<SectionInfo> sections;

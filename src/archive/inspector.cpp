@@ -1,8 +1,6 @@
 // The archive inspector: the directories of an archive's files, read with
 // the directory codec the kernel uses, checked entry by entry against the
 // file, and every fault put in words.
-#include "respcore/archive_inspector.hpp"
-
 #include <cctype>
 #include <cstdio>
 #include <cstring>
@@ -12,6 +10,7 @@
 #include <stdexcept>
 
 #include "archive/directory_codec.hpp"
+#include "respcore/archive_inspector.hpp"
 
 namespace respcore {
 
@@ -86,8 +85,8 @@ std::string section_problem(const SectionInfo& s, uint64_t size) {
   const long double end = static_cast<long double>(s.last) * 4.0L * s.reclen;
   if (end > static_cast<long double>(size)) {
     return name + " needs " + std::to_string(static_cast<unsigned long long>(end)) +
-           " bytes (records " + std::to_string(s.first) + " to " + std::to_string(s.last) +
-           " of " + std::to_string(s.reclen) + " words), the file holds " + std::to_string(size);
+           " bytes (records " + std::to_string(s.first) + " to " + std::to_string(s.last) + " of " +
+           std::to_string(s.reclen) + " words), the file holds " + std::to_string(size);
   }
   return {};
 }
@@ -143,7 +142,8 @@ void read_directory(FileInspection& f) {
     for (int n = 1; n <= DIR_ENTRIES_PER_BLOCK; ++n) {
       const int64_t r = H + n;
       if (!in.read(static_cast<uint64_t>(r - 1) * L, rec, L)) {
-        f.problem = "directory entry at record " + std::to_string(r) + " lies beyond the end of the file";
+        f.problem =
+            "directory entry at record " + std::to_string(r) + " lies beyond the end of the file";
         return;
       }
       const DirEntry e = decode_entry(rec, wide);
@@ -224,8 +224,8 @@ std::optional<std::vector<unsigned char>> read_section_record(const FileInspecti
   if (rec < 1 || rec > section.records() || section.reclen < 1) return std::nullopt;
   RecordReader in(file.path);
   std::vector<unsigned char> buf(nbytes);
-  const uint64_t offset = static_cast<uint64_t>(section.first + rec - 2) * 4u *
-                          static_cast<uint64_t>(section.reclen);
+  const uint64_t offset =
+      static_cast<uint64_t>(section.first + rec - 2) * 4u * static_cast<uint64_t>(section.reclen);
   if (!in.ok() || !in.read(offset, buf.data(), nbytes)) return std::nullopt;
   return buf;
 }

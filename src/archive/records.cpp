@@ -19,9 +19,8 @@ std::vector<double> words_of(size_t n) { return std::vector<double>(n, 0.0); }
 void place(std::vector<double>& w, size_t first, const std::vector<double>& values,
            const char* record) {
   if (first < 1 || first - 1 + values.size() > w.size()) {
-    throw std::invalid_argument(std::string(record) + " record: " +
-                                std::to_string(values.size()) + " values at word " +
-                                std::to_string(first) + " do not fit its " +
+    throw std::invalid_argument(std::string(record) + " record: " + std::to_string(values.size()) +
+                                " values at word " + std::to_string(first) + " do not fit its " +
                                 std::to_string(w.size()) + " words");
   }
   std::copy(values.begin(), values.end(), w.begin() + static_cast<std::ptrdiff_t>(first - 1));
@@ -166,8 +165,7 @@ Section& ArchiveWriter::element_forms(const std::vector<int32_t>& form_of_case) 
   return first().add_i32_rows(sections::THLG, 1, rows, 1);
 }
 
-Section& ArchiveWriter::node_transforms(const std::vector<NodeTransform>& nodes,
-                                        bool seventh_dof) {
+Section& ArchiveWriter::node_transforms(const std::vector<NodeTransform>& nodes, bool seventh_dof) {
   const size_t k = seventh_dof ? 7 : 6;
   if (seventh_dof) second().add(sections::MTKM, 3, 2, 1);
   std::vector<std::vector<double>> rows;
@@ -191,7 +189,8 @@ void ArchiveWriter::modal_histories(const ModalHistory& modal) {
       md.put_f64s(m * nss + s + 1, 0, per_step[static_cast<size_t>(s)]);
     }
   }
-  second().add_f64_rows(sections::MSHP, 3, modal.shapes, static_cast<int32_t>(std::max<int64_t>(nm, 1)));
+  second().add_f64_rows(sections::MSHP, 3, modal.shapes,
+                        static_cast<int32_t>(std::max<int64_t>(nm, 1)));
 }
 
 Section& ArchiveWriter::direct_histories(int32_t file_no,
@@ -212,8 +211,7 @@ Section& ArchiveWriter::activation_displacements(const std::vector<double>& by_e
   return direct(1).add_f64_rows(sections::DSPL, 1, {by_equation});
 }
 
-void ArchiveWriter::support_motion(int32_t hist_case, const SupportMotion& motion,
-                                   int32_t nsteps) {
+void ArchiveWriter::support_motion(int32_t hist_case, const SupportMotion& motion, int32_t nsteps) {
   std::vector<std::vector<int32_t>> rows;
   for (const auto& r : motion.rows) rows.push_back({r[0], r[1]});
   second().add_i32_rows(sections::MSES, hist_case, rows, 2);

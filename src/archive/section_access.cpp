@@ -180,15 +180,15 @@ bool product_is(const ArchiveState& S, const char* tag) {
 }
 
 void RF_BIN(ArchiveReader A, int32_t ID_M, int32_t ID_S, int64_t& start, int32_t& found) {
-  const SectionRef r = lookup_main(A, ArchiveFileKind::First,
-                                   table_row(ID_MAIN, "ID_MAIN", ID_S), ID_M, start);
+  const SectionRef r =
+      lookup_main(A, ArchiveFileKind::First, table_row(ID_MAIN, "ID_MAIN", ID_S), ID_M, start);
   start = r.first;
   found = r.found() ? 1 : 0;
 }
 
 void RF_BIN_T(ArchiveReader A, int32_t ID_M, int32_t ID_S, int64_t& start, int32_t& found) {
-  const SectionRef r = lookup_main(A, ArchiveFileKind::Second,
-                                   table_row(ID_MAIN_T, "ID_MAIN_T", ID_S), ID_M, start);
+  const SectionRef r =
+      lookup_main(A, ArchiveFileKind::Second, table_row(ID_MAIN_T, "ID_MAIN_T", ID_S), ID_M, start);
   start = r.first;
   found = r.found() ? 1 : 0;
 }

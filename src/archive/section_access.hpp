@@ -27,10 +27,10 @@ namespace respcore {
 
 // What a look-up found.
 struct SectionRef {
-  int32_t unit = 0;    // the connection the look-up positioned
-  int64_t first = 0;   // first record, in units of the section's record length
-  int64_t nrec = 0;    // number of records
-  int32_t reclen = 0;  // record length in words
+  int32_t unit = 0;                   // the connection the look-up positioned
+  int64_t first = 0;                  // first record, in units of the section's record length
+  int64_t nrec = 0;                   // number of records
+  int32_t reclen = 0;                 // record length in words
   int32_t status = LOOKUP_NOT_FOUND;  // the look-up status
 
   // The system's sense of "found": only a missing section is not found; a

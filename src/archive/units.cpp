@@ -7,7 +7,6 @@
 #include <cstring>
 #include <vector>
 
-
 namespace respcore {
 
 OpenFile::~OpenFile() {
@@ -92,9 +91,8 @@ namespace {
 }
 
 // The byte offset of record REC of UNIT when NBYTES of it can be read, or -1.
-[[gnu::always_inline]] inline int64_t readable_offset(const UnitTable& U, int32_t unit,
-                                                      int64_t rec, int64_t nbytes,
-                                                      const Connection*& c) {
+[[gnu::always_inline]] inline int64_t readable_offset(const UnitTable& U, int32_t unit, int64_t rec,
+                                                      int64_t nbytes, const Connection*& c) {
   c = connection(U, unit);
   if (c == nullptr || nbytes < 0 || nbytes > c->reclen) return -1;
   const int64_t off = record_offset(rec, c->reclen);
@@ -135,8 +133,8 @@ int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, i
   if (!pread_all(c.file->fd, buf.data(), span_len, span_off)) return 0;
   int64_t n_ok = 0;
   for (int64_t r = lo; r <= hi; ++r) {
-    std::memcpy(static_cast<char*>(dst) + (r - first) * nbytes,
-                buf.data() + (r - lo) * c.reclen, static_cast<size_t>(nbytes));
+    std::memcpy(static_cast<char*>(dst) + (r - first) * nbytes, buf.data() + (r - lo) * c.reclen,
+                static_cast<size_t>(nbytes));
     (*ok)[static_cast<size_t>(r - first)] = 1;
     ++n_ok;
   }

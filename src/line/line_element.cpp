@@ -7,10 +7,11 @@
 // of axis convention, a fixed sign pattern and the forming of the result
 // rows. The wall beam has a warping freedom at each end: two more force rows
 // (the bimoments), two scale words, and a warping term in every corner.
+#include "line/line_element.hpp"
+
 #include <algorithm>
 #include <span>
 
-#include "line/line_element.hpp"
 #include "nodal/disp_equation.hpp"
 #include "nodal/inactive.hpp"
 
@@ -40,12 +41,12 @@ struct CornerRow {
 struct LineLayout {
   SectionName record, initial;
   int32_t inactive_kind;
-  int32_t words;               // doubles of the record
-  int32_t neq_word, nrow_word; // packed words of the counts
-  int32_t dof;                 // freedoms, rows of DISP_EQ and LM
-  int32_t rows;                // declared rows of STRS
-  int32_t kept;                // rows of the product that carry the step
-  int32_t saved;               // factor words behind them
+  int32_t words;                // doubles of the record
+  int32_t neq_word, nrow_word;  // packed words of the counts
+  int32_t dof;                  // freedoms, rows of DISP_EQ and LM
+  int32_t rows;                 // declared rows of STRS
+  int32_t kept;                 // rows of the product that carry the step
+  int32_t saved;                // factor words behind them
   std::span<const FactorBlock> factors;
   void (*axis_change)(VecRef<double>);
   bool element_factor;  // the last word scales the forces under "H.N.Q"
@@ -59,16 +60,15 @@ struct LineLayout {
 
 constexpr FactorBlock kBeamFactors[] = {{13, 19, 1}, {20, 26, 4}};
 constexpr int32_t kBeamNegated[] = {1, 2, 3, 4, 6, 11};
-constexpr StressRow kBeamStress[] = {
-    {13, 1, true, 13},   {14, 2, true, 14},   {15, 3, true, 15},   {16, 6, true, 16},
-    {17, 6, true, 17},   {18, 5, false, 18},  {19, 5, false, 19},  {20, 7, false, 20},
-    {21, 8, false, 21},  {22, 9, false, 22},  {23, 12, false, 23}, {24, 12, false, 24},
-    {25, 11, true, 25},  {26, 11, true, 26}};
+constexpr StressRow kBeamStress[] = {{13, 1, true, 13},  {14, 2, true, 14},   {15, 3, true, 15},
+                                     {16, 6, true, 16},  {17, 6, true, 17},   {18, 5, false, 18},
+                                     {19, 5, false, 19}, {20, 7, false, 20},  {21, 8, false, 21},
+                                     {22, 9, false, 22}, {23, 12, false, 23}, {24, 12, false, 24},
+                                     {25, 11, true, 25}, {26, 11, true, 26}};
 // Corner stresses: axial plus the two bending stresses of the corner.
-constexpr CornerRow kBeamCorners[] = {{27, {13, 17, 18, 0}}, {28, {13, 16, 18, 0}},
-                                      {29, {13, 16, 19, 0}}, {30, {13, 17, 19, 0}},
-                                      {31, {20, 24, 25, 0}}, {32, {20, 23, 25, 0}},
-                                      {33, {20, 23, 26, 0}}, {34, {20, 24, 26, 0}}};
+constexpr CornerRow kBeamCorners[] = {
+    {27, {13, 17, 18, 0}}, {28, {13, 16, 18, 0}}, {29, {13, 16, 19, 0}}, {30, {13, 17, 19, 0}},
+    {31, {20, 24, 25, 0}}, {32, {20, 23, 25, 0}}, {33, {20, 23, 26, 0}}, {34, {20, 24, 26, 0}}};
 constexpr int32_t kBeamDelivered[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12,
                                       13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24,
                                       25, 26, 27, 28, 29, 30, 31, 32, 33, 34};
@@ -77,18 +77,33 @@ constexpr FactorBlock kWallFactors[] = {{19, 25, 1}, {26, 32, 4}, {33, 52, 1}};
 constexpr int32_t kWallNegated[] = {1, 2, 3, 4, 6, 11, 13, 15, 17};
 constexpr StressRow kWallStress[] = {
     // End i, with the bimoment times the warping factors.
-    {19, 1, true, 19},   {20, 2, true, 20},   {21, 3, true, 21},   {22, 6, true, 22},
-    {23, 6, true, 23},   {24, 5, false, 24},  {25, 5, false, 25},  {26, 13, true, 33},
-    {27, 13, true, 34},  {28, 13, true, 35},  {29, 13, true, 36},
+    {19, 1, true, 19},
+    {20, 2, true, 20},
+    {21, 3, true, 21},
+    {22, 6, true, 22},
+    {23, 6, true, 23},
+    {24, 5, false, 24},
+    {25, 5, false, 25},
+    {26, 13, true, 33},
+    {27, 13, true, 34},
+    {28, 13, true, 35},
+    {29, 13, true, 36},
     // End j.
-    {46, 7, false, 26},  {47, 8, false, 27},  {48, 9, false, 28},  {49, 12, false, 29},
-    {50, 12, false, 30}, {51, 11, true, 31},  {52, 11, true, 32},  {53, 14, false, 37},
-    {54, 14, false, 38}, {55, 14, false, 39}, {56, 14, false, 40}};
+    {46, 7, false, 26},
+    {47, 8, false, 27},
+    {48, 9, false, 28},
+    {49, 12, false, 29},
+    {50, 12, false, 30},
+    {51, 11, true, 31},
+    {52, 11, true, 32},
+    {53, 14, false, 37},
+    {54, 14, false, 38},
+    {55, 14, false, 39},
+    {56, 14, false, 40}};
 // Corners: axial, the two bending stresses and the warping stress.
-constexpr CornerRow kWallCorners[] = {{73, {19, 23, 24, 26}}, {74, {19, 22, 24, 27}},
-                                      {75, {19, 22, 25, 28}}, {76, {19, 23, 25, 29}},
-                                      {85, {46, 50, 51, 53}}, {86, {46, 49, 51, 54}},
-                                      {87, {46, 49, 52, 55}}, {88, {46, 50, 52, 56}}};
+constexpr CornerRow kWallCorners[] = {
+    {73, {19, 23, 24, 26}}, {74, {19, 22, 24, 27}}, {75, {19, 22, 25, 28}}, {76, {19, 23, 25, 29}},
+    {85, {46, 50, 51, 53}}, {86, {46, 49, 51, 54}}, {87, {46, 49, 52, 55}}, {88, {46, 50, 52, 56}}};
 constexpr int32_t kWallDelivered[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12,
                                       19, 20, 21, 22, 23, 24, 25, 46, 47, 48, 49, 50,
                                       51, 52, 73, 74, 75, 76, 85, 86, 87, 88};
@@ -98,14 +113,45 @@ constexpr int32_t kLineRows = 34;
 
 // The record: 327 doubles; NEQ and NROW are the two digits behind the decimal
 // point of words 325 and 326, word 327 the element factor.
-const LineLayout kBeam{sections::BEAM, sections::ITBM, INACTIVE_KIND_BEAM, 327, 325, 326, 12, 26,
-                       12, 14, kBeamFactors, MODFLOC, true, false, kBeamNegated, kBeamStress,
-                       kBeamCorners, kBeamDelivered, &LineState::beam};
+const LineLayout kBeam{sections::BEAM,
+                       sections::ITBM,
+                       INACTIVE_KIND_BEAM,
+                       327,
+                       325,
+                       326,
+                       12,
+                       26,
+                       12,
+                       14,
+                       kBeamFactors,
+                       MODFLOC,
+                       true,
+                       false,
+                       kBeamNegated,
+                       kBeamStress,
+                       kBeamCorners,
+                       kBeamDelivered,
+                       &LineState::beam};
 // The record: 1053 doubles; the counts in words 1051 and 1052; behind the
 // matrix the node pair and the two scale words a and b.
-const LineLayout kWallBeam{sections::WBMM, sections::ITBW, INACTIVE_KIND_WALL_BEAM, 1053, 1051,
-                           1052, 14, 72, 18, 34, kWallFactors, WMODFLOC, false, true,
-                           kWallNegated, kWallStress, kWallCorners, kWallDelivered,
+const LineLayout kWallBeam{sections::WBMM,
+                           sections::ITBW,
+                           INACTIVE_KIND_WALL_BEAM,
+                           1053,
+                           1051,
+                           1052,
+                           14,
+                           72,
+                           18,
+                           34,
+                           kWallFactors,
+                           WMODFLOC,
+                           false,
+                           true,
+                           kWallNegated,
+                           kWallStress,
+                           kWallCorners,
+                           kWallDelivered,
                            &LineState::wall_beam};
 
 // The axis change of a step vector whose section factors of end i start at
@@ -135,7 +181,7 @@ void step_product(Sig SIG, Strs STRS, Disp D, int64_t s, int64_t nrows, int64_t 
 struct LineRecord {
   int32_t NEQ = 0, NROW = 0;
   int32_t nodes[2] = {};
-  double factor = 1.0;  // the element factor (beam)
+  double factor = 1.0;      // the element factor (beam)
   double a = 0.0, b = 0.0;  // the scale words (wall beam)
 };
 
@@ -257,7 +303,8 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
                                       E.DISP_INIT, DISP_EQ);
     unpack_matrix(T, E, rec);
     const double* init = has_initial ? RST_INITIAL.col(p) : nullptr;
-    for (int64_t s = 1; s <= R.NUM_STEPS; ++s) step_rows(T, E, rec, DISP_EQ, s, init, scaled, SSIG.col(s));
+    for (int64_t s = 1; s <= R.NUM_STEPS; ++s)
+      step_rows(T, E, rec, DISP_EQ, s, init, scaled, SSIG.col(s));
     deliver_rows(TDSP, R.REQUEST_MODE, SSIG, kLineRows, p);
   }
 }
@@ -292,9 +339,9 @@ bool read_initial_forces(const RunContext& R, ArchiveReader A, const SectionName
   return true;
 }
 
-void remove_initial_state(const RunContext& R, ArchiveReader A, InactiveTables& IT,
-                          int32_t kind, int32_t serial, int32_t NEQ, VecRef<int32_t> LM,
-                          Vec<double>& DISP_INIT, Mat<double>& DISP_EQ) {
+void remove_initial_state(const RunContext& R, ArchiveReader A, InactiveTables& IT, int32_t kind,
+                          int32_t serial, int32_t NEQ, VecRef<int32_t> LM, Vec<double>& DISP_INIT,
+                          Mat<double>& DISP_EQ) {
   if (IT.NUM_INACTIVE <= 0) return;
   int32_t flag = 0;
   CHECK_INACTIVE_ELEM(IT, kind, serial, R.HIST_CASE, flag);

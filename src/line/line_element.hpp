@@ -48,9 +48,9 @@ bool read_initial_forces(const RunContext& R, ArchiveReader A, const SectionName
 // Takes the initial displacement of a late-activated element off its
 // displacements, or, when the case's histories live in direct file 1, sets
 // them all to zero.
-void remove_initial_state(const RunContext& R, ArchiveReader A, InactiveTables& IT,
-                          int32_t kind, int32_t serial, int32_t NEQ, VecRef<int32_t> LM,
-                          Vec<double>& DISP_INIT, Mat<double>& DISP_EQ);
+void remove_initial_state(const RunContext& R, ArchiveReader A, InactiveTables& IT, int32_t kind,
+                          int32_t serial, int32_t NEQ, VecRef<int32_t> LM, Vec<double>& DISP_INIT,
+                          Mat<double>& DISP_EQ);
 
 }  // namespace line_detail
 

@@ -43,8 +43,8 @@ void read_modal_coordinates(NodalMotion& M, const SectionRef& mdsp, Arr3<double>
   MatRef<double> C[3] = {coords.plane(1), coords.plane(2), coords.plane(3)};
   for (int64_t m = 1; m <= R.NUM_MODES; ++m) {
     if (INDX_NF(m) != 1) continue;
-    const int64_t index = ((int64_t{R.MODAL_SET} - 1) * R.NUM_MODES + m) * nss - nss +
-                          (all_steps ? 1 : R.STEP_NO);
+    const int64_t index =
+        ((int64_t{R.MODAL_SET} - 1) * R.NUM_MODES + m) * nss - nss + (all_steps ? 1 : R.STEP_NO);
     // The same block of records serves every element of the call.
     auto& block = M.state.modal_blocks[{index, count}];
     if (block.ok.empty() && count > 0) {
@@ -133,17 +133,28 @@ NodeRecord NodalMotion::node_transform(const SectionRef& ndsp, int64_t node, int
   return rec;
 }
 
-MotionFetch::MotionFetch(NodalMotion& M, Quantity q, StepColumns cols, bool support,
-                         StepWork& work, MatRef<double> OUT, int64_t mode_rows, int64_t sum_rows)
-    : M_(M), R_(M.run), q_(q), cols_(cols), support_(support), work_(&work), out_(OUT),
+MotionFetch::MotionFetch(NodalMotion& M, Quantity q, StepColumns cols, bool support, StepWork& work,
+                         MatRef<double> OUT, int64_t mode_rows, int64_t sum_rows)
+    : M_(M),
+      R_(M.run),
+      q_(q),
+      cols_(cols),
+      support_(support),
+      work_(&work),
+      out_(OUT),
       sum_rows_(sum_rows) {
   prepare(mode_rows);
 }
 
 MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t sum_rows,
                          HistorySink sink)
-    : M_(M), R_(M.run), q_(q), cols_(StepColumns::AllSteps), support_(support),
-      sum_rows_(sum_rows), sink_(std::move(sink)) {
+    : M_(M),
+      R_(M.run),
+      q_(q),
+      cols_(StepColumns::AllSteps),
+      support_(support),
+      sum_rows_(sum_rows),
+      sink_(std::move(sink)) {
   prepare(7);
 }
 

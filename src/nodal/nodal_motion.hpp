@@ -42,10 +42,10 @@ enum class StepColumns {
 // that a read that fails repeats what the last good one left.
 struct StepWork {
   explicit StepWork(const RunContext& R) : step(R.STEP_NO) {}
-  int64_t step;                    // the step of a single-step read
-  double last = 0.0;               // DTEMP(step) as the last good read left it
-  Vec<double> DTEMP;               // envelopes: the last good whole history
-  int64_t smax = 1, smin = 1;      // envelopes: the steps to deliver
+  int64_t step;                // the step of a single-step read
+  double last = 0.0;           // DTEMP(step) as the last good read left it
+  Vec<double> DTEMP;           // envelopes: the last good whole history
+  int64_t smax = 1, smin = 1;  // envelopes: the steps to deliver
 };
 
 // A node's transform record (NDSP): its K equation numbers and the upper

@@ -99,8 +99,8 @@ void node_pass(NodalMotion& M, NodeSkew& S, int32_t node, Quantity q, int32_t AX
 
 }  // namespace
 
-void node_history_over_steps(NodalMotion& M, NodeSkew& S, Tdsp& TDSP,
-                             VecRef<int32_t> INUM_ELEMNT, Quantity q, int32_t AXIS_FLAG) {
+void node_history_over_steps(NodalMotion& M, NodeSkew& S, Tdsp& TDSP, VecRef<int32_t> INUM_ELEMNT,
+                             Quantity q, int32_t AXIS_FLAG) {
   const RunContext& R = M.run;
   const int32_t C = R.RESULT_COMP;
   const int64_t n = std::max<int64_t>(R.NUM_STEPS, 0);

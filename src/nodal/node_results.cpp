@@ -127,7 +127,7 @@ void DISP_VELO_ACCEL(NodalMotion& M, NodeSkew& S, Tdsp& TDSP, VecRef<int32_t> IN
     const StepColumns cols = mode != 3 ? StepColumns::OneStep
                              : p == 1  ? StepColumns::AllSteps
                                        : StepColumns::Extremes;
-    const int64_t ncol = cols == StepColumns::AllSteps ? R.NUM_STEPS
+    const int64_t ncol = cols == StepColumns::AllSteps  ? R.NUM_STEPS
                          : cols == StepColumns::OneStep ? 1
                                                         : 2;
     for (int64_t k = 1; k <= R.NUM_ITEMS; ++k) {

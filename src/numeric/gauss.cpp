@@ -24,10 +24,22 @@ void INTPT4(int32_t NPT, int32_t IPT, double& XI, double& WT) {
       return;
     case 4:
       switch (IPT) {
-        case 2: XI = -INTPT4_XI4_INNER; WT = INTPT4_WT4_INNER; return;
-        case 3: XI = INTPT4_XI4_INNER; WT = INTPT4_WT4_INNER; return;
-        case 4: XI = INTPT4_XI4_OUTER; WT = INTPT4_WT4_OUTER; return;
-        default: XI = -INTPT4_XI4_OUTER; WT = INTPT4_WT4_OUTER; return;
+        case 2:
+          XI = -INTPT4_XI4_INNER;
+          WT = INTPT4_WT4_INNER;
+          return;
+        case 3:
+          XI = INTPT4_XI4_INNER;
+          WT = INTPT4_WT4_INNER;
+          return;
+        case 4:
+          XI = INTPT4_XI4_OUTER;
+          WT = INTPT4_WT4_OUTER;
+          return;
+        default:
+          XI = -INTPT4_XI4_OUTER;
+          WT = INTPT4_WT4_OUTER;
+          return;
       }
     default:  // the one-point rule, also for any NPT outside 1..4
       XI = 0.0;

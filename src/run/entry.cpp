@@ -249,9 +249,9 @@ int32_t run_request(KernelState& K, const char* K_FNAME, int32_t name_length, in
                     double* TDSP_COMP, const int32_t* INUM_SERIAL, const int32_t* INUM_ELEMNT,
                     int32_t axis_flag, const CallerExtents& extents) {
   K.diag.output_lines.clear();
-  const EntryArgs args{K_FNAME,      name_length, elem_type,     result_comp, hist_case,
-                       num_steps,    num_items,   step_no,       request_mode, product_index,
-                       mode_no,      TDSP_COMP,   INUM_SERIAL,   INUM_ELEMNT, axis_flag};
+  const EntryArgs args{K_FNAME,   name_length, elem_type,   result_comp,  hist_case,
+                       num_steps, num_items,   step_no,     request_mode, product_index,
+                       mode_no,   TDSP_COMP,   INUM_SERIAL, INUM_ELEMNT,  axis_flag};
   int32_t status = 0;
   try {
     run_steps(K, args, extents);

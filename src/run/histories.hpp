@@ -33,12 +33,12 @@ struct ContinuumParts {
 };
 
 // Plane stress and plane strain (ELEM_TYPE 1, 2).
-void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
-               Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG,
+void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C, Tdsp& TDSP,
+               ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG,
                VecRef<double> EL_ANGLE);
 // Plate (ELEM_TYPE 3), and its general-section form under the tag "J.W.U".
-void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
-               Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT, VecRef<double> EL_ANGLE);
+void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C, Tdsp& TDSP,
+               ItemList INUM_SERIAL, ItemList INUM_ELEMNT, VecRef<double> EL_ANGLE);
 void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
                     Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT);
 // High-order plane stress and plane strain (ELEM_TYPE 5, 6).
@@ -47,8 +47,8 @@ void PLANE_STRESS_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, Con
 void PLANE_STRAIN_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
                        Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG);
 // High-order plate (ELEM_TYPE 7), and its general-section form.
-void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
-                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT);
+void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C, Tdsp& TDSP,
+                ItemList INUM_SERIAL, ItemList INUM_ELEMNT);
 void PLATE_HIGH_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
                      Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT);
 

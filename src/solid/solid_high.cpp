@@ -84,13 +84,14 @@ void nodal_matrix_of(Mat<double>& ASA, int32_t nn, Mat<double>& VALUE_GAUSS,
   STRESS_RECOVERY_SOLID(VN.flat(), VG.flat(), nc, ngp, npts, 1);
   for (int32_t pt = 1; pt <= npts; ++pt)
     for (int32_t j = 1; j <= neq; ++j)
-      for (int32_t c = 1; c <= 6; ++c) NODAL(kMaxDof + 6 * (pt - 1) + c, j) = VN(c + 6 * (j - 1), pt);
+      for (int32_t c = 1; c <= 6; ++c)
+        NODAL(kMaxDof + 6 * (pt - 1) + c, j) = VN(c + 6 * (j - 1), pt);
 }
 
 }  // namespace
 
-void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C,
-                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG) {
+void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C, Tdsp& TDSP,
+                ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG) {
   const int32_t nsteps = std::max(R.NUM_STEPS, 0);
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
 

@@ -16,14 +16,12 @@ using ItemList = VecRef<int32_t>;
 
 // Solid (ELEM_TYPE 4): 4-node tetrahedron, 5-node pyramid, 6-node wedge,
 // 8-node hexahedron.
-void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C,
-                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT,
-                int32_t AXIS_FLAG);
+void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C, Tdsp& TDSP,
+                ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG);
 
 // High-order solid (ELEM_TYPE 8): 10-node tetrahedron, 13-node pyramid,
 // 15-node wedge, 20-node hexahedron.
-void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C,
-                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT,
-                int32_t AXIS_FLAG);
+void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C, Tdsp& TDSP,
+                ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG);
 
 }  // namespace respcore

@@ -148,8 +148,10 @@ void solid_history_row(SolidContext& SC, int32_t C, Tdsp& TDSP, const SolidStepL
         break;
       }
     }
-    if (dst != nullptr) dst[s - 1] = v;
-    else TDSP(C, s) = v;
+    if (dst != nullptr)
+      dst[s - 1] = v;
+    else
+      TDSP(C, s) = v;
   }
 }
 

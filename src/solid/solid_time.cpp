@@ -82,8 +82,8 @@ SolidCounts unpack_record(Vec<double>& SA, Vec<int32_t>& LM, Mat<double>& STRS, 
 
 }  // namespace
 
-void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C,
-                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG) {
+void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C, Tdsp& TDSP,
+                ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG) {
   const int32_t nsteps = std::max(R.NUM_STEPS, 0);
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
 
@@ -112,7 +112,8 @@ void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
 
     READING_ELEMENT_MATERIAL_DATA(A, C.material, element);
     // The whole record or nothing: a read that fails leaves the table clear.
-    if (!A.read(A.find(sections::SOLD, ID), serial, SA.data(), int64_t{kRecWords} * 8)) SA.fill(0.0);
+    if (!A.read(A.find(sections::SOLD, ID), serial, SA.data(), int64_t{kRecWords} * 8))
+      SA.fill(0.0);
 
     const SolidCounts n = unpack_record(SA, LM, STRS, T);
     const int32_t ndof = n.ndof, nr = n.nr, nn = n.nn;
