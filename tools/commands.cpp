@@ -78,63 +78,63 @@ std::vector<Item> parse_items(const std::string& text, int64_t nrec) {
 
 // What a query needs to know of its archive before it asks the kernel.
 struct ArchiveContext {
-  ArchiveFiles files;
-  DirListing first, second;
+  ArchiveInspection files;
+  const FileInspection* first = nullptr;
+  const FileInspection* second = nullptr;
   std::array<int32_t, 5> ithif{};
   int num_cases = 0;
   int elem_form = 1;
   int stored_steps = 0;
   std::string storage;
-  DirEntry element_section;
+  SectionInfo element_section;
   std::string element_section_name;
 };
 
-void check_listing(const DirListing& d) {
-  if (!d.error.empty()) throw CliError(d.path + ": " + d.error);
+const FileInspection& checked(const FileInspection* f) {
+  if (!f->sound()) throw CliError(f->path + ": " + f->problem);
+  return *f;
 }
 
 ArchiveContext open_archive(const QueryOptions& o, const Family& fam) {
   ArchiveContext c;
   c.files = locate_archive(o.base, o.product, true);
-  c.first = read_directory(c.files.first);
-  check_listing(c.first);
-  c.second = read_directory(c.files.second);
-  check_listing(c.second);
+  c.first = &checked(c.files.file(ArchiveFileKind::First));
+  c.second = &checked(c.files.file(ArchiveFileKind::Second));
+  const std::string& second_path = c.second->path;
 
-  const DirEntry* thif = c.second.find("THIF", 3);
-  if (thif == nullptr) throw CliError(c.files.second + ": no history cases (section THIF, serial 3)");
+  const SectionInfo* thif = c.second->find(sections::THIF, 3);
+  if (thif == nullptr) throw CliError(second_path + ": no history cases (section THIF, serial 3)");
   c.num_cases = static_cast<int>(thif->records());
   if (o.hist_case < 1 || o.hist_case > c.num_cases) {
     throw usage_error("case " + std::to_string(o.hist_case) + " is not in the archive (it holds " +
                       std::to_string(c.num_cases) + " case" + (c.num_cases == 1 ? "" : "s") + ")");
   }
-  const auto rec = read_section_record(c.second, *thif, o.hist_case, 20);
-  if (!rec) throw CliError(c.files.second + ": cannot read history case " + std::to_string(o.hist_case));
+  const auto rec = read_section_record(*c.second, *thif, o.hist_case, 20);
+  if (!rec) throw CliError(second_path + ": cannot read history case " + std::to_string(o.hist_case));
   std::memcpy(c.ithif.data(), rec->data(), 20);
 
-  const std::string& tag = c.files.tag;
+  const std::string& tag = c.files.product_tag;
   if (tag != "J.W.U" && tag != "H.N.Q") {
-    if (const DirEntry* thlg = c.first.find("THLG", 1)) {
-      if (const auto r = read_section_record(c.first, *thlg, o.hist_case, 4)) std::memcpy(&c.elem_form, r->data(), 4);
+    if (const SectionInfo* thlg = c.first->find(sections::THLG, 1)) {
+      if (const auto r = read_section_record(*c.first, *thlg, o.hist_case, 4)) std::memcpy(&c.elem_form, r->data(), 4);
     }
   }
 
   if (c.ithif[0] == 1) {
     c.storage = "modal";
-    for (const char* t : {"MDSP", "MSHP"}) {
-      if (c.second.find(t, 3) == nullptr) throw CliError(c.files.second + ": case " + std::to_string(o.hist_case) + " is modal but section " + t + " is missing");
+    for (const SectionName& t : {sections::MDSP, sections::MSHP}) {
+      if (c.second->find(t, 3) == nullptr) throw CliError(second_path + ": case " + std::to_string(o.hist_case) + " is modal but section " + t.tag + " is missing");
     }
   } else if (c.ithif[0] == 2 || c.ithif[0] == 3) {
     c.storage = "direct";
     const int no = c.ithif[1];
-    const auto it = std::find_if(c.files.direct.begin(), c.files.direct.end(), [&](const auto& d) { return d.first == no; });
-    if (it == c.files.direct.end()) {
+    const FileInspection* direct = c.files.file(ArchiveFileKind::Direct, no);
+    if (direct == nullptr) {
       throw CliError("case " + std::to_string(o.hist_case) + " keeps its histories in direct file " + std::to_string(no) + ", which does not exist at " + o.base);
     }
-    const DirListing direct = read_directory(it->second);
-    check_listing(direct);
-    const DirEntry* dmed = direct.find("DMED", 1);
-    if (dmed == nullptr) throw CliError(it->second + ": no direct histories (section DMED)");
+    checked(direct);
+    const SectionInfo* dmed = direct->find(sections::DMED, 1);
+    if (dmed == nullptr) throw CliError(direct->path + ": no direct histories (section DMED)");
     if (c.ithif[2] <= 0) c.stored_steps = dmed->reclen / 2;
   } else {
     c.storage = "unknown (" + std::to_string(c.ithif[0]) + ")";
@@ -142,10 +142,11 @@ ArchiveContext open_archive(const QueryOptions& o, const Family& fam) {
   if (c.ithif[2] > 0) c.stored_steps = c.ithif[2];
 
   const int serial = fam.node ? 3 : (c.elem_form == 2 ? 4 : 3);
-  c.element_section_name = fam.section_tag + "/" + std::to_string(serial);
-  const DirEntry* sec = c.second.find(fam.section_tag, serial);
+  const std::string section_tag = fam.section.tag;
+  c.element_section_name = section_tag + "/" + std::to_string(serial);
+  const SectionInfo* sec = c.second->find(fam.section, serial);
   if (sec == nullptr) {
-    throw CliError(c.files.second + ": no " + fam.name + " results here (no section " + fam.section_tag + ", serial " + std::to_string(serial) + ")");
+    throw CliError(second_path + ": no " + fam.name + " results here (no section " + section_tag + ", serial " + std::to_string(serial) + ")");
   }
   c.element_section = *sec;
   return c;
@@ -170,14 +171,14 @@ void check_item(const Family& fam, const ArchiveContext& c, const Item& it) {
   const int64_t n = c.element_section.records();
   if (key > n) {
     throw usage_error(std::string(fam.node ? "node " : "item ") + std::to_string(key) + " is past the " +
-                      c.element_section_name + " section of " + c.files.second + " (" + std::to_string(n) + " records)");
+                      c.element_section_name + " section of " + c.second->path + " (" + std::to_string(n) + " records)");
   }
 }
 
 QueryInfo info_of(const QueryOptions& o, const Family& fam, const ArchiveContext& c, const Component& comp) {
   QueryInfo q;
   q.archive = o.base;
-  q.product = c.files.tag;
+  q.product = c.files.product_tag;
   q.family = fam.name;
   q.elem_type = fam.elem_type;
   q.hist_case = o.hist_case;
@@ -197,7 +198,7 @@ Request base_request(const QueryOptions& o, const Family& fam, const ArchiveCont
   r.elem_type = fam.elem_type;
   r.result_comp = comp;
   r.hist_case = o.hist_case;
-  r.product_index = product_index(c.files.tag);
+  r.product_index = product_index(c.files.product_tag);
   r.mode_no = o.mode;
   r.axis_flag = o.global ? 1 : 0;
   return r;
@@ -231,23 +232,30 @@ std::vector<Item> checked_items(const std::string& text, const Family& fam, cons
 }  // namespace
 
 int run_sections(const std::string& base, const std::string& product, std::ostream& out) {
-  const ArchiveFiles files = locate_archive(base, product, false);
-  std::vector<std::pair<std::string, std::string>> list = {{files.first, "first file"}};
-  {
-    std::error_code ec;
-    if (std::filesystem::exists(files.second, ec)) list.emplace_back(files.second, "second file");
-    else std::cerr << "respcore: " << files.second << ": missing (the second file)\n";
+  const ArchiveInspection archive = locate_archive(base, product, false);
+  std::vector<std::pair<const FileInspection*, std::string>> list;
+  for (const FileInspection& f : archive.files) {
+    switch (f.kind) {
+      case ArchiveFileKind::First:
+        list.emplace_back(&f, "first file");
+        break;
+      case ArchiveFileKind::Second:
+        if (f.exists) list.emplace_back(&f, "second file");
+        else std::cerr << "respcore: " << f.path << ": missing (the second file)\n";
+        break;
+      case ArchiveFileKind::Direct:
+        list.emplace_back(&f, "direct file " + std::to_string(f.direct_no));
+        break;
+    }
   }
-  for (const auto& [no, path] : files.direct) list.emplace_back(path, "direct file " + std::to_string(no));
-  out << "archive " << base << " (" << files.tag << "), " << list.size() << " files\n";
+  out << "archive " << base << " (" << archive.product_tag << "), " << list.size() << " files\n";
   int broken = 0;
-  for (const auto& [path, role] : list) {
-    const DirListing d = read_directory(path);
+  for (const auto& [f, role] : list) {
     out << "\n";
-    print_directory(out, d, role);
-    if (!d.error.empty()) {
+    print_directory(out, *f, role);
+    if (!f->sound()) {
       out.flush();
-      std::cerr << "respcore: " << path << ": " << d.error << "\n";
+      std::cerr << "respcore: " << f->path << ": " << f->problem << "\n";
       ++broken;
     }
   }
@@ -304,7 +312,7 @@ int run_history(const HistoryOptions& o, std::ostream& out) {
     PlotText t;
     const std::string what = fam.node ? "node " + std::to_string(item.number) : fam.name + " " + std::to_string(item.number) + " (record " + std::to_string(item.serial) + ")";
     t.title = what + ": " + comp.name + " over time";
-    t.subtitle = "archive " + o.base + " (" + c.files.tag + "), case " + std::to_string(o.hist_case) + ", " +
+    t.subtitle = "archive " + o.base + " (" + c.files.product_tag + "), case " + std::to_string(o.hist_case) + ", " +
                  c.storage + " storage" + (comp.meaning.empty() ? "" : "; " + comp.meaning);
     t.x_label = "time step";
     t.y_label = comp.name + " (row " + std::to_string(comp.number) + ")";
@@ -421,19 +429,19 @@ int run_components(const std::string& type, const std::string& format_text, std:
       case Format::Table:
         for (const Family& f : list) {
           char line[200];
-          std::snprintf(line, sizeof line, "%3d  %-18s %-5s %s\n", f.elem_type, f.name.c_str(), f.section_tag.c_str(), f.description.c_str());
+          std::snprintf(line, sizeof line, "%3d  %-18s %-5s %s\n", f.elem_type, f.name.c_str(), f.section.tag, f.description.c_str());
           out << line;
         }
         break;
       case Format::Csv:
         out << "type,name,section,description\n";
-        for (const Family& f : list) out << f.elem_type << "," << f.name << "," << f.section_tag << "," << csv_field(f.description) << "\n";
+        for (const Family& f : list) out << f.elem_type << "," << f.name << "," << f.section.tag << "," << csv_field(f.description) << "\n";
         break;
       case Format::Json:
         out << "{\"families\": [";
         for (size_t i = 0; i < list.size(); ++i) {
           out << (i ? ", " : "") << "{\"type\": " << list[i].elem_type << ", \"name\": " << json_string(list[i].name)
-              << ", \"section\": " << json_string(list[i].section_tag) << ", \"description\": " << json_string(list[i].description) << "}";
+              << ", \"section\": " << json_string(list[i].section.tag) << ", \"description\": " << json_string(list[i].description) << "}";
         }
         out << "]}\n";
         break;
