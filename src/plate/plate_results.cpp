@@ -84,8 +84,8 @@ void COMPUTE_PLATE_STRAIN(const PlateContext& C, PlateStrainSaved& SV, VecRef<do
   if (npts < 1 || npts > 5) return;
   if (STEP == 1) {
     double d1[9], d2[9], ds[4], shearmod = 0.0, d2_mean = 0.0, ds_mean = 0.0;
-    PLATE_MATER_STF(C, 0.0, MatRef<double>(d1, 3, 3, "D1"), shearmod, MatRef<double>(d2, 3, 3, "D2"),
-                    MatRef<double>(ds, 2, 2, "DS"), d2_mean, ds_mean, 6, 0);
+    PLATE_MATER_STF(C, MatRef<double>(d1, 3, 3, "D1"), shearmod, MatRef<double>(d2, 3, 3, "D2"),
+                    MatRef<double>(ds, 2, 2, "DS"), d2_mean, ds_mean, 6);
     SV.T = THK(1);
     const double tb = SV.T * SV.T * SV.T / 12.0;
     for (int k = 0; k < 9; ++k) {
@@ -143,7 +143,8 @@ void GLOTOLOC_FOC(VecRef<double> IN, VecRef<double> OUT, int32_t N, MatRef<doubl
     for (int c = 0; c < 3; ++c) a[c][r] = TR(r + 1, c + 1);
   for (int k = 0; k < N / 3; ++k) {
     const double v[3] = {IN(3 * k + 1), IN(3 * k + 2), IN(3 * k + 3)};
-    for (int r = 0; r < 3; ++r) OUT(3 * k + r + 1) = a[0][r] * v[0] + a[1][r] * v[1] + a[2][r] * v[2];
+    for (int r = 0; r < 3; ++r)
+      OUT(3 * k + r + 1) = a[0][r] * v[0] + a[1][r] * v[1] + a[2][r] * v[2];
   }
 }
 

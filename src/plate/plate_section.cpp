@@ -46,8 +46,7 @@ PlateSection general_plate_section(const PlateContext& C) {
   M3 d1, d2;
   M2 ds;
   double shearmod = 0.0, d2_mean = 0.0, ds_mean = 0.0;
-  PLATE_MATER_STF(C, 0.0, d1.ref("D1"), shearmod, d2.ref("D2"), ds.ref("DS"), d2_mean, ds_mean,
-                  14, 0);
+  PLATE_MATER_STF(C, d1.ref("D1"), shearmod, d2.ref("D2"), ds.ref("DS"), d2_mean, ds_mean, 14);
   const double P1 = C.mat.PLATE_PROP[0];
   const double T2 = C.mat.PLATE_PROP[1];
 

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <tuple>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "plane/panel_axes.hpp"
 #include "plate/dkmq.hpp"
 #include "plate/quad_drilling.hpp"

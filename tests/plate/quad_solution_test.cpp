@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "plate/dkmq.hpp"
 #include "plate/wilson.hpp"
 

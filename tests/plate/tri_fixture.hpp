@@ -2,7 +2,7 @@
 // with a given material and the plate context made from it.
 #pragma once
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "plate/plate_context.hpp"
 
 namespace respcore::tri_test {
