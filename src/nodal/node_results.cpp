@@ -265,6 +265,9 @@ void DISP_VELO_ACCEL(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList 
         VMIN(k) = vmin;
         SMAX(k) = smax;
         SMIN(k) = smin;
+        K.nodal.extreme_steps.resize(2 * static_cast<size_t>(R.NUM_ITEMS), 0);
+        K.nodal.extreme_steps[2 * static_cast<size_t>(k - 1)] = static_cast<int32_t>(smax);
+        K.nodal.extreme_steps[2 * static_cast<size_t>(k - 1) + 1] = static_cast<int32_t>(smin);
       } else if (mode == 3) {
         for (int32_t r = 1; r <= Kw; ++r) {
           TDSP(r, 2 * (k - 1) + 1) = DISP_NO(r, 1);

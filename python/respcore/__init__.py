@@ -1,0 +1,65 @@
+"""Time histories from the result archive of a finished dynamic analysis.
+
+    import respcore
+    a = respcore.Archive("build/demo/frame")
+    my = a.history("beam", 1, "My-i")                 # one value per step
+    ux = a.snapshot("node-displacement", "all", "x", step=531)
+    env = a.envelope("node-displacement", "19-24", "x")
+    env.max, env.max_step                             # values and their steps
+
+Families are named ("beam", "node-displacement", ...) or numbered 1 to 14;
+components by the names of ``components(family)`` or by number; items by
+number, as lists, ranges, numpy arrays, texts such as "1-6,9" or "all", or
+(serial, number) pairs where a record and its element number differ.
+
+A missing or broken archive, a section that is not there and any error line
+of the kernel raise ArchiveError; a bad family, component, item, case or step
+raises ValueError. Nothing is printed.
+"""
+
+from collections import namedtuple
+
+from . import _core
+from ._core import ArchiveError, Envelope, points, write_demo
+
+__all__ = ["Archive", "ArchiveError", "Envelope", "Component", "Components", "Family",
+           "families", "components", "points", "write_demo"]
+
+Family = namedtuple("Family", "number name description section node")
+Family.__doc__ = "A result family: its number (the kernel's element type), name, section tag."
+
+Component = namedtuple("Component", "number name meaning")
+Component.__doc__ = "A component: the number the kernel takes, its name and what it is."
+
+Components = namedtuple("Components", "history snapshot")
+Components.__doc__ = ("The components of a family: the result rows a history returns, and the "
+                      "selectors of a snapshot, each of which gives a value at every point.")
+
+
+def families():
+    """The fourteen result families, in number order."""
+    return [Family(*f) for f in _core.families()]
+
+
+def components(family):
+    """The component names of a family (name or number)."""
+    rows, selectors, _ = _core.components(family)
+    return Components([Component(*c) for c in rows], [Component(*c) for c in selectors])
+
+
+class Archive(_core.Archive):
+    """A result archive, opened by its base name (the path without extension).
+
+    Archive(base, product=None): PRODUCT is the tag of the files ("P.R.W",
+    ...), needed only when files of several products share the base name.
+
+    Each Archive has its own kernel; separate Archives may be used from
+    separate threads, and the GIL is released while the kernel runs.
+    """
+
+    def __repr__(self):
+        return f"<respcore.Archive {self.base!r} ({self.product})>"
+
+    def components(self, family):
+        """The component names of a family (name or number)."""
+        return components(family)
