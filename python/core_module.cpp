@@ -135,12 +135,16 @@ ItemsArg items_arg(const py::handle& h) {
   } else if (py::isinstance<py::int_>(h) || py::isinstance<py::tuple>(h)) {
     a.list.push_back(item_of(h));
   } else if (py::isinstance<py::array>(h)) {
+    // Numbers, or rows of (serial, number).
     const auto arr = py::array_t<long long, py::array::c_style | py::array::forcecast>::ensure(h);
-    if (!arr || arr.ndim() != 1) throw py::value_error("an item array is one-dimensional");
-    for (py::ssize_t i = 0; i < arr.size(); ++i) {
-      const long long v = arr.at(i);
-      if (v < 1 || v > INT32_MAX) throw py::value_error("item " + std::to_string(v) + " is not a positive number");
-      a.list.push_back({static_cast<int>(v), static_cast<int>(v)});
+    const bool pairs = arr && arr.ndim() == 2 && arr.shape(1) == 2;
+    if (!arr || !(arr.ndim() == 1 || pairs)) throw py::value_error("an item array holds numbers, or rows of (serial, number)");
+    const long long* p = arr.data();
+    const py::ssize_t n = pairs ? arr.shape(0) : arr.size();
+    for (py::ssize_t i = 0; i < n; ++i) {
+      const long long s = pairs ? p[2 * i] : p[i], e = pairs ? p[2 * i + 1] : p[i];
+      if (s < 1 || s > INT32_MAX || e < 1 || e > INT32_MAX) throw py::value_error("items are positive numbers");
+      a.list.push_back({static_cast<int>(s), static_cast<int>(e)});
     }
   } else {
     for (const py::handle& x : py::iter(h)) a.list.push_back(item_of(x));
@@ -268,6 +272,55 @@ class Archive {
     });
     raise_on_lines(lines, list);
     return to_array(std::move(v.values), {static_cast<py::ssize_t>(list.size()), v.points});
+  }
+
+  // Many items over the same steps: items x steps.
+  py::array_t<double> histories(const py::object& family, const py::object& items, const py::object& comp,
+                                int hist_case, const py::object& steps, const py::object& mode,
+                                const std::string& axes) {
+    const cli::Family& f = family_arg(family);
+    cli::Query q = query(f, cli::resolve_row(f, text_of(comp, "comp")).number, hist_case, mode, axes);
+    const ItemsArg arg = items_arg(items);
+    const int wanted = steps_arg(steps);
+    cli::KernelLines lines;
+    std::vector<Item> list;
+    int n = 0;
+    std::vector<double> v = released([&] {
+      std::lock_guard lock(mutex_);
+      const cli::CaseInfo& c = case_of(hist_case);
+      list = checked_items(f, c, arg);
+      n = cli::steps_of(wanted, c);
+      std::vector<double> all;
+      all.reserve(list.size() * static_cast<size_t>(n));
+      for (size_t i = 0; i < list.size(); ++i) {
+        cli::KernelLines each;
+        const std::vector<double> h = cli::query_history(kernel_, q, list[i], n, {}, each);
+        all.insert(all.end(), h.begin(), h.end());
+        for (cli::KernelLine& l : each.output) lines.output.push_back({std::move(l.text), static_cast<int>(i)});
+        lines.diagnostics.insert(lines.diagnostics.end(), each.diagnostics.begin(), each.diagnostics.end());
+      }
+      return all;
+    });
+    raise_on_lines(lines, list);
+    return to_array(std::move(v), {static_cast<py::ssize_t>(list.size()), n});
+  }
+
+  // The items a request names, checked against the family's section:
+  // rows of (serial, number).
+  py::array_t<int32_t> items(const py::object& family, const py::object& items, int hist_case) {
+    const cli::Family& f = family_arg(family);
+    const ItemsArg arg = items_arg(items);
+    const std::vector<Item> list = released([&] {
+      std::lock_guard lock(mutex_);
+      return checked_items(f, case_of(hist_case), arg);
+    });
+    py::array_t<int32_t> a({static_cast<py::ssize_t>(list.size()), py::ssize_t{2}});
+    int32_t* p = a.mutable_data();
+    for (size_t i = 0; i < list.size(); ++i) {
+      p[2 * i] = list[i].serial;
+      p[2 * i + 1] = list[i].number;
+    }
+    return a;
   }
 
   Envelope envelope(const py::object& family, const py::object& items, const py::object& comp, int hist_case,
@@ -430,6 +483,10 @@ PYBIND11_MODULE(_core, m) {
       .def("snapshot", &Archive::snapshot, py::arg("family"), py::arg("items"), py::arg("comp"),
            py::arg("step"), py::kw_only(), py::arg("case") = 1, py::arg("mode") = py::none(),
            py::arg("axes") = "local")
+      .def("histories", &Archive::histories, py::arg("family"), py::arg("items"), py::arg("comp"),
+           py::kw_only(), py::arg("case") = 1, py::arg("steps") = py::none(), py::arg("mode") = py::none(),
+           py::arg("axes") = "local")
+      .def("items", &Archive::items, py::arg("family"), py::arg("items"), py::arg("case") = 1)
       .def("envelope", &Archive::envelope, py::arg("family"), py::arg("items"), py::arg("comp"),
            py::kw_only(), py::arg("case") = 1, py::arg("steps") = py::none(), py::arg("mode") = py::none(),
            py::arg("axes") = "local");
