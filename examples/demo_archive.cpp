@@ -174,6 +174,11 @@ DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
       ndsp.put_f64s(n.number, 0, rec);
     }
   }
+  // Node coordinates: x, y, z of each node, record = node number.
+  {
+    Section& cord = second.add("CORD", 3, 6, static_cast<int64_t>(model.nodes.size()));
+    for (const Node& n : model.nodes) cord.put_f64s(n.number, 0, std::vector<double>{n.x, n.y, n.z});
+  }
   // Element records.
   {
     const int nbeam = model.count(Role::Column) + model.count(Role::Beam);

@@ -19,6 +19,7 @@
 
 #include "cli_error.hpp"
 #include "frame_demo.hpp"
+#include "mesh_records.hpp"
 #include "query.hpp"
 #include "respcore/kernel.hpp"
 
@@ -85,8 +86,9 @@ py::array_t<double> to_array(std::vector<double>&& v, std::vector<py::ssize_t> s
   return py::array_t<double>(std::move(shape), owned->data(), owner);
 }
 
-py::array_t<int32_t> to_int_array(const std::vector<int32_t>& v) {
-  py::array_t<int32_t> a(static_cast<py::ssize_t>(v.size()));
+py::array_t<int32_t> to_int_array(const std::vector<int32_t>& v, std::vector<py::ssize_t> shape = {}) {
+  if (shape.empty()) shape = {static_cast<py::ssize_t>(v.size())};
+  py::array_t<int32_t> a(shape);
   std::copy(v.begin(), v.end(), a.mutable_data());
   return a;
 }
@@ -323,6 +325,23 @@ class Archive {
     return a;
   }
 
+  // The geometry records: node coordinates (nodes x 3) and, per element
+  // family, (name, serials, node counts, nodes as elements x most nodes).
+  py::tuple mesh_records(int hist_case) {
+    cli::MeshRecords m = released([&] {
+      std::lock_guard lock(mutex_);
+      return cli::read_mesh_records(view_, case_of(hist_case));
+    });
+    py::list families;
+    for (const cli::ElementNodes& e : m.families) {
+      const auto k = static_cast<py::ssize_t>(e.serials.size());
+      families.append(py::make_tuple(e.family->name, to_int_array(e.serials), to_int_array(e.counts),
+                                     to_int_array(e.nodes, {k, e.max_nodes})));
+    }
+    const auto n = static_cast<py::ssize_t>(m.xyz.size() / 3);
+    return py::make_tuple(to_array(std::move(m.xyz), {n, 3}), families);
+  }
+
   Envelope envelope(const py::object& family, const py::object& items, const py::object& comp, int hist_case,
                     const py::object& steps, const py::object& mode, const std::string& axes) {
     const cli::Family& f = family_arg(family);
@@ -426,6 +445,11 @@ PYBIND11_MODULE(_core, m) {
     return l;
   }, "The result families: (number, name, description, section tag, node results).");
 
+  m.def("family", [](const py::object& family) {
+    const cli::Family& f = family_arg(family);
+    return py::make_tuple(f.elem_type, f.name, f.description, f.section_tag, f.node);
+  }, py::arg("family"), "One family by name, alias or number.");
+
   m.def("components", [](const py::object& family) {
     const cli::Family& f = family_arg(family);
     const cli::ComponentTable& t = cli::component_table(f.elem_type);
@@ -486,6 +510,7 @@ PYBIND11_MODULE(_core, m) {
       .def("histories", &Archive::histories, py::arg("family"), py::arg("items"), py::arg("comp"),
            py::kw_only(), py::arg("case") = 1, py::arg("steps") = py::none(), py::arg("mode") = py::none(),
            py::arg("axes") = "local")
+      .def("_mesh_records", &Archive::mesh_records, py::arg("case") = 1)
       .def("items", &Archive::items, py::arg("family"), py::arg("items"), py::arg("case") = 1)
       .def("envelope", &Archive::envelope, py::arg("family"), py::arg("items"), py::arg("comp"),
            py::kw_only(), py::arg("case") = 1, py::arg("steps") = py::none(), py::arg("mode") = py::none(),

@@ -23,7 +23,7 @@ from . import _core
 from ._core import ArchiveError, Envelope, points, write_demo
 
 __all__ = ["Archive", "ArchiveError", "Envelope", "Component", "Components", "Family",
-           "families", "components", "points", "write_demo"]
+           "families", "family", "components", "points", "write_demo"]
 
 Family = namedtuple("Family", "number name description section node")
 Family.__doc__ = "A result family: its number (the kernel's element type), name, section tag."
@@ -39,6 +39,11 @@ Components.__doc__ = ("The components of a family: the result rows a history ret
 def families():
     """The fourteen result families, in number order."""
     return [Family(*f) for f in _core.families()]
+
+
+def family(family):
+    """A family by name, alias or number."""
+    return Family(*_core.family(family))
 
 
 def components(family):
@@ -63,3 +68,18 @@ class Archive(_core.Archive):
     def components(self, family):
         """The component names of a family (name or number)."""
         return components(family)
+
+    def mesh(self, case=1):
+        """Node coordinates and element connectivity (a respcore.mesh.Mesh)."""
+        from .mesh import mesh
+        return mesh(self, case)
+
+    def to_meshio(self, step, case=1, fields=(), motion=("displacement",)):
+        """A meshio.Mesh at STEP: node motion as point data, the FIELDS as cell data.
+
+        FIELDS lists element results as "family:selector" or (family,
+        selector), e.g. ["beam:My", "truss:N"]; MOTION the node quantities,
+        of "displacement", "velocity", "acceleration". See respcore.mesh.
+        """
+        from .mesh import to_meshio
+        return to_meshio(self, step, case, fields, motion)
