@@ -52,6 +52,14 @@ def components(family):
     return Components([Component(*c) for c in rows], [Component(*c) for c in selectors])
 
 
+def __getattr__(name):
+    # respcore.dask on first use: Dask is imported only by those who use it.
+    if name == "dask":
+        import importlib
+        return importlib.import_module(".dask", __name__)
+    raise AttributeError(f"module 'respcore' has no attribute {name!r}")
+
+
 class Archive(_core.Archive):
     """A result archive, opened by its base name (the path without extension).
 
