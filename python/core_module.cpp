@@ -217,6 +217,14 @@ class Archive {
     return n > 0 ? py::object(py::int_(n)) : py::none();
   }
 
+  int modes(int hist_case) {
+    return released([&] {
+      std::lock_guard lock(mutex_);
+      const cli::CaseInfo& c = case_of(hist_case);
+      return c.ithif[0] == 1 ? std::max(c.ithif[3], 0) : 0;
+    });
+  }
+
   std::string storage(int hist_case) {
     return released([&] {
       std::lock_guard lock(mutex_);
@@ -499,20 +507,32 @@ PYBIND11_MODULE(_core, m) {
       .def_property_readonly("cases", &Archive::cases, "the history cases, from 1")
       .def("steps", &Archive::steps, py::arg("case") = 1, "steps stored for a case (None: not told)")
       .def("storage", &Archive::storage, py::arg("case") = 1, "'modal' or 'direct'")
+      .def("modes", &Archive::modes, py::arg("case") = 1, "modes of a modal case (0 for a direct one)")
       .def("records", &Archive::records, py::arg("family"), py::arg("case") = 1,
            "records of the family's section: the items there are")
       .def("history", &Archive::history, py::arg("family"), py::arg("item"), py::arg("comp"),
            py::kw_only(), py::arg("case") = 1, py::arg("steps") = py::none(), py::arg("mode") = py::none(),
-           py::arg("axes") = "local", py::arg("absolute") = false, py::arg("relative_to") = py::none())
+           py::arg("axes") = "local", py::arg("absolute") = false, py::arg("relative_to") = py::none(),
+           "One item over the steps: a float64 array of STEPS values (default: every stored step).\n"
+           "COMP is a history row by name or number. MODE picks one mode of a modal case; AXES is\n"
+           "'local' (element or node axes) or 'global'. Node results only: ABSOLUTE adds the ground\n"
+           "motion, RELATIVE_TO gives the motion relative to that node.")
       .def("snapshot", &Archive::snapshot, py::arg("family"), py::arg("items"), py::arg("comp"),
            py::arg("step"), py::kw_only(), py::arg("case") = 1, py::arg("mode") = py::none(),
-           py::arg("axes") = "local")
+           py::arg("axes") = "local",
+           "Many items at one step: items x points (respcore.points(family, comp) names the\n"
+           "points: both ends of a beam, the centre and nodes of a plate). COMP is a snapshot\n"
+           "selector by name or number.")
       .def("histories", &Archive::histories, py::arg("family"), py::arg("items"), py::arg("comp"),
            py::kw_only(), py::arg("case") = 1, py::arg("steps") = py::none(), py::arg("mode") = py::none(),
-           py::arg("axes") = "local")
+           py::arg("axes") = "local", "Many items over the steps: items x steps, one history a row.")
       .def("_mesh_records", &Archive::mesh_records, py::arg("case") = 1)
-      .def("items", &Archive::items, py::arg("family"), py::arg("items"), py::arg("case") = 1)
+      .def("items", &Archive::items, py::arg("family"), py::arg("items"), py::arg("case") = 1,
+           "The items named, checked against the family's section: rows of (serial, number).")
       .def("envelope", &Archive::envelope, py::arg("family"), py::arg("items"), py::arg("comp"),
            py::kw_only(), py::arg("case") = 1, py::arg("steps") = py::none(), py::arg("mode") = py::none(),
-           py::arg("axes") = "local");
+           py::arg("axes") = "local",
+           "The largest and smallest value of a history row over the steps, per item, with the\n"
+           "steps where they first occur (an Envelope). Node results come from the kernel's\n"
+           "envelope and add all six components at those steps.");
 }

@@ -129,3 +129,30 @@ def test_two_threads_with_two_archives_give_the_serial_results(demo):
     for k in (0, 1):
         for got, want in zip(halves[k], serial[k::2]):
             np.testing.assert_array_equal(got, want)
+
+
+def test_items_modes_and_arguments_in_every_form(demo):
+    a = respcore.Archive(demo)
+    want = a.snapshot("beam", [1, 2, 3, 12], "N", 10)
+    for items in ("1-3,12", "1,2,3,12:112", np.array([1, 2, 3, 12]), np.array([[1, 1], [2, 2], [3, 3], [12, 12]]),
+                  [(1, 1), 2, "3", 12]):
+        np.testing.assert_array_equal(a.snapshot(13, items, 1, 10), want, err_msg=repr(items))
+    np.testing.assert_array_equal(a.history("beam", "5", 5), a.history(13, 5, "My-i"))
+
+    # A modal history is the sum of its modes' histories.
+    n = a.modes(1)
+    assert n > 1 and a.modes(2) == 0
+    each = sum(a.history("node-acceleration", 20, "x", mode=m) for m in range(1, n + 1))
+    np.testing.assert_allclose(each, a.history("node-acceleration", 20, "x"), rtol=0, atol=1e-12 * np.abs(each).max())
+
+    for call, message in [(lambda: a.history("beam", 1, 5, steps=0), "steps"),
+                          (lambda: a.history("beam", 1, 5, mode=0), "mode"),
+                          (lambda: a.history("beam", 1, 5, axes="sideways"), "axes"),
+                          (lambda: a.history("beam", 0, 5), "positive"),
+                          (lambda: a.history(15, 1, 5), "unknown family"),
+                          (lambda: a.history("beam", 1, 5, steps=1001), "exceed the 1000 steps"),
+                          (lambda: a.history("beam", 1, 5, relative_to=3), "node results only"),
+                          (lambda: a.snapshot("beam", "all", "N", 1001), "past the 1000 steps"),
+                          (lambda: a.envelope("node-velocity", 1, "warp"), "six components")]:
+        with pytest.raises(ValueError, match=message):
+            call()
