@@ -2,6 +2,8 @@
 // archives and the many-items request they time.
 #pragma once
 
+#include <benchmark/benchmark.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -19,6 +21,28 @@ inline std::string bench_dir() {
     return t;
   }();
   return dir;
+}
+
+// Item 1 of ELEM_TYPE over NSTEPS steps (REQUEST_MODE 1).
+inline Request history_request(const std::string& base, int32_t elem_type, int32_t comp,
+                               int32_t nsteps) {
+  Request q;
+  q.base = base;
+  q.elem_type = elem_type;
+  q.result_comp = comp;
+  q.num_steps = nsteps;
+  q.serials = {1};
+  q.elements = {1};
+  return q;
+}
+
+// Runs Q once per iteration of ST.
+inline void run_each_iteration(benchmark::State& st, const Request& q) {
+  Kernel k;
+  for (auto _ : st) {
+    auto r = k.run(q);
+    benchmark::DoNotOptimize(r.values.data());
+  }
 }
 
 // Elements 1..N of ELEM_TYPE at one step (REQUEST_MODE 2).

@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "respcore/archive_writer.hpp"
 #include "bench_support.hpp"
+#include "respcore/archive_writer.hpp"
 #include "respcore/kernel.hpp"
 
 namespace {
@@ -21,6 +21,8 @@ namespace {
 using namespace respcore;
 
 using respcore::bench::bench_dir;
+using respcore::bench::history_request;
+using respcore::bench::run_each_iteration;
 using respcore::bench::snapshot_request;
 
 // A node with equations 1..6 over NSTEPS direct steps.
@@ -34,21 +36,18 @@ NodeArchive make_node_archive(int32_t nsteps) {
   NodeArchive a{bench_dir() + "/node" + std::to_string(nsteps), nsteps};
   ArchiveWriter w(a.base);
   w.first();
-  Section& thif = w.second().add("THIF", 3, 5, 1);
-  thif.put_i32s(1, 0, std::vector<int32_t>{2, 1, nsteps, 0, 0});
-  Section& ndsp = w.second().add("NDSP", 3, 54, 1);
-  std::vector<double> rec(27, 0.0);
-  for (int i = 0; i < 6; ++i) rec[i] = i + 1;
-  for (int i = 0, k = 6; i < 6; ++i) {
-    for (int j = i; j < 6; ++j) rec[k++] = i == j ? 1.0 : 0.0;
+  w.history_cases({{2, 1, nsteps, 0, 0}});
+  w.node_transforms({{{1, 2, 3, 4, 5, 6}, {}}});
+  // Record x of the section holds x + 1e-6 s at step s.
+  std::vector<EquationHistory> eqs(6);
+  for (int e = 1; e <= 6; ++e) {
+    std::vector<double>* h[3] = {&eqs[e - 1].acc, &eqs[e - 1].vel, &eqs[e - 1].disp};
+    for (int r = 0; r < 3; ++r) {
+      const int x = 3 * (e - 1) + r + 1;
+      for (int s = 0; s < nsteps; ++s) h[r]->push_back(x + 1e-6 * s);
+    }
   }
-  ndsp.put_f64s(1, 0, rec);
-  Section& dmed = w.direct(1).add("DMED", 1, 2 * nsteps, 18);
-  std::vector<double> h(static_cast<size_t>(nsteps));
-  for (int x = 1; x <= 18; ++x) {
-    for (int s = 0; s < nsteps; ++s) h[static_cast<size_t>(s)] = x + 1e-6 * s;
-    dmed.put_f64s(x, 0, h);
-  }
+  Section& dmed = w.direct_histories(1, eqs, nsteps);
   w.direct(1).build();
   a.dmed_first = dmed.first;
   w.write();
@@ -58,13 +57,7 @@ NodeArchive make_node_archive(int32_t nsteps) {
 void BM_NodeHistory_Kernel(benchmark::State& st) {
   static NodeArchive a = make_node_archive(100000);
   Kernel k;
-  Request q;
-  q.base = a.base;
-  q.elem_type = 9;
-  q.result_comp = 2;
-  q.num_steps = a.nsteps;
-  q.serials = {1};
-  q.elements = {1};
+  const Request q = history_request(a.base, 9, 2, a.nsteps);
   // As a post-processor calls it: into its own array, kept between calls.
   std::vector<double> out(static_cast<size_t>(a.nsteps));
   for (auto _ : st) {
@@ -111,28 +104,31 @@ TrussArchive make_truss_archive() {
   a.base = bench_dir() + "/trusses";
   ArchiveWriter w(a.base);
   w.first();
-  w.second().add("THIF", 3, 5, 1).put_i32s(1, 0, std::vector<int32_t>{2, 1, a.nsteps, 0, 0});
-  Section& trus = w.second().add("TRUS", 3, 126, a.n);
+  w.history_cases({{2, 1, a.nsteps, 0, 0}});
+  std::vector<TrussRecord> trusses;
   for (int32_t e = 1; e <= a.n; ++e) {
-    std::vector<double> sa(63, 0.0);
-    for (int i = 0; i < 6; ++i) sa[i] = 3 * (e - 1) + 1 + i;
+    TrussRecord t;
+    for (int i = 0; i < 6; ++i) t.lm.push_back(3 * (e - 1) + 1 + i);
     // STRS(4, 6): axial forces from dof 1 and 4, stress factors in column 1.
-    sa[6 + 0] = -1.0;
-    sa[6 + 2] = 0.01;
-    sa[6 + 3] = 0.01;
-    sa[6 + 4 * 3 + 1] = 1.0;
-    sa[60] = 6;
-    sa[61] = 4;
-    sa[62] = 1.0;
-    trus.put_f64s(e, 0, sa);
+    t.strs.assign(24, 0.0);
+    t.strs[0] = -1.0;
+    t.strs[2] = 0.01;
+    t.strs[3] = 0.01;
+    t.strs[4 * 3 + 1] = 1.0;
+    trusses.push_back(std::move(t));
   }
+  Section& trus = w.truss_records(3, trusses);
+  // Record x of the section holds x / 1000 + s at step s.
   const int32_t neq = 3 * (a.n + 1);
-  Section& dmed = w.direct(1).add("DMED", 1, 2 * a.nsteps, 3LL * neq);
-  std::vector<double> h(static_cast<size_t>(a.nsteps));
-  for (int32_t x = 1; x <= 3 * neq; ++x) {
-    for (int s = 0; s < a.nsteps; ++s) h[static_cast<size_t>(s)] = x * 1e-3 + s;
-    dmed.put_f64s(x, 0, h);
+  std::vector<EquationHistory> eqs(static_cast<size_t>(neq));
+  for (int32_t e = 1; e <= neq; ++e) {
+    std::vector<double>* h[3] = {&eqs[e - 1].acc, &eqs[e - 1].vel, &eqs[e - 1].disp};
+    for (int r = 0; r < 3; ++r) {
+      const int32_t x = 3 * (e - 1) + r + 1;
+      for (int s = 0; s < a.nsteps; ++s) h[r]->push_back(x * 1e-3 + s);
+    }
   }
+  Section& dmed = w.direct_histories(1, eqs, a.nsteps);
   w.second().build();
   w.direct(1).build();
   a.trus_first = trus.first;
@@ -148,12 +144,7 @@ TrussArchive& truss_archive() {
 
 void BM_Trusses_Kernel(benchmark::State& st) {
   TrussArchive& a = truss_archive();
-  Kernel k;
-  const Request q = snapshot_request(a.base, 12, 1, a.n, 7);
-  for (auto _ : st) {
-    auto r = k.run(q);
-    benchmark::DoNotOptimize(r.values.data());
-  }
+  run_each_iteration(st, snapshot_request(a.base, 12, 1, a.n, 7));
   st.SetItemsProcessed(st.iterations() * a.n);
 }
 BENCHMARK(BM_Trusses_Kernel)->Unit(benchmark::kMillisecond);
@@ -196,18 +187,7 @@ void BM_NodeMillionSteps_PeakMemory(benchmark::State& st) {
     waitpid(pid, &status, 0);
     return na;
   }();
-  Kernel k;
-  Request q;
-  q.base = a.base;
-  q.elem_type = 9;
-  q.result_comp = 1;
-  q.num_steps = a.nsteps;
-  q.serials = {1};
-  q.elements = {1};
-  for (auto _ : st) {
-    auto r = k.run(q);
-    benchmark::DoNotOptimize(r.values.data());
-  }
+  run_each_iteration(st, history_request(a.base, 9, 1, a.nsteps));
   rusage ru{};
   getrusage(RUSAGE_SELF, &ru);
   st.counters["peak_MB"] = static_cast<double>(ru.ru_maxrss) / 1024.0;

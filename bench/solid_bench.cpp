@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "respcore/archive_writer.hpp"
 #include "bench_support.hpp"
+#include "respcore/archive_writer.hpp"
 #include "respcore/kernel.hpp"
 
 namespace {
@@ -20,6 +20,8 @@ namespace {
 using namespace respcore;
 
 using respcore::bench::bench_dir;
+using respcore::bench::history_request;
+using respcore::bench::run_each_iteration;
 using respcore::bench::snapshot_request;
 
 // Offset of record REC of SEC in its file.
@@ -27,10 +29,11 @@ int64_t offset(const Section& sec, int64_t rec) {
   return (sec.first - 1 + rec - 1) * 4LL * sec.reclen_words();
 }
 
-void add_material(ArchiveWriter& w, int32_t nelem) {
-  Section& elmt = w.second().add("ELMT", 3, 1, nelem);
-  for (int32_t e = 1; e <= nelem; ++e) elmt.put_i32(e, 0, 1);
-  w.second().add_f64_rows("MATL", 3, {{1, 2.0e5, 0.3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}});
+// Every element of material 1; returns the two sections.
+std::pair<Section*, Section*> add_material(ArchiveWriter& w, int32_t nelem) {
+  Section& elmt = w.element_table(std::vector<std::vector<int32_t>>(static_cast<size_t>(nelem), {1}));
+  Section& matl = w.materials({{1, 2.0e5, 0.3, 0, {}}});
+  return {&elmt, &matl};
 }
 
 // ---------------------------------------------------------------------------
@@ -48,37 +51,33 @@ HexArchive make_hex_archive() {
   a.base = bench_dir() + "/hex20";
   ArchiveWriter w(a.base);
   w.first();
-  w.second().add("THIF", 3, 5, 1).put_i32s(1, 0, std::vector<int32_t>{2, 1, a.nsteps, 0, 0});
-  add_material(w, 1);
+  w.history_cases({{2, 1, a.nsteps, 0, 0}});
+  const auto [elmt, matl] = add_material(w, 1);
   const double nat[20][3] = {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}, {-1, -1, 1},
                              {1, -1, 1},   {1, 1, 1},   {-1, 1, 1}, {0, -1, -1}, {1, 0, -1},
                              {0, 1, -1},   {-1, 0, -1}, {0, -1, 1}, {1, 0, 1},   {0, 1, 1},
                              {-1, 0, 1},   {-1, -1, 0}, {1, -1, 0}, {1, 1, 0},   {-1, 1, 0}};
-  std::vector<double> rec(90, 0.0);
-  rec[0] = 20;
-  std::vector<std::vector<double>> cord;
+  SolidHighRecord rec;
+  std::vector<std::array<double, 3>> cord;
   for (int k = 0; k < 20; ++k) {
-    rec[1 + k] = k + 1;
-    for (int c = 0; c < 3; ++c) rec[21 + 3 * k + c] = 3 * k + c + 1;
+    rec.nodes.push_back(k + 1);
+    for (int c = 0; c < 3; ++c) rec.equations.push_back(3 * k + c + 1);
     cord.push_back({2.0 * nat[k][0] + 0.1 * nat[k][1], 1.5 * nat[k][1], nat[k][2]});
   }
-  Section& psoh = w.second().add_f64_rows("PSOH", 3, {rec});
-  Section& cords = w.second().add_f64_rows("CORD", 3, cord);
-  Section& dmed = w.direct(1).add("DMED", 1, 2 * a.nsteps, 3 * 60);
-  std::vector<double> h(static_cast<size_t>(a.nsteps));
+  Section& psoh = w.solid_high_records(3, {rec});
+  Section& cords = w.node_coordinates(cord);
+  std::vector<EquationHistory> eqs(60);
   for (int e = 1; e <= 60; ++e) {
-    for (int s = 0; s < a.nsteps; ++s) h[static_cast<size_t>(s)] = 1e-3 * std::sin(0.01 * s * e);
-    dmed.put_f64s(3 * e, 0, h);
+    for (int s = 0; s < a.nsteps; ++s) eqs[e - 1].disp.push_back(1e-3 * std::sin(0.01 * s * e));
   }
+  Section& dmed = w.direct_histories(1, eqs, a.nsteps);
   w.second().build();
   w.direct(1).build();
   a.psoh = offset(psoh, 1);
-  a.psoh_len = 90 * 8;
+  a.psoh_len = SolidHighRecord::kWords * 8;
   a.cord = offset(cords, 1);
   a.cord_len = 4 * cords.reclen_words();
   a.dmed = offset(dmed, 1);
-  Section* elmt = w.second().find("ELMT", 3);
-  Section* matl = w.second().find("MATL", 3);
   a.elmt = offset(*elmt, 1);
   a.matl = offset(*matl, 1);
   w.write();
@@ -92,18 +91,7 @@ HexArchive& hex_archive() {
 
 void BM_Hex20History_Kernel(benchmark::State& st) {
   HexArchive& a = hex_archive();
-  Kernel k;
-  Request q;
-  q.base = a.base;
-  q.elem_type = 8;
-  q.result_comp = 61;  // centre, xx
-  q.num_steps = a.nsteps;
-  q.serials = {1};
-  q.elements = {1};
-  for (auto _ : st) {
-    auto r = k.run(q);
-    benchmark::DoNotOptimize(r.values.data());
-  }
+  run_each_iteration(st, history_request(a.base, 8, 61, a.nsteps));  // centre, xx
   st.SetItemsProcessed(st.iterations() * a.nsteps);
 }
 BENCHMARK(BM_Hex20History_Kernel)->Unit(benchmark::kMillisecond);
@@ -150,14 +138,17 @@ BlockArchive make_block_archive() {
   a.base = bench_dir() + "/hex8block";
   ArchiveWriter w(a.base);
   w.first();
-  w.second().add("THIF", 3, 5, 1).put_i32s(1, 0, std::vector<int32_t>{2, 1, a.nsteps, 0, 0});
-  add_material(w, a.n);
+  w.history_cases({{2, 1, a.nsteps, 0, 0}});
+  const auto [elmt, matl] = add_material(w, a.n);
   const int nx = 50, ny = 10, nz = 10;
   auto node = [&](int i, int j, int k) { return 1 + i + (nx + 1) * (j + (ny + 1) * k); };
   const int corner[8][3] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0},
                             {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
-  Section& sold = w.second().add("SOLD", 3, 2 * 3805, a.n);
-  std::vector<double> rec(3805, 0.0);
+  Section& sold = w.second().add(sections::SOLD, 3, 2 * SolidRecord::kWords, a.n);
+  SolidRecord rec;
+  rec.nr = 78;
+  rec.nn = 8;
+  rec.axes = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
   int32_t e = 0;
   for (int k = 0; k < nz; ++k) {
     for (int j = 0; j < ny; ++j) {
@@ -168,32 +159,27 @@ BlockArchive make_block_archive() {
           const int nd = node(i + c[0], j + c[1], k + c[2]);
           for (int d = 1; d <= 3; ++d) lm.push_back(3 * (nd - 1) + d);
         }
-        std::fill(rec.begin(), rec.end(), 0.0);
-        for (int q = 0; q < 24; ++q) rec[static_cast<size_t>(q)] = lm[static_cast<size_t>(q)];
-        for (int q = 0; q < 78 * 24; ++q) rec[static_cast<size_t>(24 + q)] = std::sin(0.37 * q + e);
-        rec[3792] = 24;
-        rec[3793] = 78;
-        rec[3795] = 8;
-        rec[3796] = rec[3800] = rec[3804] = 1.0;
-        sold.put_f64s(e, 0, rec);
+        rec.lm.assign(lm.begin(), lm.end());
+        rec.strs.clear();
+        for (int q = 0; q < 78 * 24; ++q) rec.strs.push_back(std::sin(0.37 * q + e));
+        sold.put_f64s(e, 0, rec.words());
         a.lm.push_back(lm);
       }
     }
   }
   const int32_t neq = 3 * (nx + 1) * (ny + 1) * (nz + 1);
-  Section& dmed = w.direct(1).add("DMED", 1, 2 * a.nsteps, 3LL * neq);
-  std::vector<double> h(static_cast<size_t>(a.nsteps));
+  std::vector<EquationHistory> eqs(static_cast<size_t>(neq));
   for (int32_t x = 1; x <= neq; ++x) {
-    for (int s = 0; s < a.nsteps; ++s) h[static_cast<size_t>(s)] = 1e-4 * std::cos(x + s);
-    dmed.put_f64s(3 * x, 0, h);
+    for (int s = 0; s < a.nsteps; ++s) eqs[x - 1].disp.push_back(1e-4 * std::cos(x + s));
   }
+  Section& dmed = w.direct_histories(1, eqs, a.nsteps);
   w.second().build();
   w.direct(1).build();
   a.sold = offset(sold, 1);
   a.sold_len = 4LL * sold.reclen_words();
   a.dmed = offset(dmed, 1);
-  a.elmt = offset(*w.second().find("ELMT", 3), 1);
-  a.matl = offset(*w.second().find("MATL", 3), 1);
+  a.elmt = offset(*elmt, 1);
+  a.matl = offset(*matl, 1);
   w.write();
   return a;
 }
@@ -205,12 +191,8 @@ BlockArchive& block_archive() {
 
 void BM_Hex8Snapshot_Kernel(benchmark::State& st) {
   BlockArchive& a = block_archive();
-  Kernel k;
-  const Request q = snapshot_request(a.base, 4, 4, a.n, 7);  // xx at the centre and the nodes
-  for (auto _ : st) {
-    auto r = k.run(q);
-    benchmark::DoNotOptimize(r.values.data());
-  }
+  // xx at the centre and the nodes
+  run_each_iteration(st, snapshot_request(a.base, 4, 4, a.n, 7));
   st.SetItemsProcessed(st.iterations() * a.n);
 }
 BENCHMARK(BM_Hex8Snapshot_Kernel)->Unit(benchmark::kMillisecond);

@@ -1,5 +1,6 @@
 // Writes the demo analysis as a result archive: the analysis side of the
 // format, with the record layouts the kernel reads.
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <stdexcept>
@@ -15,13 +16,9 @@ constexpr int kModalFile = 0;   // history case 1: modal storage
 constexpr int kDirectFile = 2;  // history case 2: direct file number
 constexpr int kCases = 2;
 
-// Beam record: 327 doubles; equation numbers, the 26 x 12 recovery matrix by
-// columns, the two node words (node number + count / 100), a factor.
-constexpr int kBeamWords = 327;
+// Rows of the beam's recovery matrix: 12 end forces, then the section
+// factors of both ends.
 constexpr int kBeamRows = 26;
-// Truss record: 63 doubles; equation numbers, the 4 x 6 matrix by columns,
-// then NDOF, NSTR and the force factor in the last three.
-constexpr int kTrussWords = 63;
 
 std::vector<int> member_equations(const FrameModel& model, const Member& m, int per_node) {
   std::vector<int> lm;
@@ -37,12 +34,11 @@ std::vector<int> member_equations(const FrameModel& model, const Member& m, int 
 // kernel turns back. The section factors are chosen so that the kernel's
 // stress rows come out as N/A, V/Av and the bending stresses at the extreme
 // fibres, tension positive.
-std::vector<double> beam_record(const FrameModel& model, const Member& m) {
+BeamRecord beam_record(const FrameModel& model, const Member& m) {
   const SectionProps& s = model.sections.at(static_cast<size_t>(m.section));
   const Dense k = member_stiffness_local(s, model.materials.at(static_cast<size_t>(m.material - 1)), m.length);
-  std::vector<double> SA(kBeamWords + 1, 0.0);  // 1-based
-  const std::vector<int> lm = member_equations(model, m, 6);
-  for (int i = 0; i < 12; ++i) SA[1 + i] = lm[i];
+  BeamRecord rec;
+  for (const int e : member_equations(model, m, 6)) rec.lm.push_back(e);
 
   // k T, member forces per global displacement.
   Dense kt(12, 12);
@@ -72,26 +68,21 @@ std::vector<double> beam_record(const FrameModel& model, const Member& m) {
     S(12 + r, 0) = fi[r];
     S(19 + r, 3) = fj[r];
   }
-  for (int j = 0; j < 12; ++j) {
-    for (int r = 0; r < kBeamRows; ++r) SA[12 + j * kBeamRows + r + 1] = S(r, j);
-  }
-  SA[325] = m.node_i + 0.12;  // 12 equations
-  SA[326] = m.node_j + 0.26;  // 26 rows
-  SA[327] = 1.0;
-  return {SA.begin() + 1, SA.end()};
+  rec.strs = S.a;
+  rec.node_i = m.node_i;
+  rec.node_j = m.node_j;
+  return rec;
 }
 
 // The truss record of a brace: rows 1 and 2 the axial end forces acting on
 // the member (opposite signs), rows 3 and 4 of column 1 the stress factors.
-std::vector<double> truss_record(const FrameModel& model, const Member& m) {
+TrussRecord truss_record(const FrameModel& model, const Member& m) {
   const SectionProps& s = model.sections.at(static_cast<size_t>(m.section));
   const Material& mat = model.materials.at(static_cast<size_t>(m.material - 1));
   const double kax = mat.E * s.A / m.length;
-  std::vector<double> SA(kTrussWords + 1, 0.0);
-  const std::vector<int> lm = member_equations(model, m, 3);
-  const int ndof = 6, nstr = 4;
-  for (int i = 0; i < ndof; ++i) SA[1 + i] = lm[i];
-  Dense S(nstr, ndof);
+  TrussRecord rec;
+  for (const int e : member_equations(model, m, 3)) rec.lm.push_back(e);
+  Dense S(rec.nstr, 6);
   for (int c = 0; c < 3; ++c) {
     const double e = m.axes[0][c];
     S(0, c) = kax * e;
@@ -101,13 +92,98 @@ std::vector<double> truss_record(const FrameModel& model, const Member& m) {
   }
   S(2, 0) = 1 / s.A;
   S(3, 0) = 1 / s.A;
-  for (int j = 0; j < ndof; ++j) {
-    for (int r = 0; r < nstr; ++r) SA[ndof + j * nstr + r + 1] = S(r, j);
+  rec.strs = S.a;
+  return rec;
+}
+
+// The archive of the analysis: the cases, the modal and the direct storage
+// of the response, the node records and coordinates, the element records,
+// the ground motion, the element table and the materials.
+void write_records(ArchiveWriter& w, const FrameModel& model, const ModalBasis& basis,
+                   const Response& resp, int N) {
+  const int nm = static_cast<int>(basis.omega.size());
+  const int neq = model.num_equations;
+  // First file: the element form of each case.
+  w.element_forms(std::vector<int32_t>(kCases, 1));
+
+  // History cases: 1 modal (set 1), 2 direct (file 2).
+  w.history_cases({{1, 1, N, nm, kModalFile}, {2, kDirectFile, N, 0, 0}});
+  // Modal coordinates (d, v, a) per mode and step; mode shapes per equation.
+  {
+    ModalHistory modal;
+    modal.coords.resize(static_cast<size_t>(nm));
+    for (int m = 0; m < nm; ++m) {
+      for (int s = 0; s < N; ++s) modal.coords[m].push_back({resp.q[m][s], resp.qd[m][s], resp.qdd[m][s]});
+    }
+    for (int e = 1; e <= neq; ++e) {
+      std::vector<double> row(static_cast<size_t>(nm));
+      for (int m = 0; m < nm; ++m) row[m] = basis.shapes(e - 1, m);
+      modal.shapes.push_back(std::move(row));
+    }
+    w.modal_histories(modal);
   }
-  SA[61] = ndof;
-  SA[62] = nstr;
-  SA[63] = 1.0;
-  return {SA.begin() + 1, SA.end()};
+  // Node records: the six equation numbers; node axes are global axes.
+  {
+    std::vector<NodeTransform> nodes;
+    for (const Node& n : model.nodes) nodes.push_back({std::vector<double>(n.eq.begin(), n.eq.end()), {}});
+    w.node_transforms(nodes);
+  }
+  // Node coordinates: x, y, z of each node, record = node number.
+  {
+    std::vector<std::array<double, 3>> xyz;
+    for (const Node& n : model.nodes) xyz.push_back({n.x, n.y, n.z});
+    w.node_coordinates(xyz);
+  }
+  // Element records, by serial in each family's section.
+  {
+    std::vector<BeamRecord> beams;
+    std::vector<TrussRecord> trusses;
+    for (const Member& m : model.members) {
+      if (m.role == Role::Brace) trusses.push_back(truss_record(model, m));
+      else beams.push_back(beam_record(model, m));
+    }
+    w.beam_records(3, beams);
+    if (!trusses.empty()) w.truss_records(3, trusses);
+  }
+  // Ground motion of each case: 3 directions x (acceleration, velocity,
+  // displacement), one record of all steps each.
+  w.ground_motion(std::vector<GroundMotion>(kCases, resp.ground));
+  // Element table by element number: material, family, record in the
+  // family's section, section number.
+  {
+    std::vector<std::vector<int32_t>> rows;
+    for (const Member& m : model.members) rows.push_back({m.material, m.elem_type, m.serial, m.section + 1});
+    w.element_table(rows);
+  }
+  // Materials: number, E, nu, type, then density and yield stress.
+  {
+    std::vector<MaterialRecord> mats;
+    for (const Material& mat : model.materials) mats.push_back({mat.number, mat.E, mat.nu, 0, {mat.density, mat.fy}});
+    w.materials(mats);
+  }
+
+  // Case 2: the same response as direct histories of every equation, three
+  // records each (acceleration, velocity, displacement).
+  {
+    std::vector<EquationHistory> eqs(static_cast<size_t>(neq));
+    for (int e = 1; e <= neq; ++e) {
+      EquationHistory& h = eqs[static_cast<size_t>(e - 1)];
+      h.acc.assign(static_cast<size_t>(N), 0.0);
+      h.vel.assign(static_cast<size_t>(N), 0.0);
+      h.disp.assign(static_cast<size_t>(N), 0.0);
+      for (int m = 0; m < nm; ++m) {
+        const double phi = basis.shapes(e - 1, m);
+        if (phi == 0.0) continue;
+        for (int s = 0; s < N; ++s) {
+          h.acc[s] += phi * resp.qdd[m][s];
+          h.vel[s] += phi * resp.qd[m][s];
+          h.disp[s] += phi * resp.q[m][s];
+        }
+      }
+    }
+    w.direct_histories(kDirectFile, eqs, N);
+  }
+
 }
 
 }  // namespace
@@ -117,10 +193,9 @@ DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
   if (!(opt.damping >= 0 && opt.damping < 1)) throw std::runtime_error("damping must lie in [0, 1)");
   const FrameModel model = build_frame(opt);
   const ModalBasis basis = solve_modes(model);
-  const Response resp = modal_response(model, basis, opt);
+  const Response resp = modal_response(basis, opt);
   const int N = opt.num_steps;
   const int nm = static_cast<int>(basis.omega.size());
-  const int neq = model.num_equations;
 
   std::error_code ec;
   std::filesystem::create_directories(dir, ec);
@@ -128,121 +203,7 @@ DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
   const std::string base = (std::filesystem::path(dir) / opt.base_name).string();
   ArchiveWriter w(base, "P.R.W");
 
-  // First file: the element form of each case.
-  {
-    Section& thlg = w.first().add("THLG", 1, 1, kCases);
-    for (int c = 1; c <= kCases; ++c) thlg.put_i32(c, 0, 1);
-  }
-
-  ArchiveFile& second = w.second();
-  // History cases: 1 modal (set 1), 2 direct (file 2).
-  {
-    Section& thif = second.add("THIF", 3, 5, kCases);
-    thif.put_i32s(1, 0, std::vector<int32_t>{1, 1, N, nm, kModalFile});
-    thif.put_i32s(2, 0, std::vector<int32_t>{2, kDirectFile, N, 0, 0});
-  }
-  // Modal coordinates: one record per mode and step, (d, v, a).
-  {
-    Section& mdsp = second.add("MDSP", 3, 6, static_cast<int64_t>(nm) * N);
-    for (int m = 0; m < nm; ++m) {
-      for (int s = 1; s <= N; ++s) {
-        const double v[3] = {resp.q[m][s - 1], resp.qd[m][s - 1], resp.qdd[m][s - 1]};
-        mdsp.put_f64s(static_cast<int64_t>(m) * N + s, 0, v);
-      }
-    }
-  }
-  // Mode shapes: one record per equation, the value of every mode.
-  {
-    Section& mshp = second.add("MSHP", 3, 2 * nm, neq);
-    std::vector<double> row(static_cast<size_t>(nm));
-    for (int e = 1; e <= neq; ++e) {
-      for (int m = 0; m < nm; ++m) row[m] = basis.shapes(e - 1, m);
-      mshp.put_f64s(e, 0, row);
-    }
-  }
-  // Node records: six equation numbers, then the upper triangle of the
-  // node transform (identity: node axes are global axes).
-  {
-    Section& ndsp = second.add("NDSP", 3, 2 * 27, static_cast<int64_t>(model.nodes.size()));
-    for (const Node& n : model.nodes) {
-      std::vector<double> rec(27, 0.0);
-      for (int c = 0; c < 6; ++c) rec[c] = n.eq[c];
-      int p = 6;
-      for (int i = 0; i < 6; ++i) {
-        for (int j = i; j < 6; ++j) rec[p++] = i == j ? 1.0 : 0.0;
-      }
-      ndsp.put_f64s(n.number, 0, rec);
-    }
-  }
-  // Node coordinates: x, y, z of each node, record = node number.
-  {
-    Section& cord = second.add("CORD", 3, 6, static_cast<int64_t>(model.nodes.size()));
-    for (const Node& n : model.nodes) cord.put_f64s(n.number, 0, std::vector<double>{n.x, n.y, n.z});
-  }
-  // Element records.
-  {
-    const int nbeam = model.count(Role::Column) + model.count(Role::Beam);
-    const int ntruss = model.count(Role::Brace);
-    Section& beam = second.add("BEAM", 3, 2 * kBeamWords, nbeam);
-    Section* trus = ntruss > 0 ? &second.add("TRUS", 3, 2 * kTrussWords, ntruss) : nullptr;
-    for (const Member& m : model.members) {
-      if (m.role == Role::Brace) trus->put_f64s(m.serial, 0, truss_record(model, m));
-      else beam.put_f64s(m.serial, 0, beam_record(model, m));
-    }
-  }
-  // Ground motion of each case: 3 directions x (acceleration, velocity,
-  // displacement), one record of all steps each.
-  {
-    Section& grmt = second.add("GRMT", 3, 2 * N, 9 * kCases);
-    for (int c = 0; c < kCases; ++c) {
-      for (int d = 0; d < 3; ++d) {
-        for (int q = 0; q < 3; ++q) grmt.put_f64s(9 * c + 3 * d + q + 1, 0, resp.ground[d][q]);
-      }
-    }
-  }
-  // Element table by element number: material, family, record in the
-  // family's section, section number.
-  {
-    Section& elmt = second.add("ELMT", 3, 4, static_cast<int64_t>(model.members.size()));
-    for (const Member& m : model.members) {
-      elmt.put_i32s(m.number, 0, std::vector<int32_t>{m.material, m.elem_type, m.serial, m.section + 1});
-    }
-  }
-  // Materials: number, E, nu, type, then density and yield stress.
-  {
-    Section& matl = second.add("MATL", 3, 26, static_cast<int64_t>(model.materials.size()));
-    int64_t r = 0;
-    for (const Material& mat : model.materials) {
-      const double rec[13] = {double(mat.number), mat.E, mat.nu, 0.0, mat.density, mat.fy, 0, 0, 0, 0, 0, 0, 0};
-      matl.put_f64s(++r, 0, rec);
-    }
-  }
-
-  // Case 2: the same response as direct histories of every equation, three
-  // records each (acceleration, velocity, displacement).
-  {
-    Section& dmed = w.direct(kDirectFile).add("DMED", 1, 2 * N, 3 * static_cast<int64_t>(neq));
-    std::vector<double> acc(static_cast<size_t>(N)), vel(acc), disp(acc);
-    for (int e = 1; e <= neq; ++e) {
-      std::fill(acc.begin(), acc.end(), 0.0);
-      std::fill(vel.begin(), vel.end(), 0.0);
-      std::fill(disp.begin(), disp.end(), 0.0);
-      for (int m = 0; m < nm; ++m) {
-        const double phi = basis.shapes(e - 1, m);
-        if (phi == 0.0) continue;
-        for (int s = 0; s < N; ++s) {
-          acc[s] += phi * resp.qdd[m][s];
-          vel[s] += phi * resp.qd[m][s];
-          disp[s] += phi * resp.q[m][s];
-        }
-      }
-      const int64_t r = 3 * static_cast<int64_t>(e) - 2;
-      dmed.put_f64s(r, 0, acc);
-      dmed.put_f64s(r + 1, 0, vel);
-      dmed.put_f64s(r + 2, 0, disp);
-    }
-  }
-
+  write_records(w, model, basis, resp, N);
   w.write();
 
   DemoSummary sum;
@@ -252,7 +213,7 @@ DemoSummary write_demo_archive(const std::string& dir, const DemoOptions& opt) {
   sum.columns = model.count(Role::Column);
   sum.beams = model.count(Role::Beam);
   sum.braces = model.count(Role::Brace);
-  sum.equations = neq;
+  sum.equations = model.num_equations;
   sum.modes = nm;
   sum.steps = N;
   sum.dt = opt.dt;

@@ -151,7 +151,7 @@ struct Response {
   std::vector<std::vector<double>> q, qd, qdd;
 };
 
-Response modal_response(const FrameModel& model, const ModalBasis& basis, const DemoOptions& opt);
+Response modal_response(const ModalBasis& basis, const DemoOptions& opt);
 
 struct DemoSummary {
   std::string base;  // archive base name written (directory + base_name)

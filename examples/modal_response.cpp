@@ -159,8 +159,7 @@ void exact_modal_step(double omega, double zeta, double h, double p0, double p1,
   a = p1 - 2 * zeta * omega * v - w2 * q;
 }
 
-Response modal_response(const FrameModel& model, const ModalBasis& basis, const DemoOptions& opt) {
-  (void)model;
+Response modal_response(const ModalBasis& basis, const DemoOptions& opt) {
   Response r;
   r.num_steps = opt.num_steps;
   r.dt = opt.dt;

@@ -200,7 +200,7 @@ class Archive {
   }
 
   const std::string& base() const { return base_; }
-  const std::string& product() const { return view_.files.tag; }
+  const std::string& product() const { return view_.files.product_tag; }
 
   std::vector<int> cases() {
     const int n = released([&] { return cli::case_count(view_); });
@@ -407,7 +407,7 @@ class Archive {
   cli::Query query(const cli::Family& f, int comp, int hist_case, const py::object& mode, const std::string& axes) {
     cli::Query q;
     q.base = base_;
-    q.product_index = cli::product_index(view_.files.tag);
+    q.product_index = cli::product_index(view_.files.product_tag);
     q.family = &f;
     q.comp = comp;
     q.hist_case = hist_case;
@@ -448,14 +448,14 @@ PYBIND11_MODULE(_core, m) {
   m.def("families", [] {
     py::list l;
     for (const cli::Family& f : cli::families()) {
-      l.append(py::make_tuple(f.elem_type, f.name, f.description, f.section_tag, f.node));
+      l.append(py::make_tuple(f.elem_type, f.name, f.description, std::string(f.section.tag), f.node));
     }
     return l;
   }, "The result families: (number, name, description, section tag, node results).");
 
   m.def("family", [](const py::object& family) {
     const cli::Family& f = family_arg(family);
-    return py::make_tuple(f.elem_type, f.name, f.description, f.section_tag, f.node);
+    return py::make_tuple(f.elem_type, f.name, f.description, std::string(f.section.tag), f.node);
   }, py::arg("family"), "One family by name, alias or number.");
 
   m.def("components", [](const py::object& family) {

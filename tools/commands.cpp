@@ -39,7 +39,7 @@ Opened open_query(const QueryOptions& o, const Family& fam) {
 QueryInfo info_of(const QueryOptions& o, const Family& fam, const Opened& a, const Component& comp) {
   QueryInfo q;
   q.archive = o.base;
-  q.product = a.archive.files.tag;
+  q.product = a.archive.files.product_tag;
   q.family = fam.name;
   q.elem_type = fam.elem_type;
   q.hist_case = o.hist_case;
@@ -56,7 +56,7 @@ Query query_of(const QueryOptions& o, const Family& fam, const Opened& a, int co
   if (o.mode < 0) throw usage_error("--mode must be 0 (all modes) or a mode number");
   Query q;
   q.base = o.base;
-  q.product_index = product_index(a.archive.files.tag);
+  q.product_index = product_index(a.archive.files.product_tag);
   q.family = &fam;
   q.comp = comp;
   q.hist_case = o.hist_case;
@@ -128,23 +128,30 @@ class ProgressLine {
 }  // namespace
 
 int run_sections(const std::string& base, const std::string& product, std::ostream& out) {
-  const ArchiveFiles files = locate_archive(base, product, false);
-  std::vector<std::pair<std::string, std::string>> list = {{files.first, "first file"}};
-  {
-    std::error_code ec;
-    if (std::filesystem::exists(files.second, ec)) list.emplace_back(files.second, "second file");
-    else std::cerr << "respcore: " << files.second << ": missing (the second file)\n";
+  const ArchiveInspection archive = locate_archive(base, product, false);
+  std::vector<std::pair<const FileInspection*, std::string>> list;
+  for (const FileInspection& f : archive.files) {
+    switch (f.kind) {
+      case ArchiveFileKind::First:
+        list.emplace_back(&f, "first file");
+        break;
+      case ArchiveFileKind::Second:
+        if (f.exists) list.emplace_back(&f, "second file");
+        else std::cerr << "respcore: " << f.path << ": missing (the second file)\n";
+        break;
+      case ArchiveFileKind::Direct:
+        list.emplace_back(&f, "direct file " + std::to_string(f.direct_no));
+        break;
+    }
   }
-  for (const auto& [no, path] : files.direct) list.emplace_back(path, "direct file " + std::to_string(no));
-  out << "archive " << base << " (" << files.tag << "), " << list.size() << " files\n";
+  out << "archive " << base << " (" << archive.product_tag << "), " << list.size() << " files\n";
   int broken = 0;
-  for (const auto& [path, role] : list) {
-    const DirListing d = read_directory(path);
+  for (const auto& [f, role] : list) {
     out << "\n";
-    print_directory(out, d, role);
-    if (!d.error.empty()) {
+    print_directory(out, *f, role);
+    if (!f->sound()) {
       out.flush();
-      std::cerr << "respcore: " << path << ": " << d.error << "\n";
+      std::cerr << "respcore: " << f->path << ": " << f->problem << "\n";
       ++broken;
     }
   }
@@ -184,7 +191,7 @@ int run_history(const HistoryOptions& o, std::ostream& out) {
     PlotText t;
     const std::string what = fam.node ? "node " + std::to_string(item.number) : fam.name + " " + std::to_string(item.number) + " (record " + std::to_string(item.serial) + ")";
     t.title = what + ": " + comp.name + " over time";
-    t.subtitle = "archive " + o.base + " (" + a.archive.files.tag + "), case " + std::to_string(o.hist_case) + ", " +
+    t.subtitle = "archive " + o.base + " (" + a.archive.files.product_tag + "), case " + std::to_string(o.hist_case) + ", " +
                  a.c.storage + " storage" + (comp.meaning.empty() ? "" : "; " + comp.meaning);
     t.x_label = "time step";
     t.y_label = comp.name + " (row " + std::to_string(comp.number) + ")";
@@ -272,19 +279,19 @@ int run_components(const std::string& type, const std::string& format_text, std:
       case Format::Table:
         for (const Family& f : list) {
           char line[200];
-          std::snprintf(line, sizeof line, "%3d  %-18s %-5s %s\n", f.elem_type, f.name.c_str(), f.section_tag.c_str(), f.description.c_str());
+          std::snprintf(line, sizeof line, "%3d  %-18s %-5s %s\n", f.elem_type, f.name.c_str(), f.section.tag, f.description.c_str());
           out << line;
         }
         break;
       case Format::Csv:
         out << "type,name,section,description\n";
-        for (const Family& f : list) out << f.elem_type << "," << f.name << "," << f.section_tag << "," << csv_field(f.description) << "\n";
+        for (const Family& f : list) out << f.elem_type << "," << f.name << "," << f.section.tag << "," << csv_field(f.description) << "\n";
         break;
       case Format::Json:
         out << "{\"families\": [";
         for (size_t i = 0; i < list.size(); ++i) {
           out << (i ? ", " : "") << "{\"type\": " << list[i].elem_type << ", \"name\": " << json_string(list[i].name)
-              << ", \"section\": " << json_string(list[i].section_tag) << ", \"description\": " << json_string(list[i].description) << "}";
+              << ", \"section\": " << json_string(list[i].section.tag) << ", \"description\": " << json_string(list[i].description) << "}";
         }
         out << "]}\n";
         break;

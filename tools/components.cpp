@@ -188,20 +188,20 @@ Component resolve(const Family& f, std::string_view text, const std::vector<Comp
 
 const std::vector<Family>& families() {
   static const std::vector<Family> list = {
-      {1, "plane-stress", "plane stress elements: nodal forces and stresses", "PSTR", 3, false},
-      {2, "plane-strain", "plane strain elements: nodal forces, stresses and strains", "PSRN", 13, false},
-      {3, "plate", "plate and shell elements: nodal forces and result blocks", "PLAT", 4, false},
-      {4, "solid", "solid elements: nodal forces, stresses and strains", "SOLD", 8, false},
-      {5, "plane-stress-high", "high-order plane stress elements", "PSTH", 41, false},
-      {6, "plane-strain-high", "high-order plane strain elements", "PSRH", 42, false},
-      {7, "plate-high", "high-order plate elements", "PLTH", 43, false},
-      {8, "solid-high", "high-order solid elements", "PSOH", 44, false},
-      {9, "node-displacement", "node displacements in node axes", "NDSP", 17, true},
-      {10, "node-velocity", "node velocities in node axes", "NDSP", 17, true},
-      {11, "node-acceleration", "node accelerations in node axes", "NDSP", 17, true},
-      {12, "truss", "truss elements: axial force and stress at both ends", "TRUS", 1, false},
-      {13, "beam", "beam elements: end forces, section stresses, corner stresses", "BEAM", 2, false},
-      {14, "wall-beam", "wall beams (with warping): end forces and stresses", "WBMM", 106, false},
+      {1, "plane-stress", "plane stress elements: nodal forces and stresses", sections::PSTR, false},
+      {2, "plane-strain", "plane strain elements: nodal forces, stresses and strains", sections::PSRN, false},
+      {3, "plate", "plate and shell elements: nodal forces and result blocks", sections::PLAT, false},
+      {4, "solid", "solid elements: nodal forces, stresses and strains", sections::SOLD, false},
+      {5, "plane-stress-high", "high-order plane stress elements", sections::PSTH, false},
+      {6, "plane-strain-high", "high-order plane strain elements", sections::PSRH, false},
+      {7, "plate-high", "high-order plate elements", sections::PLTH, false},
+      {8, "solid-high", "high-order solid elements", sections::PSOH, false},
+      {9, "node-displacement", "node displacements in node axes", sections::NDSP, true},
+      {10, "node-velocity", "node velocities in node axes", sections::NDSP, true},
+      {11, "node-acceleration", "node accelerations in node axes", sections::NDSP, true},
+      {12, "truss", "truss elements: axial force and stress at both ends", sections::TRUS, false},
+      {13, "beam", "beam elements: end forces, section stresses, corner stresses", sections::BEAM, false},
+      {14, "wall-beam", "wall beams (with warping): end forces and stresses", sections::WBMM, false},
   };
   return list;
 }

@@ -12,14 +12,15 @@
 #include <string_view>
 #include <vector>
 
+#include "respcore/sections.hpp"
+
 namespace respcore::cli {
 
 struct Family {
   int elem_type = 0;
   std::string name;         // e.g. "beam"
   std::string description;  // one line
-  std::string section_tag;  // element or node section in the second file
-  int section_row = 0;      // its row in the second file's tag table
+  SectionName section;      // element or node section in the second file
   bool node = false;        // node results (serial section NDSP, item = node)
 };
 

@@ -63,7 +63,7 @@ int32_t packed_count(double x) {
 // Reads words of the records of one section, with one open file.
 class SectionWords {
  public:
-  SectionWords(const std::string& path, const DirEntry& s, bool single)
+  SectionWords(const std::string& path, const SectionInfo& s, bool single)
       : in_(path, std::ios::binary), entry_(s), word_bytes_(single ? 4 : 8) {}
 
   // Words FIRST..LAST (from 1) of record REC; false when they lie outside
@@ -92,7 +92,7 @@ class SectionWords {
 
  private:
   std::ifstream in_;
-  DirEntry entry_;
+  SectionInfo entry_;
   uint64_t word_bytes_;
   std::vector<char> buf_;
 };
@@ -100,9 +100,9 @@ class SectionWords {
 // Node of each equation, from the node records (their first six words).
 std::unordered_map<int32_t, int32_t> equation_nodes(const ArchiveView& a) {
   std::unordered_map<int32_t, int32_t> map;
-  const DirEntry* ndsp = a.second.find("NDSP", 3);
+  const SectionInfo* ndsp = a.second().find(sections::NDSP, 3);
   if (ndsp == nullptr) return map;
-  SectionWords in(a.second.path, *ndsp, false);
+  SectionWords in(a.second().path, *ndsp, false);
   std::vector<double> w;
   for (int64_t n = 1; n <= ndsp->records(); ++n) {
     if (!in.read(n, 1, 6, w)) continue;
@@ -167,10 +167,10 @@ int element_nodes(SectionWords& in, const RecordLayout& L, int64_t rec,
 
 MeshRecords read_mesh_records(const ArchiveView& a, const CaseInfo& c) {
   MeshRecords m;
-  const DirEntry* cord = a.second.find("CORD", 3);
-  if (cord == nullptr) throw CliError(a.files.second + ": no node coordinates (section CORD, serial 3)");
+  const SectionInfo* cord = a.second().find(sections::CORD, 3);
+  if (cord == nullptr) throw CliError(a.second().path + ": no node coordinates (section CORD, serial 3)");
   {
-    SectionWords in(a.second.path, *cord, false);
+    SectionWords in(a.second().path, *cord, false);
     m.xyz.assign(static_cast<size_t>(3 * cord->records()), std::nan(""));
     std::vector<double> w;
     for (int64_t n = 1; n <= cord->records(); ++n) {
@@ -186,9 +186,9 @@ MeshRecords read_mesh_records(const ArchiveView& a, const CaseInfo& c) {
     for (const RecordLayout& l : kLayouts) {
       if (l.elem_type == f.elem_type) L = &l;
     }
-    if (f.elem_type == 3 && a.files.tag == "J.W.U") L = &kGeneralPlate;
+    if (f.elem_type == 3 && a.files.product_tag == "J.W.U") L = &kGeneralPlate;
     const int serial = c.elem_form == 2 ? 4 : 3;
-    const DirEntry* s = a.second.find(f.section_tag, serial);
+    const SectionInfo* s = a.second().find(f.section, serial);
     if (L == nullptr || s == nullptr) continue;
     if (L->source == NodeSource::Equations && !eq_node_read) {
       eq_node = equation_nodes(a);
@@ -201,7 +201,7 @@ MeshRecords read_mesh_records(const ArchiveView& a, const CaseInfo& c) {
     e.serials.resize(n);
     e.counts.resize(n);
     e.nodes.assign(n * static_cast<size_t>(L->max_nodes), 0);
-    SectionWords in(a.second.path, *s, L->single);
+    SectionWords in(a.second().path, *s, L->single);
     for (size_t r = 0; r < n; ++r) {
       e.serials[r] = static_cast<int32_t>(r + 1);
       int32_t* row = e.nodes.data() + r * static_cast<size_t>(L->max_nodes);

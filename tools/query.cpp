@@ -20,8 +20,9 @@ std::optional<int> to_int(std::string_view s) {
   return v;
 }
 
-void check_listing(const DirListing& d) {
-  if (!d.error.empty()) throw CliError(d.path + ": " + d.error);
+const FileInspection& checked(const FileInspection* f) {
+  if (!f->sound()) throw CliError(f->path + ": " + f->problem);
+  return *f;
 }
 
 Request base_request(const Query& q) {
@@ -96,16 +97,14 @@ void report(const RunOptions& run, size_t done, size_t total) {
 ArchiveView open_archive_view(const std::string& base, const std::string& product) {
   ArchiveView a;
   a.files = locate_archive(base, product, true);
-  a.first = read_directory(a.files.first);
-  check_listing(a.first);
-  a.second = read_directory(a.files.second);
-  check_listing(a.second);
+  checked(a.files.file(ArchiveFileKind::First));
+  checked(a.files.file(ArchiveFileKind::Second));
   return a;
 }
 
 int case_count(const ArchiveView& a) {
-  const DirEntry* thif = a.second.find("THIF", 3);
-  if (thif == nullptr) throw CliError(a.files.second + ": no history cases (section THIF, serial 3)");
+  const SectionInfo* thif = a.second().find(sections::THIF, 3);
+  if (thif == nullptr) throw CliError(a.second().path + ": no history cases (section THIF, serial 3)");
   return static_cast<int>(thif->records());
 }
 
@@ -117,36 +116,35 @@ CaseInfo case_info(const ArchiveView& a, int hist_case) {
     throw usage_error("case " + std::to_string(hist_case) + " is not in the archive (it holds " + std::to_string(n) +
                       " case" + (n == 1 ? "" : "s") + ")");
   }
-  const auto rec = read_section_record(a.second, *a.second.find("THIF", 3), hist_case, 20);
-  if (!rec) throw CliError(a.files.second + ": cannot read history case " + std::to_string(hist_case));
+  const auto rec = read_section_record(a.second(), *a.second().find(sections::THIF, 3), hist_case, 20);
+  if (!rec) throw CliError(a.second().path + ": cannot read history case " + std::to_string(hist_case));
   std::memcpy(c.ithif.data(), rec->data(), 20);
 
-  const std::string& tag = a.files.tag;
+  const std::string& tag = a.files.product_tag;
   if (tag != "J.W.U" && tag != "H.N.Q") {
-    if (const DirEntry* thlg = a.first.find("THLG", 1)) {
-      if (const auto r = read_section_record(a.first, *thlg, hist_case, 4)) std::memcpy(&c.elem_form, r->data(), 4);
+    if (const SectionInfo* thlg = a.first().find(sections::THLG, 1)) {
+      if (const auto r = read_section_record(a.first(), *thlg, hist_case, 4)) std::memcpy(&c.elem_form, r->data(), 4);
     }
   }
 
   if (c.ithif[0] == 1) {
     c.storage = "modal";
-    for (const char* t : {"MDSP", "MSHP"}) {
-      if (a.second.find(t, 3) == nullptr) {
-        throw CliError(a.files.second + ": case " + std::to_string(hist_case) + " is modal but section " + t + " is missing");
+    for (const SectionName& t : {sections::MDSP, sections::MSHP}) {
+      if (a.second().find(t, 3) == nullptr) {
+        throw CliError(a.second().path + ": case " + std::to_string(hist_case) + " is modal but section " + t.tag + " is missing");
       }
     }
   } else if (c.ithif[0] == 2 || c.ithif[0] == 3) {
     c.storage = "direct";
     const int no = c.ithif[1];
-    const auto it = std::find_if(a.files.direct.begin(), a.files.direct.end(), [&](const auto& d) { return d.first == no; });
-    if (it == a.files.direct.end()) {
+    const FileInspection* direct = a.files.file(ArchiveFileKind::Direct, no);
+    if (direct == nullptr) {
       throw CliError("case " + std::to_string(hist_case) + " keeps its histories in direct file " + std::to_string(no) +
                      ", which does not exist at " + a.files.base);
     }
-    const DirListing direct = read_directory(it->second);
-    check_listing(direct);
-    const DirEntry* dmed = direct.find("DMED", 1);
-    if (dmed == nullptr) throw CliError(it->second + ": no direct histories (section DMED)");
+    checked(direct);
+    const SectionInfo* dmed = direct->find(sections::DMED, 1);
+    if (dmed == nullptr) throw CliError(direct->path + ": no direct histories (section DMED)");
     if (c.ithif[2] <= 0) c.stored_steps = dmed->reclen / 2;
   } else {
     c.storage = "unknown (" + std::to_string(c.ithif[0]) + ")";
@@ -158,10 +156,11 @@ CaseInfo case_info(const ArchiveView& a, int hist_case) {
 FamilySection family_section(const ArchiveView& a, const CaseInfo& c, const Family& f) {
   const int serial = f.node ? 3 : (c.elem_form == 2 ? 4 : 3);
   FamilySection s;
-  s.name = f.section_tag + "/" + std::to_string(serial);
-  const DirEntry* e = a.second.find(f.section_tag, serial);
+  const std::string tag = f.section.tag;
+  s.name = tag + "/" + std::to_string(serial);
+  const SectionInfo* e = a.second().find(f.section, serial);
   if (e == nullptr) {
-    throw CliError(a.files.second + ": no " + f.name + " results here (no section " + f.section_tag + ", serial " +
+    throw CliError(a.second().path + ": no " + f.name + " results here (no section " + tag + ", serial " +
                    std::to_string(serial) + ")");
   }
   s.entry = *e;

@@ -24,14 +24,16 @@
 
 namespace respcore::cli {
 
-// An archive's first and second files with their directories.
+// An archive's files with their directories, the first and second file
+// sound.
 struct ArchiveView {
-  ArchiveFiles files;
-  DirListing first, second;
+  ArchiveInspection files;
+  const FileInspection& first() const { return *files.file(ArchiveFileKind::First); }
+  const FileInspection& second() const { return *files.file(ArchiveFileKind::Second); }
 };
 
 // Locates the archive BASE (PRODUCT empty: the one tag whose first file
-// exists) and reads both directories.
+// exists) and reads its directories.
 ArchiveView open_archive_view(const std::string& base, const std::string& product);
 
 // What the archive tells of one history case.
@@ -50,7 +52,7 @@ CaseInfo case_info(const ArchiveView& a, int hist_case);
 
 // The record section of a family under a case.
 struct FamilySection {
-  DirEntry entry;
+  SectionInfo entry;
   std::string name;  // "BEAM/3"
   int64_t records() const { return entry.records(); }
 };

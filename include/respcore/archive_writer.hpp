@@ -7,10 +7,19 @@
 // lists sections by a four-character tag and a serial, followed by the
 // sections, each a run of fixed-length records.
 //
+// The typed writers lay the records the kernel reads (archive_records.hpp)
+// into their sections:
+//
 //   respcore::ArchiveWriter w("/tmp/model", "P.R.W");
-//   respcore::Section& thif = w.second().add("THIF", 3, 5, 1);  // 5 words, 1 record
-//   thif.put_i32(1, 0, 2);  // record 1, word 0: direct storage
+//   w.history_cases({{2, 1, 100, 0, 0}});   // case 1: direct file 1, 100 steps
+//   w.node_transforms({{{1, 2, 3, 4, 5, 6}, {}}});
+//   w.direct_histories(1, histories, 100);
 //   w.write();
+//
+// and any section can be laid word by word:
+//
+//   respcore::Section& thif = w.second().add(respcore::sections::THIF, 3, 5, 1);
+//   thif.put_i32(1, 0, 2);  // record 1, word 0: direct storage
 #pragma once
 
 #include <cstdint>
@@ -21,7 +30,9 @@
 #include <string_view>
 #include <vector>
 
+#include "respcore/archive_records.hpp"
 #include "respcore/export.hpp"
+#include "respcore/sections.hpp"
 
 namespace respcore {
 
@@ -73,17 +84,35 @@ class RESPCORE_API ArchiveFile {
 
   // Adds a section; tags shorter than four characters are blank padded.
   Section& add(std::string_view tag, int32_t serial, int32_t reclen_words, int64_t nrec);
-  // Convenience: a section of records of N doubles each, one per row.
+  Section& add(const SectionName& name, int32_t serial, int32_t reclen_words, int64_t nrec) {
+    return add(std::string_view(name.tag, 4), serial, reclen_words, nrec);
+  }
+  // A section of records of as many doubles as the longest row (at least
+  // MIN_DOUBLES), one record per row.
   Section& add_f64_rows(std::string_view tag, int32_t serial,
                         const std::vector<std::vector<double>>& rows, int32_t min_doubles = 0);
+  Section& add_f64_rows(const SectionName& name, int32_t serial,
+                        const std::vector<std::vector<double>>& rows, int32_t min_doubles = 0) {
+    return add_f64_rows(std::string_view(name.tag, 4), serial, rows, min_doubles);
+  }
+  // The same for rows of 32-bit integers.
+  Section& add_i32_rows(const SectionName& name, int32_t serial,
+                        const std::vector<std::vector<int32_t>>& rows, int32_t min_words = 0);
   // An entry of four blanks at this place of the directory: it ends every
   // search, and hides what follows it.
   void add_blank_entry();
   // An entry as given, pointing wherever the caller says (for broken files).
   void add_raw_entry(std::string_view tag, int32_t serial, int64_t first, int64_t last,
                      int32_t reclen_words);
+  void add_raw_entry(const SectionName& name, int32_t serial, int64_t first, int64_t last,
+                     int32_t reclen_words) {
+    add_raw_entry(std::string_view(name.tag, 4), serial, first, last, reclen_words);
+  }
 
   Section* find(std::string_view tag, int32_t serial);
+  Section* find(const SectionName& name, int32_t serial) {
+    return find(std::string_view(name.tag, 4), serial);
+  }
 
   // Lays the file out: directory blocks first (as many as the entries need,
   // chained), then each section at the first record of its own length that
@@ -125,6 +154,52 @@ class RESPCORE_API ArchiveWriter {
 
   // Writes every file that was touched.
   void write();
+
+  // Typed writers, one section each (two for the pairs), records from 1.
+  // History cases (THIF, serial 3).
+  Section& history_cases(const std::vector<HistoryCase>& cases);
+  // The element form of each case (THLG, serial 1, first file).
+  Section& element_forms(const std::vector<int32_t>& form_of_case);
+  // Node transforms (NDSP, serial 3), node 1 first; with SEVENTH_DOF each
+  // record holds seven equation numbers and the archive says so (MTKM).
+  Section& node_transforms(const std::vector<NodeTransform>& nodes, bool seventh_dof = false);
+  // Modal coordinates of modal set 1 and mode shapes (MDSP, MSHP, serial 3).
+  void modal_histories(const ModalHistory& modal);
+  // Direct histories (DMED, serial 1, direct file FILE_NO): acceleration,
+  // velocity and displacement of each equation from 1, NSTEPS values each.
+  Section& direct_histories(int32_t file_no, const std::vector<EquationHistory>& equations,
+                            int32_t nsteps);
+  // Displacement of every equation at activation (DSPL, serial 1, direct
+  // file 1), equation 1 first.
+  Section& activation_displacements(const std::vector<double>& by_equation);
+  // Support motion of a case (MSES and MSER, serial HIST_CASE).
+  void support_motion(int32_t hist_case, const SupportMotion& motion, int32_t nsteps);
+  // Ground motion (GRMT, serial 3), case 1 first.
+  Section& ground_motion(const std::vector<GroundMotion>& by_case);
+  // Skew systems of nodes (NSKI, serial 3).
+  Section& skew_systems(const std::vector<SkewSystem>& systems);
+  // Elements activated during a case (IASI with one flag per case, IASE;
+  // serial 4, first file).
+  void inactive_elements(const std::vector<int32_t>& case_flags,
+                         const std::vector<InactiveEntry>& entries);
+  // Initial end forces of a case (ITTR, ITBM or ITBW, serial HIST_CASE), one
+  // record per element.
+  Section& initial_forces(const SectionName& name, int32_t hist_case,
+                          const std::vector<std::vector<double>>& by_element);
+  // Element records (serial 3, or 4 under element form 2).
+  Section& truss_records(int32_t serial, const std::vector<TrussRecord>& records);
+  Section& extended_truss_records(int32_t serial, const std::vector<ExtendedTrussRecord>& records);
+  Section& beam_records(int32_t serial, const std::vector<BeamRecord>& records);
+  Section& wall_beam_records(int32_t serial, const std::vector<WallBeamRecord>& records);
+  Section& solid_records(int32_t serial, const std::vector<SolidRecord>& records);
+  Section& solid_high_records(int32_t serial, const std::vector<SolidHighRecord>& records);
+  // Node coordinates (CORD, serial 3), node 1 first.
+  Section& node_coordinates(const std::vector<std::array<double, 3>>& xyz);
+  // Element table (ELMT, serial 3): per element its words, the material
+  // number first.
+  Section& element_table(const std::vector<std::vector<int32_t>>& rows);
+  // Materials (MATL, serial 3).
+  Section& materials(const std::vector<MaterialRecord>& records);
 
   // The extensions of a product tag: kind 1 first, 2 second, 3 direct; empty
   // for an unknown tag.

@@ -11,6 +11,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "archive/directory_codec.hpp"
+
 namespace respcore {
 
 // An open archive file, shared by every unit connected to the same path
@@ -26,15 +28,6 @@ struct OpenFile {
 struct Connection {
   std::shared_ptr<OpenFile> file;  // null: not connected
   int64_t reclen = 0;              // bytes
-};
-
-// One directory entry as read from a file.
-struct DirEntry {
-  std::array<char, 4> tag{};
-  int32_t serial = 0;
-  int64_t first = 0;
-  int64_t last = 0;
-  int32_t reclen = 0;
 };
 
 // The walk of a directory from its first head record, kept for the call:
@@ -65,7 +58,7 @@ struct ArchiveState {
   std::string DIRECT_DIGITS;
   int32_t DIRECT_SUFFIX_LEN = 4;
   int32_t READ_METHOD = 0;
-  std::array<char, 4> SEC_TAG{' ', ' ', ' ', ' '};
+  Tag4 SEC_TAG{' ', ' ', ' ', ' '};
   int32_t SEC_SERIAL = 0;
   int32_t SEC_RECLEN = 0;
   int64_t SEC_NREC = 0;

@@ -7,8 +7,6 @@
 #include "archive/directory.hpp"
 #include "archive/section_tables.hpp"
 #include "archive/units.hpp"
-#include "core/diagnostics.hpp"
-#include "core/kernel_state.hpp"
 
 namespace respcore {
 
@@ -35,155 +33,218 @@ Tag4 to_tag(const char* s) {
   return t;
 }
 
-Tag4 table_row(const char* const* table, int rows, const char* table_name, int32_t row) {
-  if (row < 1 || row > rows) {
-    report_bound_failure(table_name, row, 1, rows);
-    return to_tag("    ");
-  }
-  return to_tag(table[row - 1]);
+// Row ROW of a tag table; a row outside it is a bound failure and reads as
+// four blanks, which no look-up accepts.
+Tag4 table_row(std::span<const char* const> table, const char* table_name, int32_t row) {
+  return to_tag(table_entry(table, row, table_name, "    "));
 }
 
-std::string base_name(const KernelState& K) {
-  return K.archive.FNAME.substr(0, static_cast<size_t>(K.archive.FNAME_LEN));
+std::string base_name(const ArchiveState& S) {
+  return S.FNAME.substr(0, static_cast<size_t>(S.FNAME_LEN));
 }
 
-enum class FileKind { First, Second };
-
-void access(KernelState& K, FileKind kind, int32_t ID_M, int32_t ID_S, int64_t& start,
-            int32_t& found) {
-  ArchiveState& A = K.archive;
-  A.SEC_TAG = kind == FileKind::First ? table_row(ID_MAIN, ID_MAIN_ROWS, "ID_MAIN", ID_S)
-                                      : table_row(ID_MAIN_T, ID_MAIN_T_ROWS, "ID_MAIN_T", ID_S);
-  A.SEC_SERIAL = ID_M;
-  set_extensions(K);
-  const auto& ext = kind == FileKind::First ? A.EXT_FIRST : A.EXT_SECOND;
-  const std::string name = base_name(K) + std::string(ext.data(), 4);
-  const int32_t name_len = A.FNAME_LEN + 4;
-  const int32_t unit = kind == FileKind::First ? UNIT_FIRST : UNIT_SECOND;
-  int32_t status = 0;
-  if (A.READ_METHOD == 0) {
-    int32_t& work = kind == FileKind::First ? A.rf_bin_work : A.rf_bin_t_work;
-    if (kind == FileKind::First) {
-      READ_F(K, unit, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, work, A.SEC_RECLEN, A.SEC_NREC,
-             status);
+// The look-up of TAG/SERIAL in the first or second file. The first record
+// starts from START, which a look-up that refuses the request leaves as it is.
+SectionRef lookup_main(ArchiveReader A, ArchiveFileKind kind, const Tag4& tag, int32_t serial,
+                       int64_t start) {
+  ArchiveState& S = A.state;
+  const bool first_file = kind == ArchiveFileKind::First;
+  S.SEC_TAG = tag;
+  S.SEC_SERIAL = serial;
+  set_extensions(S);
+  const auto& ext = first_file ? S.EXT_FIRST : S.EXT_SECOND;
+  const std::string name = base_name(S) + std::string(ext.data(), 4);
+  const int32_t name_len = S.FNAME_LEN + 4;
+  SectionRef r;
+  r.unit = first_file ? UNIT_FIRST : UNIT_SECOND;
+  r.first = start;
+  r.status = LOOKUP_FOUND;
+  if (S.READ_METHOD == 0) {
+    int32_t& work = first_file ? S.rf_bin_work : S.rf_bin_t_work;
+    if (first_file) {
+      READ_F(A, r.unit, name, name_len, 2, tag, serial, work, S.SEC_RECLEN, S.SEC_NREC, r.status);
     } else {
-      READ_F_TIME(K, unit, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, work, A.SEC_RECLEN,
-                  A.SEC_NREC, status);
+      READ_F_TIME(A, r.unit, name, name_len, 2, tag, serial, work, S.SEC_RECLEN, S.SEC_NREC,
+                  r.status);
     }
-    start = work;
-  } else if (A.READ_METHOD == 1) {
-    if (kind == FileKind::First) {
-      READ_F_8(K, unit, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, start, A.SEC_RECLEN, A.SEC_NREC,
-               status);
+    r.first = work;
+  } else if (S.READ_METHOD == 1) {
+    if (first_file) {
+      READ_F_8(A, r.unit, name, name_len, 2, tag, serial, r.first, S.SEC_RECLEN, S.SEC_NREC,
+               r.status);
     } else {
-      READ_F_TIME_8(K, unit, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, start, A.SEC_RECLEN,
-                    A.SEC_NREC, status);
+      READ_F_TIME_8(A, r.unit, name, name_len, 2, tag, serial, r.first, S.SEC_RECLEN, S.SEC_NREC,
+                    r.status);
     }
   }
-  found = status == LOOKUP_NOT_FOUND ? 0 : 1;
+  r.nrec = S.SEC_NREC;
+  r.reclen = S.SEC_RECLEN;
+  return r;
+}
+
+// The look-up of TAG/SERIAL in direct file FILE_NO; START and RECLEN as above.
+SectionRef lookup_direct(ArchiveReader A, const Tag4& tag, int32_t serial, int32_t file_no,
+                         int32_t reclen, int64_t start) {
+  ArchiveState& S = A.state;
+  S.SEC_TAG = tag;
+  S.SEC_SERIAL = serial;
+  set_extensions(S);
+  // A number of three digits or more keeps the digits of the last name.
+  if (file_no < 10) {
+    S.DIRECT_DIGITS = format_int(file_no, 1);
+    S.DIRECT_SUFFIX_LEN = 5;
+  } else if (file_no <= 99) {
+    S.DIRECT_DIGITS = format_int(file_no, 2);
+    S.DIRECT_SUFFIX_LEN = 6;
+  }
+  const std::string name = base_name(S) + std::string(S.EXT_DIRECT.data(), 4) + S.DIRECT_DIGITS;
+  const int32_t name_len = S.FNAME_LEN + S.DIRECT_SUFFIX_LEN;
+  SectionRef r;
+  r.unit = UNIT_DIRECT;
+  r.first = start;
+  r.reclen = reclen;
+  r.status = LOOKUP_FOUND;
+  if (S.READ_METHOD == 0) {
+    READ_F_TIME(A, r.unit, name, name_len, 2, tag, serial, S.rf_bin_direct_work, r.reclen,
+                S.SEC_NREC, r.status);
+    r.first = S.rf_bin_direct_work;
+  } else if (S.READ_METHOD == 1) {
+    READ_F_TIME_8(A, r.unit, name, name_len, 2, tag, serial, r.first, r.reclen, S.SEC_NREC,
+                  r.status);
+  }
+  r.nrec = S.SEC_NREC;
+  return r;
 }
 
 }  // namespace
 
-void set_extensions(KernelState& K) {
-  ArchiveState& A = K.archive;
+SectionRef ArchiveReader::find(const SectionName& name, int32_t serial) {
+  if (name.file == ArchiveFileKind::Direct) return SectionRef{};
+  return lookup_main(*this, name.file, to_tag(name.tag), serial, 0);
+}
+
+SectionRef ArchiveReader::find_direct(const SectionName& name, int32_t serial, int32_t file_no) {
+  if (name.file != ArchiveFileKind::Direct) return SectionRef{};
+  return lookup_direct(*this, to_tag(name.tag), serial, file_no, 0, 0);
+}
+
+int64_t ArchiveReader::record_of(const SectionRef& s, int64_t index) {
+  int64_t rec = 0;
+  if (__builtin_add_overflow(s.first, index - 1, &rec)) return -1;
+  return rec;
+}
+
+bool ArchiveReader::read(const SectionRef& s, int64_t index, void* dst, int64_t nbytes) {
+  return read_record(units, s.unit, record_of(s, index), dst, nbytes);
+}
+
+bool ArchiveReader::read_f64(const SectionRef& s, int64_t index, VecRef<double> dst, int64_t n) {
+  return respcore::read_f64(units, s.unit, record_of(s, index), dst, n);
+}
+
+bool ArchiveReader::read_i32(const SectionRef& s, int64_t index, VecRef<int32_t> dst, int64_t n) {
+  return respcore::read_i32(units, s.unit, record_of(s, index), dst, n);
+}
+
+bool ArchiveReader::read_f64_at(const SectionRef& s, int64_t index, int64_t nbytes,
+                                int64_t byte_offset, double& out) {
+  return read_record_f64_at(units, s.unit, record_of(s, index), nbytes, byte_offset, out);
+}
+
+int64_t ArchiveReader::read_run(const SectionRef& s, int64_t index, int64_t count, int64_t nbytes,
+                                void* dst, std::vector<char>& ok) {
+  return read_records(units, s.unit, record_of(s, index), count, nbytes, dst, &ok);
+}
+
+int64_t ArchiveReader::readable(const SectionRef& s, int64_t nbytes) const {
+  int64_t last = 0;
+  if (__builtin_sub_overflow(unit_last_record(units, s.unit, nbytes), s.first - 1, &last)) return 0;
+  return last;
+}
+
+void ArchiveReader::close(const SectionRef& s) { unit_close(units, s.unit); }
+
+void set_extensions(ArchiveState& S) {
   for (const ExtensionRow& row : kExtensions) {
-    if (std::memcmp(A.PRODUCT_TAG.data(), row.tag, 5) == 0) {
-      std::memcpy(A.EXT_FIRST.data(), row.first, 4);
-      std::memcpy(A.EXT_SECOND.data(), row.second, 4);
-      std::memcpy(A.EXT_DIRECT.data(), row.direct, 4);
+    if (std::memcmp(S.PRODUCT_TAG.data(), row.tag, 5) == 0) {
+      std::memcpy(S.EXT_FIRST.data(), row.first, 4);
+      std::memcpy(S.EXT_SECOND.data(), row.second, 4);
+      std::memcpy(S.EXT_DIRECT.data(), row.direct, 4);
       return;
     }
   }
 }
 
-void RF_BIN(KernelState& K, int32_t ID_M, int32_t ID_S, int64_t& start, int32_t& found) {
-  access(K, FileKind::First, ID_M, ID_S, start, found);
+bool product_is(const ArchiveState& S, const char* tag) {
+  return std::memcmp(S.PRODUCT_TAG.data(), tag, 5) == 0;
 }
 
-void RF_BIN_T(KernelState& K, int32_t ID_M, int32_t ID_S, int64_t& start, int32_t& found) {
-  access(K, FileKind::Second, ID_M, ID_S, start, found);
+void RF_BIN(ArchiveReader A, int32_t ID_M, int32_t ID_S, int64_t& start, int32_t& found) {
+  const SectionRef r = lookup_main(A, ArchiveFileKind::First,
+                                   table_row(ID_MAIN, "ID_MAIN", ID_S), ID_M, start);
+  start = r.first;
+  found = r.found() ? 1 : 0;
 }
 
-void RF_BIN_DIRECT(KernelState& K, int32_t ID_M, int32_t ID_S, int32_t file_no, int32_t& reclen,
+void RF_BIN_T(ArchiveReader A, int32_t ID_M, int32_t ID_S, int64_t& start, int32_t& found) {
+  const SectionRef r = lookup_main(A, ArchiveFileKind::Second,
+                                   table_row(ID_MAIN_T, "ID_MAIN_T", ID_S), ID_M, start);
+  start = r.first;
+  found = r.found() ? 1 : 0;
+}
+
+void RF_BIN_DIRECT(ArchiveReader A, int32_t ID_M, int32_t ID_S, int32_t file_no, int32_t& reclen,
                    int64_t& start) {
-  ArchiveState& A = K.archive;
-  A.SEC_TAG = table_row(ID_DIRECT, 2, "ID_DIRECT", ID_S);
-  A.SEC_SERIAL = ID_M;
-  set_extensions(K);
-  if (file_no < 10) {
-    A.DIRECT_DIGITS = format_int(file_no, 1);
-    A.DIRECT_SUFFIX_LEN = 5;
-  } else if (file_no <= 99) {
-    A.DIRECT_DIGITS = format_int(file_no, 2);
-    A.DIRECT_SUFFIX_LEN = 6;
-  }
-  std::string name = base_name(K) + std::string(A.EXT_DIRECT.data(), 4) + A.DIRECT_DIGITS;
-  const int32_t name_len = A.FNAME_LEN + A.DIRECT_SUFFIX_LEN;
-  int32_t status = 0;
-  if (A.READ_METHOD == 0) {
-    READ_F_TIME(K, UNIT_DIRECT, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, A.rf_bin_direct_work,
-                reclen, A.SEC_NREC, status);
-    start = A.rf_bin_direct_work;
-  } else if (A.READ_METHOD == 1) {
-    READ_F_TIME_8(K, UNIT_DIRECT, name, name_len, 2, A.SEC_TAG, A.SEC_SERIAL, start, reclen,
-                  A.SEC_NREC, status);
-  }
+  const SectionRef r =
+      lookup_direct(A, table_row(ID_DIRECT, "ID_DIRECT", ID_S), ID_M, file_no, reclen, start);
+  reclen = r.reclen;
+  start = r.first;
 }
 
-void FIND_READING_RESULT_METHOD(KernelState& K) {
-  ArchiveState& A = K.archive;
-  set_extensions(K);
-  std::string path = base_name(K) + std::string(A.EXT_FIRST.data(), 4);
-  unit_close(K, UNIT_FIRST);
+void FIND_READING_RESULT_METHOD(ArchiveReader A) {
+  ArchiveState& S = A.state;
+  set_extensions(S);
+  const std::string path = base_name(S) + std::string(S.EXT_FIRST.data(), 4);
+  unit_close(A.units, UNIT_FIRST);
   int result = 0;
-  if (!unit_open(K, UNIT_FIRST, path, 20)) {
+  if (!unit_open(A.units, UNIT_FIRST, path, dir_record_bytes(false))) {
     result = 1;
   } else {
     unsigned char head[12];
-    if (!read_record(K, UNIT_FIRST, 1, head, 12)) {
+    if (!read_record(A.units, UNIT_FIRST, 1, head, 12)) {
       result = 2;
+    } else if (head_version(head) == dir_version(true)) {
+      S.READ_METHOD = 1;
+      S.dir.version = dir_version(true);
     } else {
-      float version;
-      std::memcpy(&version, head + 8, 4);
-      if (version == 2.0f) {
-        A.READ_METHOD = 1;
-        A.dir.version = 2.0f;
-      } else {
-        A.READ_METHOD = 0;
-      }
+      S.READ_METHOD = 0;
     }
-    unit_close(K, UNIT_FIRST);
+    unit_close(A.units, UNIT_FIRST);
   }
-  if (result != 0 && result != 4) print_line(K.diag, "   OPENING ERROR READ-F IN RESP CORE ");
+  if (result != 0 && result != 4) print_line(A.diag, "   OPENING ERROR READ-F IN RESP CORE ");
 }
 
-void READING_ELEMENT_MATERIAL_DATA(KernelState& K, int32_t element_serial) {
-  ArchiveState& A = K.archive;
-  int64_t first = 0;
-  int32_t found = 0;
-  RF_BIN_T(K, 3, 35, first, found);
-  int32_t mat_no = A.material_number;
-  if (read_record(K, UNIT_SECOND, first + element_serial - 1, &mat_no, 4)) {
-    A.material_number = mat_no;
-  }
-  RF_BIN_T(K, 3, 40, first, found);
+void READING_ELEMENT_MATERIAL_DATA(ArchiveReader A, ElementMaterial& M, int32_t element_serial) {
+  ArchiveState& S = A.state;
+  const SectionRef elmt = A.find(sections::ELMT, 3);
+  int32_t mat_no = S.material_number;
+  if (A.read(elmt, element_serial, &mat_no, 4)) S.material_number = mat_no;
+  const SectionRef matl = A.find(sections::MATL, 3);
   // Records past the end of the file cannot be read, so a count larger than
   // the file holds is cut there rather than tried record by record.
-  const int64_t count =
-      std::min<int64_t>(A.SEC_NREC, unit_last_record(K, UNIT_SECOND, 13 * 8) - first + 1);
+  constexpr int64_t kWords = 13;
+  const int64_t count = std::min<int64_t>(matl.nrec, A.readable(matl, kWords * 8));
   constexpr int64_t kBatch = 4096;
   std::vector<double> recs;
   std::vector<char> ok;
   for (int64_t done = 0; done < count; done += kBatch) {
     const int64_t n = std::min(kBatch, count - done);
-    recs.assign(static_cast<size_t>(n * 13), 0.0);
-    read_records(K, UNIT_SECOND, first + done, n, 13 * 8, recs.data(), &ok);
+    recs.assign(static_cast<size_t>(n * kWords), 0.0);
+    A.read_run(matl, 1 + done, n, kWords * 8, recs.data(), ok);
     for (int64_t i = 0; i < n; ++i) {
       if (!ok[static_cast<size_t>(i)]) continue;
-      const double* r = recs.data() + i * 13;
-      if (trunc_i32(r[0]) != A.material_number) continue;
-      ElementMaterial& M = K.ELEM_MATERIAL;
+      const double* r = recs.data() + i * kWords;
+      if (trunc_i32(r[0]) != S.material_number) continue;
       M.MAT_YOUNG = r[1];
       M.MAT_POISSON = r[2];
       M.MAT_TYPE = trunc_i32(r[3]);

@@ -2,6 +2,8 @@
 // the table index that callers pass. Blank rows cannot be looked up.
 #pragma once
 
+#include "respcore/sections.hpp"
+
 namespace respcore {
 
 inline constexpr int ID_MAIN_ROWS = 300;
@@ -9,7 +11,7 @@ inline constexpr int ID_MAIN_T_ROWS = 175;
 
 inline constexpr const char* ID_MAIN[ID_MAIN_ROWS] = {
     "REAC", "DISP", "STRT", "STRB", "STRM", "STNP", "STRW", "STRN", "STRS", "STRL", "FREQ", "MODE",
-    "SREA", "SOLF", "STAX", "STPN", "STMV", "LRAC", "STSH", "STSI", "MPAF", "MPAM", "SP" "EC", "MACC",
+    "SREA", "SOLF", "STAX", "STPN", "STMV", "LRAC", "STSH", "STSI", "MPAF", "MPAM", "SPEC", "MACC",
     "STEC", "HTIM", "HDSP", "HSTR", "HDSN", "HSTN", "MDSP", "CABF", "ELNK", "STCM", "RZMD", "STCV",
     "STSR", "MDDS", "CFMO", "CFML", "NLNK", "LNTL", "AEFM", "RSMM", "DMSE", "HGSM", "CSPR", "NDFM",
     "NFCM", "RCBL", "STHM", "STHR", "STHX", "STHP", "STHS", "COOR", "CURL", "IFFN", "IFSL", "ITSL",
@@ -54,5 +56,44 @@ inline constexpr const char* ID_MAIN_T[ID_MAIN_T_ROWS] = {
 };
 
 inline constexpr const char* ID_DIRECT[2] = {"DMED", "DSPL"};
+
+// Whether a named section stands in its table at the row it names.
+constexpr bool names_its_row(const SectionName& s) {
+  const char* row = nullptr;
+  switch (s.file) {
+    case ArchiveFileKind::First:
+      if (s.row < 1 || s.row > ID_MAIN_ROWS) return false;
+      row = ID_MAIN[s.row - 1];
+      break;
+    case ArchiveFileKind::Second:
+      if (s.row < 1 || s.row > ID_MAIN_T_ROWS) return false;
+      row = ID_MAIN_T[s.row - 1];
+      break;
+    case ArchiveFileKind::Direct:
+      if (s.row < 1 || s.row > 2) return false;
+      row = ID_DIRECT[s.row - 1];
+      break;
+  }
+  for (int i = 0; i < 4; ++i) {
+    if (row[i] != s.tag[i]) return false;
+  }
+  return s.tag[4] == '\0';
+}
+
+namespace sections {
+static_assert(names_its_row(THLG) && names_its_row(ELIM) && names_its_row(IASI) &&
+              names_its_row(IASE));
+static_assert(names_its_row(TRUS) && names_its_row(BEAM) && names_its_row(PSTR) &&
+              names_its_row(PLAT) && names_its_row(WALL) && names_its_row(PSTA) &&
+              names_its_row(AXYM) && names_its_row(SOLD) && names_its_row(PSRN) &&
+              names_its_row(PSTH) && names_its_row(PSRH) && names_its_row(PLTH) &&
+              names_its_row(PSOH) && names_its_row(EMBT) && names_its_row(WBMM));
+static_assert(names_its_row(MDSP) && names_its_row(MSHP) && names_its_row(GRMT) &&
+              names_its_row(NDSP) && names_its_row(THIF) && names_its_row(MSER) &&
+              names_its_row(MSES) && names_its_row(CORD) && names_its_row(ELMT) &&
+              names_its_row(ITTR) && names_its_row(ITBM) && names_its_row(MATL) &&
+              names_its_row(MTKM) && names_its_row(ITBW) && names_its_row(NSKI));
+static_assert(names_its_row(DMED) && names_its_row(DSPL));
+}  // namespace sections
 
 }  // namespace respcore

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <vector>
 
-#include "core/kernel_state.hpp"
 
 namespace respcore {
 
@@ -17,17 +16,17 @@ OpenFile::~OpenFile() {
 
 namespace {
 
-// Fortran ignores trailing blanks of a file name.
+// Trailing blanks of a file name do not count.
 std::string trimmed(const std::string& path) {
   size_t n = path.size();
   while (n > 0 && path[n - 1] == ' ') --n;
   return path.substr(0, n);
 }
 
-std::shared_ptr<OpenFile> open_cached(KernelState& K, const std::string& raw_path) {
+std::shared_ptr<OpenFile> open_cached(UnitTable& U, const std::string& raw_path) {
   const std::string path = trimmed(raw_path);
-  auto it = K.units.files.find(path);
-  if (it != K.units.files.end()) return it->second;
+  auto it = U.files.find(path);
+  if (it != U.files.end()) return it->second;
   std::shared_ptr<OpenFile> f;
   if (!path.empty()) {
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -42,7 +41,7 @@ std::shared_ptr<OpenFile> open_cached(KernelState& K, const std::string& raw_pat
       }
     }
   }
-  K.units.files.emplace(path, f);
+  U.files.emplace(path, f);
   return f;
 }
 
@@ -67,49 +66,56 @@ bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
 
 }  // namespace
 
-bool unit_open(KernelState& K, int32_t unit, const std::string& path, int64_t reclen) {
-  unit_close(K, unit);
+bool unit_open(UnitTable& U, int32_t unit, const std::string& path, int64_t reclen) {
+  unit_close(U, unit);
   if (reclen <= 0) return false;
-  auto f = open_cached(K, path);
+  auto f = open_cached(U, path);
   if (!f) return false;
-  Connection& c = K.units.units[unit];
+  Connection& c = U.units[unit];
   c.file = std::move(f);
   c.reclen = reclen;
   return true;
 }
 
-void unit_close(KernelState& K, int32_t unit) {
-  auto it = K.units.units.find(unit);
-  if (it != K.units.units.end()) it->second = Connection{};
+void unit_close(UnitTable& U, int32_t unit) {
+  auto it = U.units.find(unit);
+  if (it != U.units.end()) it->second = Connection{};
 }
 
-bool unit_connected(const KernelState& K, int32_t unit) {
-  auto it = K.units.units.find(unit);
-  return it != K.units.units.end() && it->second.file != nullptr;
+namespace {
+
+// The connection of UNIT, or none.
+const Connection* connection(const UnitTable& U, int32_t unit) {
+  auto it = U.units.find(unit);
+  return it == U.units.end() || !it->second.file ? nullptr : &it->second;
 }
 
-int64_t unit_reclen(const KernelState& K, int32_t unit) {
-  auto it = K.units.units.find(unit);
-  return it == K.units.units.end() ? 0 : it->second.reclen;
+// The byte offset of record REC of UNIT when NBYTES of it can be read, or -1.
+int64_t readable_offset(const UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
+                        const Connection*& c) {
+  c = connection(U, unit);
+  if (c == nullptr || nbytes < 0 || nbytes > c->reclen) return -1;
+  const int64_t off = record_offset(rec, c->reclen);
+  if (off < 0 || off > c->file->size - nbytes) return -1;
+  return off;
 }
 
-bool read_record(KernelState& K, int32_t unit, int64_t rec, void* dst, int64_t nbytes) {
-  auto it = K.units.units.find(unit);
-  if (it == K.units.units.end() || !it->second.file) return false;
-  const Connection& c = it->second;
-  if (nbytes < 0 || nbytes > c.reclen) return false;
-  const int64_t off = record_offset(rec, c.reclen);
-  if (off < 0 || off > c.file->size - nbytes) return false;
+}  // namespace
+
+bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nbytes) {
+  const Connection* c = nullptr;
+  const int64_t off = readable_offset(U, unit, rec, nbytes, c);
+  if (off < 0) return false;
   if (nbytes == 0) return true;
-  return pread_all(c.file->fd, dst, nbytes, off);
+  return pread_all(c->file->fd, dst, nbytes, off);
 }
 
-int64_t read_records(KernelState& K, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
+int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
                      void* dst, std::vector<char>* ok) {
   ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
-  auto it = K.units.units.find(unit);
-  if (count <= 0 || it == K.units.units.end() || !it->second.file) return 0;
-  const Connection& c = it->second;
+  const Connection* conn = connection(U, unit);
+  if (count <= 0 || conn == nullptr) return 0;
+  const Connection& c = *conn;
   if (nbytes < 0 || nbytes > c.reclen) return 0;
   // Records that exist lie in one contiguous span of the file.
   int64_t lo = std::max<int64_t>(first, 1);
@@ -135,60 +141,51 @@ int64_t read_records(KernelState& K, int32_t unit, int64_t first, int64_t count,
   return n_ok;
 }
 
-bool read_f64(KernelState& K, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n) {
-  if (n <= 0) return read_record(K, unit, rec, nullptr, 0);
-  std::vector<double> tmp(static_cast<size_t>(checked_count(sizeof(double), n)));
-  if (!read_record(K, unit, rec, tmp.data(), n * 8)) return false;
+namespace {
+
+// N values of record REC into DST(1..N); what does not fit DST is dropped
+// with a bound report.
+template <class T>
+bool read_values(UnitTable& U, int32_t unit, int64_t rec, VecRef<T> dst, int64_t n) {
+  if (n <= 0) return read_record(U, unit, rec, nullptr, 0);
+  std::vector<T> tmp(static_cast<size_t>(checked_count(sizeof(T), n)));
+  if (!read_record(U, unit, rec, tmp.data(), n * static_cast<int64_t>(sizeof(T)))) return false;
   const int64_t fit = std::min<int64_t>(n, dst.size());
-  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(double));
+  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(T));
   if (fit < n) report_bound_failure(dst.name(), dst.lo() + fit, dst.lo(), dst.hi());
   return true;
 }
 
-bool read_i32(KernelState& K, int32_t unit, int64_t rec, VecRef<int32_t> dst, int64_t n) {
-  if (n <= 0) return read_record(K, unit, rec, nullptr, 0);
-  std::vector<int32_t> tmp(static_cast<size_t>(checked_count(sizeof(int32_t), n)));
-  if (!read_record(K, unit, rec, tmp.data(), n * 4)) return false;
-  const int64_t fit = std::min<int64_t>(n, dst.size());
-  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(int32_t));
-  if (fit < n) report_bound_failure(dst.name(), dst.lo() + fit, dst.lo(), dst.hi());
-  return true;
+}  // namespace
+
+bool read_f64(UnitTable& U, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n) {
+  return read_values(U, unit, rec, dst, n);
 }
 
-void close_all_units(KernelState& K) {
-  for (int32_t u : {32, 36, 63, 68, 78}) unit_close(K, u);
-  K.units.units.clear();
-  K.units.files.clear();
-  K.units.walks.clear();
+bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int64_t n) {
+  return read_values(U, unit, rec, dst, n);
 }
 
-}  // namespace respcore
+void close_all_units(UnitTable& U) {
+  for (int32_t u : {32, 36, 63, 68, 78}) unit_close(U, u);
+  U.units.clear();
+  U.files.clear();
+  U.walks.clear();
+}
 
-namespace respcore {
-
-bool read_record_f64_at(KernelState& K, int32_t unit, int64_t rec, int64_t nbytes,
+bool read_record_f64_at(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
                         int64_t byte_offset, double& out) {
-  auto it = K.units.units.find(unit);
-  if (it == K.units.units.end() || !it->second.file) return false;
-  const Connection& c = it->second;
-  if (nbytes < 0 || nbytes > c.reclen) return false;
-  int64_t off = 0;
-  if (rec < 1 || __builtin_mul_overflow(rec - 1, c.reclen, &off)) return false;
-  if (off > c.file->size - nbytes) return false;
+  const Connection* c = nullptr;
+  const int64_t off = readable_offset(U, unit, rec, nbytes, c);
+  if (off < 0) return false;
   if (byte_offset < 0 || byte_offset + 8 > nbytes) return true;
-  return pread_all(c.file->fd, &out, 8, off + byte_offset);
+  return pread_all(c->file->fd, &out, 8, off + byte_offset);
 }
 
-}  // namespace respcore
-
-namespace respcore {
-
-int64_t unit_last_record(const KernelState& K, int32_t unit, int64_t nbytes) {
-  auto it = K.units.units.find(unit);
-  if (it == K.units.units.end() || !it->second.file) return 0;
-  const Connection& c = it->second;
-  if (nbytes < 0 || nbytes > c.reclen || c.file->size < nbytes) return 0;
-  return (c.file->size - nbytes) / c.reclen + 1;
+int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {
+  const Connection* c = connection(U, unit);
+  if (c == nullptr || nbytes < 0 || nbytes > c->reclen || c->file->size < nbytes) return 0;
+  return (c->file->size - nbytes) / c->reclen + 1;
 }
 
 }  // namespace respcore

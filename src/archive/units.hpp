@@ -8,12 +8,12 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
+#include "archive/archive_state.hpp"
 #include "core/arrays.hpp"
 
 namespace respcore {
-
-struct KernelState;
 
 // Units of the archive files.
 inline constexpr int32_t UNIT_SECOND = 32;  // second file, RF_BIN_T
@@ -23,48 +23,38 @@ inline constexpr int32_t UNIT_FIRST = 63;   // first file, RF_BIN
 // Connects UNIT to the existing file PATH with RECLEN bytes per record,
 // closing whatever the unit held. Fails (and leaves the unit closed) when
 // the file cannot be opened or RECLEN is not positive.
-bool unit_open(KernelState& K, int32_t unit, const std::string& path, int64_t reclen);
-void unit_close(KernelState& K, int32_t unit);
-bool unit_connected(const KernelState& K, int32_t unit);
-int64_t unit_reclen(const KernelState& K, int32_t unit);
+bool unit_open(UnitTable& U, int32_t unit, const std::string& path, int64_t reclen);
+void unit_close(UnitTable& U, int32_t unit);
 
 // Reads NBYTES from the start of record REC into DST. A read that needs more
 // bytes than the record length or the file holds fails as a whole and leaves
 // DST unchanged.
-bool read_record(KernelState& K, int32_t unit, int64_t rec, void* dst, int64_t nbytes);
+bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nbytes);
 
 // Reads the first NBYTES of COUNT consecutive records starting at FIRST into
 // DST, record i at DST + i*NBYTES, with one system call. Returns a flag per
 // record in OK (size COUNT): the same outcome as COUNT separate reads.
-int64_t read_records(KernelState& K, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
+int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
                      void* dst, std::vector<char>* ok);
 
 // Reads N doubles from record REC into DST(1..N). A target shorter than N is
 // a bound failure: what does not fit is dropped.
-bool read_f64(KernelState& K, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n);
+bool read_f64(UnitTable& U, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n);
 // Reads N 32-bit integers from record REC into DST(1..N).
-bool read_i32(KernelState& K, int32_t unit, int64_t rec, VecRef<int32_t> dst, int64_t n);
-
-// Closes units 32, 36, 63, 68 and 78 and releases the call's caches.
-void close_all_units(KernelState& K);
-
-}  // namespace respcore
-
-namespace respcore {
+bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int64_t n);
 
 // Checks that a read of NBYTES from record REC of UNIT would succeed, and
 // then reads only the 8 bytes at BYTE_OFFSET of the record into OUT. The
 // outcome is that of the whole read; only the bytes used are fetched.
-bool read_record_f64_at(KernelState& K, int32_t unit, int64_t rec, int64_t nbytes,
+bool read_record_f64_at(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
                         int64_t byte_offset, double& out);
-
-}  // namespace respcore
-
-namespace respcore {
 
 // The last record of UNIT from which NBYTES can be read (0 if none): records
 // behind it lie past the end of the file, so loops over a section may stop
 // there whatever count the directory claims.
-int64_t unit_last_record(const KernelState& K, int32_t unit, int64_t nbytes);
+int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes);
+
+// Closes units 32, 36, 63, 68 and 78 and releases the call's caches.
+void close_all_units(UnitTable& U);
 
 }  // namespace respcore

@@ -2,6 +2,7 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "archive/directory_codec.hpp"
 #include "respcore/archive_writer.hpp"
 
 namespace respcore {
@@ -12,11 +13,6 @@ std::string pad_tag(std::string_view tag) {
   std::string t(tag.substr(0, 4));
   t.resize(4, ' ');
   return t;
-}
-
-template <class T>
-void put(std::vector<unsigned char>& b, size_t off, T v) {
-  std::memcpy(b.data() + off, &v, sizeof v);
 }
 
 }  // namespace
@@ -99,7 +95,7 @@ Section* ArchiveFile::find(std::string_view tag, int32_t serial) {
 
 std::vector<unsigned char> ArchiveFile::build() {
   const bool wide = form_ == DirectoryForm::Wide;
-  const size_t dir_rec = wide ? 28 : 20;
+  const auto dir_rec = static_cast<size_t>(dir_record_bytes(wide));
   // The first block holds the directory's own entry and 19 more; every
   // further block holds 20.
   const size_t n_entries = entries_.size();
@@ -121,40 +117,26 @@ std::vector<unsigned char> ArchiveFile::build() {
   }
 
   std::vector<unsigned char> out(end, 0);
-  const float version = wide ? 2.0f : 1.0f;
+  const float version = dir_version(wide);
   size_t next_entry = 0;
   for (size_t b = 0; b < blocks; ++b) {
     const size_t head_rec = b * 21 + 1;
-    const size_t off = (head_rec - 1) * dir_rec;
-    std::memcpy(out.data() + off, "QVX ", 4);
-    put<int32_t>(out, off + 4, file_code_);
-    put<float>(out, off + 8, version);
-    put<int32_t>(out, off + 12, 20);
     const int64_t next = b + 1 < blocks ? static_cast<int64_t>((b + 1) * 21 + 1) : 0;
-    if (wide) put<int64_t>(out, off + 16, next);
-    else put<int32_t>(out, off + 16, static_cast<int32_t>(next));
+    encode_head(make_head(file_code_, version, next), wide, out.data() + (head_rec - 1) * dir_rec);
     for (size_t n = 1; n <= 20; ++n) {
-      const size_t eoff = (head_rec - 1 + n) * dir_rec;
-      std::string tag = "    ";
-      int32_t serial = 0, reclen = 0;
-      int64_t first = 0, last = 0;
+      DirEntry d;
+      d.tag = BLANK_TAG;
       if (b == 0 && n == 1) {
-        tag = "HEAD", serial = 1, first = 2, last = 21, reclen = 5;
+        d = own_entry();
       } else if (next_entry < n_entries) {
         const Entry& e = entries_[next_entry++];
-        tag = e.tag, serial = e.serial, first = e.first, last = e.last, reclen = e.reclen;
+        std::memcpy(d.tag.data(), e.tag.data(), 4);
+        d.serial = e.serial;
+        d.first = e.first;
+        d.last = e.last;
+        d.reclen = e.reclen;
       }
-      std::memcpy(out.data() + eoff, tag.data(), 4);
-      put<int32_t>(out, eoff + 4, serial);
-      if (wide) {
-        put<int64_t>(out, eoff + 8, first);
-        put<int64_t>(out, eoff + 16, last);
-        put<int32_t>(out, eoff + 24, reclen);
-      } else {
-        put<int32_t>(out, eoff + 8, static_cast<int32_t>(first));
-        put<int32_t>(out, eoff + 12, static_cast<int32_t>(last));
-        put<int32_t>(out, eoff + 16, reclen);
-      }
+      encode_entry(d, wide, out.data() + (head_rec - 1 + n) * dir_rec);
     }
   }
   for (auto& s : sections_) {

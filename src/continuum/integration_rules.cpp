@@ -6,20 +6,7 @@ namespace respcore {
 
 using namespace gp_table;
 
-namespace {
-
-template <size_t N>
-double at(const Table<N>& t, int32_t ipt, const char* name) {
-  if (ipt < 1 || ipt > static_cast<int32_t>(N)) {
-    report_bound_failure(name, ipt, 1, static_cast<int64_t>(N));
-    return 0.0;
-  }
-  return t[static_cast<size_t>(ipt - 1)];
-}
-
-}  // namespace
-
-#define RC_AT(table) at(table, IPOINT, #table)
+#define RC_AT(table) table_entry(table, IPOINT, #table)
 
 void T_GP_COORD(double& S, double& T, double& U, double& WEIGHT, int32_t IPOINT, int32_t NPT,
                 int32_t NNODE, int32_t NSTRS) {

@@ -11,16 +11,20 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "numeric/gauss.hpp"
+
 namespace respcore {
 
 namespace gp_table {
 
-inline constexpr double G2 = 0.5773502691896257;  // 2-point Gauss abscissa
-inline constexpr double G3 = 0.7745966692414834;  // 3-point Gauss abscissa
-inline constexpr double W3_OUTER = 5.0 / 9.0;
-inline constexpr double W3_CENTRE = 8.0 / 9.0;
-inline constexpr double TET4_A = 0.1381966;
-inline constexpr double TET4_B = 0.5854102;
+// The shared Gauss constants (numeric/gauss.hpp) and the constants of the
+// rules that only the integration rules have.
+using gauss::G2;
+using gauss::G3;
+using gauss::TET4_A;
+using gauss::TET4_B;
+using gauss::W3_CENTRE;
+using gauss::W3_OUTER;
 inline constexpr double TET4_W = 0.25;
 inline constexpr double TET5_W_CENTRE = -0.8;
 inline constexpr double TET5_W = 0.45;
@@ -28,43 +32,36 @@ inline constexpr double TRI4_W_CENTRE = -0.28125;
 inline constexpr double TRI4_W = 0.26041667;
 
 template <size_t N>
-using Table = std::array<double, N>;
+using Table = gauss::Table<N>;
 
 namespace detail {
-inline constexpr double kX3[3] = {-G3, 0.0, G3};
-inline constexpr double kW3[3] = {W3_OUTER, W3_CENTRE, W3_OUTER};
-inline constexpr double kX2[2] = {-G2, G2};
-inline constexpr double kTri3S[3] = {1.0 / 6.0, 2.0 / 3.0, 1.0 / 6.0};
-inline constexpr double kTri3T[3] = {1.0 / 6.0, 1.0 / 6.0, 2.0 / 3.0};
 inline constexpr double kTri4S[4] = {1.0 / 3.0, 0.6, 0.2, 0.2};
 inline constexpr double kTri4T[4] = {1.0 / 3.0, 0.2, 0.6, 0.2};
 inline constexpr double kTri4W[4] = {TRI4_W_CENTRE, TRI4_W, TRI4_W, TRI4_W};
-
-template <size_t N, class F>
-constexpr Table<N> make(F f) {
-  Table<N> t{};
-  for (size_t i = 0; i < N; ++i) t[i] = f(i);
-  return t;
-}
+using gauss::make;
+using gauss::TRI_S;
+using gauss::TRI_T;
+using gauss::W3;
+using gauss::X2;
+using gauss::X3;
 }  // namespace detail
 
 // Line.
-inline constexpr Table<2> SS2L = {-G2, G2};
-inline constexpr Table<3> SS3L = {-G3, 0.0, G3};
-inline constexpr Table<3> WHT3L = {W3_OUTER, W3_CENTRE, W3_OUTER};
+inline constexpr const Table<2>& SS2L = gauss::LINE2_S;
+inline constexpr const Table<3>& SS3L = gauss::LINE3_S;
+inline constexpr const Table<3>& WHT3L = gauss::LINE3_W;
 
 // Triangle, 3 points.
-inline constexpr Table<3> SS3PT = {1.0 / 6.0, 2.0 / 3.0, 1.0 / 6.0};
-inline constexpr Table<3> TT3PT = {1.0 / 6.0, 1.0 / 6.0, 2.0 / 3.0};
-inline constexpr Table<3> WHT3PT = {1.0 / 6.0, 1.0 / 6.0, 1.0 / 6.0};
+inline constexpr const Table<3>& SS3PT = gauss::TRI3_S;
+inline constexpr const Table<3>& TT3PT = gauss::TRI3_T;
+inline constexpr const Table<3>& WHT3PT = gauss::TRI3_W;
 
 // Quadrilateral, 2 by 2 in corner order, and 3 by 3 with S fastest.
-inline constexpr Table<4> SS4PQ = {-G2, G2, G2, -G2};
-inline constexpr Table<4> TT4PQ = {-G2, -G2, G2, G2};
-inline constexpr Table<9> SS9PQ = detail::make<9>([](size_t i) { return detail::kX3[i % 3]; });
-inline constexpr Table<9> TT9PQ = detail::make<9>([](size_t i) { return detail::kX3[i / 3]; });
-inline constexpr Table<9> WHT9PQ =
-    detail::make<9>([](size_t i) { return detail::kW3[i % 3] * detail::kW3[i / 3]; });
+inline constexpr const Table<4>& SS4PQ = gauss::QUAD4_S;
+inline constexpr const Table<4>& TT4PQ = gauss::QUAD4_T;
+inline constexpr const Table<9>& SS9PQ = gauss::QUAD9_S;
+inline constexpr const Table<9>& TT9PQ = gauss::QUAD9_T;
+inline constexpr const Table<9>& WHT9PQ = gauss::QUAD9_W;
 
 // Tetrahedron, 4 and 5 points (weights not divided by 6).
 inline constexpr Table<4> SS4ST = {TET4_A, TET4_B, TET4_A, TET4_A};
@@ -77,40 +74,35 @@ inline constexpr Table<5> UU5ST = {0.25, 1.0 / 6.0, 1.0 / 6.0, 0.5, 1.0 / 6.0};
 inline constexpr Table<5> WHT5ST = {TET5_W_CENTRE, TET5_W, TET5_W, TET5_W, TET5_W};
 
 // Wedge: a triangle rule (fastest) by a Gauss rule through the thickness.
-inline constexpr Table<6> SS6SP = detail::make<6>([](size_t i) { return detail::kTri3S[i % 3]; });
-inline constexpr Table<6> TT6SP = detail::make<6>([](size_t i) { return detail::kTri3T[i % 3]; });
-inline constexpr Table<6> UU6SP = detail::make<6>([](size_t i) { return detail::kX2[i / 3]; });
-inline constexpr Table<6> WHT6SP = detail::make<6>([](size_t) { return 1.0 / 6.0; });
+inline constexpr const Table<6>& SS6SP = gauss::WEDGE6_S;
+inline constexpr const Table<6>& TT6SP = gauss::WEDGE6_T;
+inline constexpr const Table<6>& UU6SP = gauss::WEDGE6_U;
+inline constexpr const Table<6>& WHT6SP = gauss::WEDGE6_W;
 inline constexpr Table<8> SS8SP = detail::make<8>([](size_t i) { return detail::kTri4S[i % 4]; });
 inline constexpr Table<8> TT8SP = detail::make<8>([](size_t i) { return detail::kTri4T[i % 4]; });
-inline constexpr Table<8> UU8SP = detail::make<8>([](size_t i) { return detail::kX2[i / 4]; });
+inline constexpr Table<8> UU8SP = detail::make<8>([](size_t i) { return detail::X2[i / 4]; });
 inline constexpr Table<8> WHT8SP = detail::make<8>([](size_t i) { return detail::kTri4W[i % 4]; });
-inline constexpr Table<9> SS9SP = detail::make<9>([](size_t i) { return detail::kTri3S[i % 3]; });
-inline constexpr Table<9> TT9SP = detail::make<9>([](size_t i) { return detail::kTri3T[i % 3]; });
-inline constexpr Table<9> UU9SP = detail::make<9>([](size_t i) { return detail::kX3[i / 3]; });
+inline constexpr const Table<9>& SS9SP = gauss::WEDGE9_S;
+inline constexpr const Table<9>& TT9SP = gauss::WEDGE9_T;
+inline constexpr const Table<9>& UU9SP = gauss::WEDGE9_U;
 inline constexpr Table<9> WHT9SP =
-    detail::make<9>([](size_t i) { return (1.0 / 6.0) * detail::kW3[i / 3]; });
+    detail::make<9>([](size_t i) { return (1.0 / 6.0) * detail::W3[i / 3]; });
 inline constexpr Table<12> SS12SP =
     detail::make<12>([](size_t i) { return detail::kTri4S[i % 4]; });
 inline constexpr Table<12> TT12SP =
     detail::make<12>([](size_t i) { return detail::kTri4T[i % 4]; });
-inline constexpr Table<12> UU12SP = detail::make<12>([](size_t i) { return detail::kX3[i / 4]; });
+inline constexpr Table<12> UU12SP = detail::make<12>([](size_t i) { return detail::X3[i / 4]; });
 inline constexpr Table<12> WHT12SP =
-    detail::make<12>([](size_t i) { return detail::kTri4W[i % 4] * detail::kW3[i / 4]; });
+    detail::make<12>([](size_t i) { return detail::kTri4W[i % 4] * detail::W3[i / 4]; });
 
 // Brick: 2 cubed in corner order, 3 cubed with S fastest.
-inline constexpr Table<8> SS8SH = {-G2, G2, G2, -G2, -G2, G2, G2, -G2};
-inline constexpr Table<8> TT8SH = {-G2, -G2, G2, G2, -G2, -G2, G2, G2};
-inline constexpr Table<8> UU8SH = {-G2, -G2, -G2, -G2, G2, G2, G2, G2};
-inline constexpr Table<27> SS27SH =
-    detail::make<27>([](size_t i) { return detail::kX3[i % 3]; });
-inline constexpr Table<27> TT27SH =
-    detail::make<27>([](size_t i) { return detail::kX3[(i / 3) % 3]; });
-inline constexpr Table<27> UU27SH =
-    detail::make<27>([](size_t i) { return detail::kX3[i / 9]; });
-inline constexpr Table<27> WHT27SH = detail::make<27>([](size_t i) {
-  return detail::kW3[i % 3] * detail::kW3[(i / 3) % 3] * detail::kW3[i / 9];
-});
+inline constexpr const Table<8>& SS8SH = gauss::HEX8_S;
+inline constexpr const Table<8>& TT8SH = gauss::HEX8_T;
+inline constexpr const Table<8>& UU8SH = gauss::HEX8_U;
+inline constexpr const Table<27>& SS27SH = gauss::HEX27_S;
+inline constexpr const Table<27>& TT27SH = gauss::HEX27_T;
+inline constexpr const Table<27>& UU27SH = gauss::HEX27_U;
+inline constexpr const Table<27>& WHT27SH = gauss::HEX27_W;
 
 }  // namespace gp_table
 

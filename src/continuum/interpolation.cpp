@@ -5,6 +5,7 @@
 
 #include "core/diagnostics.hpp"
 #include "numeric/dense.hpp"
+#include "numeric/gauss.hpp"
 
 namespace respcore {
 
@@ -27,9 +28,9 @@ void clear(ShapeEval& s) {
 }
 
 // Corner signs of quadrilaterals and bricks in element order.
-constexpr double kSx[8] = {-1.0, 1.0, 1.0, -1.0, -1.0, 1.0, 1.0, -1.0};
-constexpr double kSy[8] = {-1.0, -1.0, 1.0, 1.0, -1.0, -1.0, 1.0, 1.0};
-constexpr double kSz[8] = {-1.0, -1.0, -1.0, -1.0, 1.0, 1.0, 1.0, 1.0};
+constexpr const auto& kSx = gauss::CORNER_S;
+constexpr const auto& kSy = gauss::CORNER_T;
+constexpr const auto& kSz = gauss::CORNER_U;
 
 // Mid-side nodes of the 8-node quadrilateral and the 20-node brick.
 constexpr double kQ8x[4] = {0.0, 1.0, 0.0, -1.0};

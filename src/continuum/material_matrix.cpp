@@ -106,7 +106,7 @@ void STRESS_STRAIN_MATRIX_PLT(const ElementMaterial& m, PlaneCompliance& s, int3
 
   double E1 = m.MAT_YOUNG;
   double E2 = m.MAT_VALS[0];
-  double E3 = m.MAT_VALS[3];
+  const double E3 = m.MAT_VALS[3];
   double NU12 = m.MAT_POISSON;
   double NU13 = m.MAT_VALS[1];
   double NU23 = m.MAT_VALS[4];
@@ -126,14 +126,12 @@ void STRESS_STRAIN_MATRIX_PLT(const ElementMaterial& m, PlaneCompliance& s, int3
     // of an isotropic material therefore depends on those stored values;
     // results were produced that way.
     E2 = E1;
-    E3 = E1;
     NU13 = NU12;
     NU23 = NU12;
     s.NU21 = NU12;
     s.NU32 = NU12;
     G = E1 / (2.0 * (1.0 + NU12));
   }
-  (void)E3;
 
   // Compliance entries; one whose divisor is not positive keeps its old value.
   if (MODE == 0) {

@@ -8,10 +8,13 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <span>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -62,6 +65,32 @@ inline T& bound_fail(const char* name, int64_t value, int64_t lo, int64_t hi) {
   return bound_scratch<T>();
 }
 
+// The storage of an array read and written without the subscript check, with
+// the same 1-based (or LO-based) subscripts. For a loop whose subscripts were
+// all validated against the extents before it runs: such a loop is written
+// once, over either kind of view, and runs unchecked when it may.
+template <class T>
+class RawVec {
+ public:
+  RawVec(T* data, int64_t lo) : data_(data), lo_(lo) {}
+  T& operator()(int64_t i) const { return data_[i - lo_]; }
+
+ private:
+  T* data_;
+  int64_t lo_;
+};
+
+template <class T>
+class RawMat {
+ public:
+  RawMat(T* data, int64_t rows) : data_(data), rows_(rows) {}
+  T& operator()(int64_t i, int64_t j) const { return data_[(i - 1) + (j - 1) * rows_]; }
+
+ private:
+  T* data_;
+  int64_t rows_;
+};
+
 // Non-owning view of a vector with its own declared extent LO:HI.
 template <class T>
 class VecRef {
@@ -80,9 +109,10 @@ class VecRef {
   T* data() const { return data_; }
   const char* name() const { return name_; }
 
-  // View of LEN entries starting at subscript START (Fortran's passing of
-  // A(START) to a dummy of extent LEN). The extent is cut to what the parent
-  // holds, so the view can never reach outside the parent's storage.
+  // View of LEN entries starting at subscript START: the part of an array
+  // that a routine is handed to work on as an array of its own. The extent is
+  // cut to what the parent holds, so the view can never reach outside the
+  // parent's storage.
   VecRef sub(int64_t start, int64_t len) const {
     if (start < lo_ || start > hi_) {
       report_bound_failure(name_, start, lo_, hi_);
@@ -92,6 +122,9 @@ class VecRef {
   }
 
   void fill(T v) const { std::fill(data_, data_ + size(), v); }
+  RawVec<T> raw() const { return RawVec<T>(data_, lo_); }
+  // Whether subscripts FIRST..LAST all lie within the extent.
+  bool holds(int64_t first, int64_t last) const { return last < first || (first >= lo_ && last <= hi_); }
 
  private:
   T* data_ = nullptr;
@@ -122,6 +155,9 @@ class MatRef {
   void fill(T v) const { std::fill(data_, data_ + rows_ * cols_, v); }
   // The whole storage as one vector (a matrix handed to a vector dummy).
   VecRef<T> flat() const { return VecRef<T>(data_, rows_ * cols_, name_); }
+  RawMat<T> raw() const { return RawMat<T>(data_, rows_); }
+  // Whether rows 1..R and columns 1..C lie within the extents.
+  bool holds(int64_t r, int64_t c) const { return r <= rows_ && c <= cols_; }
 
  private:
   T* data_ = nullptr;
@@ -156,6 +192,7 @@ class Vec {
   void fill(T v) { std::fill(v_.begin(), v_.end(), v); }
   VecRef<T> ref() { return VecRef<T>(v_.data(), size(), name_, lo_); }
   VecRef<T> sub(int64_t start, int64_t len) { return ref().sub(start, len); }
+  RawVec<T> raw() { return RawVec<T>(v_.data(), lo_); }
   const char* name() const { return name_; }
 
  private:
@@ -197,6 +234,7 @@ class Mat {
   void fill(T v) { std::fill(v_.begin(), v_.end(), v); }
   MatRef<T> ref() { return MatRef<T>(v_.data(), rows_, cols_, name_); }
   VecRef<T> flat() { return VecRef<T>(v_.data(), rows_ * cols_, name_); }
+  RawMat<T> raw() { return RawMat<T>(v_.data(), rows_); }
   const char* name() const { return name_; }
 
  private:
@@ -235,12 +273,38 @@ class Arr3 {
   int64_t extent(int d) const { return d == 1 ? n1_ : d == 2 ? n2_ : n3_; }
   T* data() { return v_.data(); }
   void fill(T v) { std::fill(v_.begin(), v_.end(), v); }
+  // The plane of third subscript K (within 1..N3) as a matrix under the
+  // array's name: its checks report the first two subscripts as the array's.
+  MatRef<T> plane(int64_t k) { return MatRef<T>(v_.data() + n1_ * n2_ * (k - 1), n1_, n2_, name_); }
 
  private:
   std::vector<T> v_;
   int64_t n1_ = 0, n2_ = 0, n3_ = 0;
   const char* name_ = "";
 };
+
+// Entry I (from 1) of a constant table, checked like an array subscript: an
+// entry outside the table reports the bound failure under NAME and reads as
+// OUTSIDE.
+template <class T>
+T table_entry(std::span<const T> table, int64_t i, const char* name, T outside = T{}) {
+  const auto n = static_cast<int64_t>(table.size());
+  if (i < 1 || i > n) {
+    report_bound_failure(name, i, 1, n);
+    return outside;
+  }
+  return table[static_cast<size_t>(i - 1)];
+}
+template <class T, size_t N>
+std::remove_cv_t<T> table_entry(const T (&table)[N], int64_t i, const char* name,
+                                std::remove_cv_t<T> outside = {}) {
+  return table_entry<std::remove_cv_t<T>>(std::span<const std::remove_cv_t<T>>(table, N), i, name,
+                                          outside);
+}
+template <class T, size_t N>
+T table_entry(const std::array<T, N>& table, int64_t i, const char* name, T outside = T{}) {
+  return table_entry<T>(std::span<const T>(table), i, name, outside);
+}
 
 // Element-record integers are stored as doubles and truncated toward zero.
 // Values outside the int32 range saturate instead of invoking undefined

@@ -71,7 +71,7 @@ std::string format_fixed(double value, int width, int decimals) {
   char buf[128];
   std::snprintf(buf, sizeof buf, "%.*f", decimals, value);
   std::string s = buf;
-  // Fortran drops the leading zero of a fraction when the field is too narrow.
+  // A fraction too wide for its field gives up its leading zero.
   if (static_cast<int>(s.size()) > width) {
     if (s.rfind("0.", 0) == 0)
       s.erase(0, 1);
@@ -82,8 +82,7 @@ std::string format_fixed(double value, int width, int decimals) {
   return std::string(static_cast<size_t>(width) - s.size(), ' ') + s;
 }
 
-void stop_run(Diagnostics& D) {
-  (void)D;
+void stop_run() {
   throw FatalStop{};
 }
 

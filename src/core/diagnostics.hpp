@@ -53,18 +53,19 @@ class DiagnosticScope {
 // Appends LINE and a newline to the message sink (unit 78).
 void write_message(Diagnostics& D, std::string_view line);
 
-// Fortran-style right-justified integer field of width W; a value that does
-// not fit prints as W asterisks.
+// The system's integer field: right-justified in W characters; a value that
+// does not fit prints as W asterisks.
 std::string format_int(int64_t value, int width);
 
-// Fortran-style fixed real field Fw.d; a value that does not fit prints as
-// W asterisks.
+// The system's fixed real field of W characters with D decimals; a fraction
+// too wide for it loses its leading zero, and a value that still does not fit
+// prints as W asterisks.
 std::string format_fixed(double value, int width, int decimals);
 
 // Thrown by the fatal stop of a singular 2x2/3x3 inverse. The exported entry
 // ends the process; the status entries turn it into status 1.
 struct FatalStop {};
 
-[[noreturn]] void stop_run(Diagnostics& D);
+[[noreturn]] void stop_run();
 
 }  // namespace respcore

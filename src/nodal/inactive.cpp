@@ -2,38 +2,33 @@
 
 #include <vector>
 
-#include "archive/section_access.hpp"
-#include "archive/units.hpp"
-#include "core/kernel_state.hpp"
 
 namespace respcore {
 
-void READ_INFORM_INITIAL(KernelState& K) {
-  InactiveTables& T = K.inactive;
-  int64_t first = 0;
-  int32_t found = 0;
-  RF_BIN(K, 4, 243, first, found);
-  if (!found) {
+void READ_INFORM_INITIAL(ArchiveReader A, InactiveTables& T) {
+  const SectionRef iasi = A.find(sections::IASI, 4);
+  if (!iasi.found()) {
     T.NUM_INACTIVE = 0;
     return;
   }
-  const int32_t n = K.archive.SEC_RECLEN;
+  // One record of as many integers as the record length holds.
+  const int32_t n = iasi.reclen;
   // The table is only ever consulted when its first entry is set, which
   // takes a successful read; a record that cannot be read leaves it zero,
   // so its first entry stands for all of it.
-  const bool readable = n > 0 && unit_last_record(K, UNIT_FIRST, int64_t{n} * 4) >= first;
+  const bool readable = n > 0 && A.readable(iasi, int64_t{n} * 4) >= 1;
   T.INFM_TMHL.resize(readable ? n : std::min(n, 1));
-  if (readable) read_i32(K, UNIT_FIRST, first, T.INFM_TMHL.ref(), n);
+  if (readable) A.read_i32(iasi, 1, T.INFM_TMHL.ref(), n);
   if (T.INFM_TMHL(1) == 0) {
     T.NUM_INACTIVE = 0;
     return;
   }
-  RF_BIN(K, 4, 244, first, found);
-  if (!found) {
+  const SectionRef iase = A.find(sections::IASE, 4);
+  if (!iase.found()) {
     T.NUM_INACTIVE = 0;
     return;
   }
-  T.NUM_INACTIVE = static_cast<int32_t>(K.archive.SEC_NREC);
+  T.NUM_INACTIVE = static_cast<int32_t>(iase.nrec);
   T.INACTIVE_INFORM.resize(3, T.NUM_INACTIVE);
   T.NUM_TRUS = T.NUM_BEAM = T.NUM_WARB = 0;
   // The records are read in batches; each record has the outcome of its own
@@ -44,7 +39,7 @@ void READ_INFORM_INITIAL(KernelState& K) {
   for (int64_t done = 0; done < T.NUM_INACTIVE; done += kBatch) {
     const int64_t cnt = std::min<int64_t>(kBatch, T.NUM_INACTIVE - done);
     buf.assign(static_cast<size_t>(3 * cnt), 0);
-    if (read_records(K, UNIT_FIRST, first + done, cnt, 12, buf.data(), &ok) == 0) break;
+    if (A.read_run(iase, 1 + done, cnt, 12, buf.data(), ok) == 0) break;
     for (int64_t i = 0; i < cnt; ++i) {
       if (!ok[static_cast<size_t>(i)]) continue;
       for (int64_t f = 0; f < 3; ++f) {
@@ -71,9 +66,8 @@ void READ_INFORM_INITIAL(KernelState& K) {
   }
 }
 
-void CHECK_INACTIVE_ELEM(KernelState& K, int32_t kind, int32_t element, int32_t hist_case,
+void CHECK_INACTIVE_ELEM(InactiveTables& T, int32_t kind, int32_t element, int32_t hist_case,
                          int32_t& flag) {
-  InactiveTables& T = K.inactive;
   T.IS_INACTIVE = 0;
   flag = 0;
   if (T.INFM_TMHL(hist_case) == 0) return;
@@ -93,17 +87,18 @@ void CHECK_INACTIVE_ELEM(KernelState& K, int32_t kind, int32_t element, int32_t 
   }
 }
 
-void DISP_EQUATION_INITIAL(KernelState& K, VecRef<double> DISP_INIT, int32_t NDOF,
+void DISP_EQUATION_INITIAL(ArchiveReader A, VecRef<double> DISP_INIT, int32_t NDOF,
                            VecRef<int32_t> LM) {
-  int32_t reclen = 0;
-  int64_t start = 0;
-  RF_BIN_DIRECT(K, 1, 2, 1, reclen, start);
-  const int64_t n = reclen / 2;
+  // Whichever file the case keeps its histories in, the displacements at
+  // activation are in direct file 1: one record of (record length / 2)
+  // doubles.
+  const SectionRef dspl = A.find_direct(sections::DSPL, 1, 1);
+  const int64_t n = dspl.reclen / 2;
   for (int32_t i = 1; i <= NDOF; ++i) DISP_INIT(i) = 0.0;
   // The whole record of N doubles is read; only the entries of the
   // element's equations are fetched from it.
   double probe = 0.0;
-  if (!read_record_f64_at(K, UNIT_DIRECT, start, std::max<int64_t>(n, 0) * 8, -1, probe)) {
+  if (!A.read_f64_at(dspl, 1, std::max<int64_t>(n, 0) * 8, -1, probe)) {
     // A failed read leaves the freshly made work array at zero.
     for (int32_t i = 1; i <= NDOF; ++i) {
       const int32_t e = LM(i);
@@ -122,13 +117,12 @@ void DISP_EQUATION_INITIAL(KernelState& K, VecRef<double> DISP_INIT, int32_t NDO
       continue;
     }
     double v = 0.0;
-    read_record_f64_at(K, UNIT_DIRECT, start, n * 8, int64_t{e - 1} * 8, v);
+    A.read_f64_at(dspl, 1, n * 8, int64_t{e - 1} * 8, v);
     DISP_INIT(i) = v;
   }
 }
 
-void release_inactive_tables(KernelState& K) {
-  InactiveTables& T = K.inactive;
+void release_inactive_tables(InactiveTables& T) {
   T.INFM_TMHL.clear();
   T.INACTIVE_INFORM.clear();
   T.TRUS.clear();

@@ -1,6 +1,6 @@
 // State of the nodal-response routines: the skew systems that survive
-// between calls, the support-motion index and ground-motion work array of one
-// call, the node-record buffer, and the inactive-element tables.
+// between calls, the support-motion index and the work arrays of one call,
+// the node-record buffer, and the inactive-element tables.
 #pragma once
 
 #include <cstdint>
@@ -19,14 +19,15 @@ struct NodeSkew {
 };
 
 struct NodalState {
+  // The support-motion index, made on its first use in a call.
   Mat<int32_t> ISER{"ISER", 0, 0};
-  Arr3<double> FF_TMP{"FF_TMP", 0, 0, 0};
-  // One node-transform record; keeps what an earlier read left.
-  Vec<double> TEMP{"TEMP", 29};
   bool ISER_made = false;
+  // One node-transform record. A record that cannot be read leaves what the
+  // last one put here, also from an earlier call.
+  Vec<double> TEMP{"TEMP", 29};
 
   // Per call: blocks of modal-coordinate records already read, by first
-  // record and count, and a buffer for one history record.
+  // record and count, and the buffer of whole histories read record by record.
   struct RecordBlock {
     std::vector<double> values;
     std::vector<char> ok;
@@ -43,7 +44,6 @@ struct NodalState {
   void end_call() {
     ISER.clear();
     ISER_made = false;
-    FF_TMP.clear();
     modal_blocks.clear();
     row_buffer.clear();
     row_buffer.shrink_to_fit();

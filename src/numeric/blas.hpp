@@ -1,6 +1,6 @@
-// The Fortran BLAS/LAPACK symbols the library uses, declared once, with thin
-// wrappers taking plain values. Integers are the 32-bit Fortran INTEGER of
-// the linked library; character arguments carry their hidden lengths.
+// The BLAS/LAPACK symbols the library uses, declared once, with thin
+// wrappers taking plain values. Integers are the 32-bit integers of the
+// linked library's interface; character arguments carry their hidden lengths.
 #pragma once
 
 #include <cstddef>

@@ -23,7 +23,7 @@ constexpr int32_t kInverseElementNo = 0;
   print_line(D, "");
   print_line(D, line1);
   print_line(D, line2);
-  stop_run(D);
+  stop_run();
 }
 
 }  // namespace

@@ -4,10 +4,13 @@
 
 namespace respcore {
 
-void PSTR_TIME(KernelState&, Tdsp&, ItemList, ItemList, int32_t, int32_t, VecRef<double>) {}
+void PSTR_TIME(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&, ItemList,
+               ItemList, int32_t, VecRef<double>) {}
 
-void PLANE_STRESS_HIGH(KernelState&, Tdsp&, ItemList, ItemList, int32_t, int32_t) {}
+void PLANE_STRESS_HIGH(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&,
+                       ItemList, ItemList) {}
 
-void PLANE_STRAIN_HIGH(KernelState&, Tdsp&, ItemList, ItemList, int32_t, int32_t) {}
+void PLANE_STRAIN_HIGH(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&,
+                       ItemList, ItemList, int32_t) {}
 
 }  // namespace respcore

@@ -1,5 +1,5 @@
-// Saved data of the plane families: what the routines keep between calls
-// (their static locals in the original design), held in the kernel state.
+// Saved data of the plane families: what their routines keep from one
+// element, step or call to the next, held in the kernel state.
 #pragma once
 
 #include <cstdint>

@@ -203,11 +203,9 @@ void PLATE_STIFF_SCALE(const PlateContext& C, MatRef<double> D_arg, int32_t N, i
   }
 }
 
-void PLATE_MATER_STF(const PlateContext& C, double P1, MatRef<double> D1_arg, double& D1_SHEARMOD,
+void PLATE_MATER_STF(const PlateContext& C, MatRef<double> D1_arg, double& D1_SHEARMOD,
                      MatRef<double> D2_arg, MatRef<double> DS_arg, double& D2_MEAN, double& DS_MEAN,
-                     int32_t MASK, int32_t NSCALE) {
-  (void)P1;
-  (void)NSCALE;
+                     int32_t MASK) {
   const ElementMaterial& m = C.mat;
   MatRef<double> D1 = as_shape(D1_arg, 3, 3);
   MatRef<double> D2 = as_shape(D2_arg, 3, 3);

@@ -19,11 +19,10 @@ namespace respcore {
 // Fills the matrices selected by MASK (2: membrane D1, 4: bending D2, 8:
 // shear DS(2,2)) in element axes, after rotation and section scaling. All
 // three are zeroed first. D1_SHEARMOD is D1(3,3) before rotation, D2_MEAN
-// and DS_MEAN the means of the two leading diagonal entries. P1 and NSCALE
-// are not read.
-void PLATE_MATER_STF(const PlateContext& C, double P1, MatRef<double> D1, double& D1_SHEARMOD,
+// and DS_MEAN the means of the two leading diagonal entries.
+void PLATE_MATER_STF(const PlateContext& C, MatRef<double> D1, double& D1_SHEARMOD,
                      MatRef<double> D2, MatRef<double> DS, double& D2_MEAN, double& DS_MEAN,
-                     int32_t MASK, int32_t NSCALE);
+                     int32_t MASK);
 
 // Rebuilds DD(N,N) (N 3 or 2) from the section's scale factors of matrix
 // type ITYPE (1 membrane, 2 bending, 3 shear; any other value reuses the

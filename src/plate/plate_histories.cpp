@@ -4,12 +4,16 @@
 
 namespace respcore {
 
-void PLAT_TIME(KernelState&, Tdsp&, ItemList, ItemList, int32_t, VecRef<double>) {}
+void PLAT_TIME(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&, ItemList,
+               ItemList, VecRef<double>) {}
 
-void PLAT_TIME_GNRL(KernelState&, Tdsp&, ItemList, ItemList, int32_t) {}
+void PLAT_TIME_GNRL(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&,
+                    ItemList, ItemList) {}
 
-void PLATE_HIGH(KernelState&, Tdsp&, ItemList, ItemList, int32_t) {}
+void PLATE_HIGH(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&, ItemList,
+                ItemList) {}
 
-void PLATE_HIGH_GNRL(KernelState&, Tdsp&, ItemList, ItemList, int32_t) {}
+void PLATE_HIGH_GNRL(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&,
+                     ItemList, ItemList) {}
 
 }  // namespace respcore

@@ -13,19 +13,24 @@ namespace {
 // Row IPT of a result-point table, checked like any array subscript.
 template <size_t R>
 double row(const double (&table)[R], int32_t ipt, const char* name) {
-  if (ipt < 1 || ipt > static_cast<int32_t>(R)) {
-    report_bound_failure(name, ipt, 1, static_cast<int64_t>(R));
-    return 0.0;
-  }
-  return table[ipt - 1];
+  return table_entry(table, ipt, name);
+}
+
+// The natural coordinates of row IPT of a solid's three tables.
+struct Point3 {
+  double x, y, z;
+};
+template <size_t R>
+Point3 point(const double (&X)[R], const double (&Y)[R], const double (&Z)[R], int32_t ipt) {
+  return Point3{row(X, ipt, "XII"), row(Y, ipt, "ETA"), row(Z, ipt, "ZETA")};
 }
 
 // Corner signs of the unit cell, in element order.
-constexpr double kQuadSx[4] = {-1.0, 1.0, 1.0, -1.0};
-constexpr double kQuadSy[4] = {-1.0, -1.0, 1.0, 1.0};
-constexpr double kHexSx[8] = {-1.0, 1.0, 1.0, -1.0, -1.0, 1.0, 1.0, -1.0};
-constexpr double kHexSy[8] = {-1.0, -1.0, 1.0, 1.0, -1.0, -1.0, 1.0, 1.0};
-constexpr double kHexSz[8] = {-1.0, -1.0, -1.0, -1.0, 1.0, 1.0, 1.0, 1.0};
+constexpr const auto& kQuadSx = gauss::CORNER_S;
+constexpr const auto& kQuadSy = gauss::CORNER_T;
+constexpr const auto& kHexSx = gauss::CORNER_S;
+constexpr const auto& kHexSy = gauss::CORNER_T;
+constexpr const auto& kHexSz = gauss::CORNER_U;
 
 // Quadratic Lagrange functions through the cell coordinates -1, 0, +1.
 inline void lagrange3(double t, double p[3]) {
@@ -95,20 +100,28 @@ void LINE_SHAPE_2NODE(VecRef<double> N, int32_t IPT) {
   N(2) = (1.0 + a) / 2.0;
 }
 
-void PLANE_SHAPE_4NODES(VecRef<double> N, int32_t IPT) {
-  const double a = R3 * row(QUAD4_XII, IPT, "XII");
-  const double b = R3 * row(QUAD4_ETA, IPT, "ETA");
+namespace {
+
+// The bilinear weights of the 2 by 2 rule at row IPT of a quadrilateral's
+// result-point tables.
+template <size_t R>
+void quad_shape_2x2(VecRef<double> N, const double (&xii)[R], const double (&eta)[R],
+                    int32_t IPT) {
+  const double a = R3 * row(xii, IPT, "XII");
+  const double b = R3 * row(eta, IPT, "ETA");
   double w[4];
   bilinear(a, b, w);
   for (int32_t k = 1; k <= 4; ++k) N(k) = w[k - 1];
 }
 
+}  // namespace
+
+void PLANE_SHAPE_4NODES(VecRef<double> N, int32_t IPT) {
+  quad_shape_2x2(N, QUAD4_XII, QUAD4_ETA, IPT);
+}
+
 void PLANE_SHAPE_8NODES_REDUCED(VecRef<double> N, int32_t IPT) {
-  const double a = R3 * row(QUAD8_XII, IPT, "XII");
-  const double b = R3 * row(QUAD8_ETA, IPT, "ETA");
-  double w[4];
-  bilinear(a, b, w);
-  for (int32_t k = 1; k <= 4; ++k) N(k) = w[k - 1];
+  quad_shape_2x2(N, QUAD8_XII, QUAD8_ETA, IPT);
 }
 
 void PLANE_SHAPE_6NODES(VecRef<double> N, int32_t IPT) {
@@ -171,9 +184,7 @@ void SOLID_SHAPE_8NODES(VecRef<double> N, int32_t IPT) {
 }
 
 void SOLID_SHAPE_10NODES(VecRef<double> N, int32_t IPT) {
-  const double x = row(TET10_XII, IPT, "XII");
-  const double y = row(TET10_ETA, IPT, "ETA");
-  const double z = row(TET10_ZETA, IPT, "ZETA");
+  const auto [x, y, z] = point(TET10_XII, TET10_ETA, TET10_ZETA, IPT);
   const double a = S5 * (x - A4);
   const double b = S5 * (y - A4);
   const double c = S5 * (z - A4);
@@ -185,9 +196,7 @@ void SOLID_SHAPE_10NODES(VecRef<double> N, int32_t IPT) {
 }
 
 void SOLID_SHAPE_6NODES(VecRef<double> N, int32_t IPT) {
-  const double x = row(WEDGE6_XII, IPT, "XII");
-  const double y = row(WEDGE6_ETA, IPT, "ETA");
-  const double z = row(WEDGE6_ZETA, IPT, "ZETA");
+  const auto [x, y, z] = point(WEDGE6_XII, WEDGE6_ETA, WEDGE6_ZETA, IPT);
   const double a = 2.0 * (x - Q);
   const double b = 2.0 * (y - Q);
   const double d = 2.0 * (1.0 - x - y - Q);
@@ -210,9 +219,7 @@ void SOLID_SHAPE_5NODES(VecRef<double> N, int32_t IPT) {
 }
 
 void SOLID_SHAPE_15NODES_LINEAR(VecRef<double> N, int32_t IPT) {
-  const double x = row(WEDGE15_XII, IPT, "XII");
-  const double y = row(WEDGE15_ETA, IPT, "ETA");
-  const double z = row(WEDGE15_ZETA, IPT, "ZETA");
+  const auto [x, y, z] = point(WEDGE15_XII, WEDGE15_ETA, WEDGE15_ZETA, IPT);
   const double a = 2.0 * (x - Q);
   const double b = 2.0 * (y - Q);
   const double d = 1.0 - a - b;
@@ -241,9 +248,7 @@ void SOLID_SHAPE_15NODES_LINEAR(VecRef<double> N, int32_t IPT) {
 // Direct form: linear over the triangle of the 3-point rule, quadratic
 // through the three thickness points.
 void SOLID_SHAPE_15NODES(VecRef<double> N, int32_t IPT) {
-  const double x = row(WEDGE15_XII, IPT, "XII");
-  const double y = row(WEDGE15_ETA, IPT, "ETA");
-  const double z = row(WEDGE15_ZETA, IPT, "ZETA");
+  const auto [x, y, z] = point(WEDGE15_XII, WEDGE15_ETA, WEDGE15_ZETA, IPT);
   const double a = 2.0 * (x - Q);
   const double b = 2.0 * (y - Q);
   const double d = 1.0 - a - b;

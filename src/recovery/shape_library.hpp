@@ -18,6 +18,7 @@
 #include <cstdint>
 
 #include "core/arrays.hpp"
+#include "numeric/gauss.hpp"
 
 namespace respcore {
 
@@ -26,14 +27,14 @@ namespace respcore {
 namespace shape_const {
 inline constexpr double R3 = 1.7320508075688772;          // square root of 3
 inline constexpr double S5 = 2.2360679549995797;          // tetrahedron factor, rounded root of 5
-inline constexpr double A4 = 0.1381966;                   // 4-point tetrahedron coordinate
+inline constexpr double A4 = gauss::TET4_A;               // 4-point tetrahedron coordinate
 inline constexpr double Q = 0.16666666666666666;          // triangle 3-point coordinate
 inline constexpr double C5 = 0.7453559924999299;          // (1/R3) / sqrt(0.6)
 inline constexpr double C5_INV = 1.3416407864998738;      // its inverse
 inline constexpr double PYR_A = 0.8774851560592651;       // pyramid rule constants
 inline constexpr double PYR_B = 0.45584815740585327;
 inline constexpr double PYR_R3 = 1.7320507764816284;      // square root of 3 in single precision
-inline constexpr double G3 = 0.7745966692414834;          // 3-point Gauss abscissa
+inline constexpr double G3 = gauss::G3;                   // 3-point Gauss abscissa
 }  // namespace shape_const
 
 // Result-point tables: x (XII), y (ETA), z (ZETA); row 1 is the centre.

@@ -5,6 +5,7 @@
 
 #include "numeric/blas.hpp"
 #include "numeric/dense.hpp"
+#include "numeric/gauss.hpp"
 #include "recovery/shape_library.hpp"
 
 namespace respcore {
@@ -75,84 +76,64 @@ void STRESS_RECOVERY_PLANE(VecRef<double> VALUE_NODAL, VecRef<double> VALUE_GAUS
   recover(STRESS_RECOVERY_SHAPE_PLANE, VALUE_NODAL, VALUE_GAUSS, NC, NGP, NPTS, WITHCENTRE);
 }
 
-void STRESS_RECOVERY_SHAPE_SOLID(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS,
-                                 int32_t OFFSET) {
-  MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
-  void (*fn)(VecRef<double>, int32_t) = nullptr;
+namespace {
+
+// The weights of one result point at table row IPT; the one-point shapes
+// take no row.
+using PointShape = void (*)(VecRef<double>, int32_t);
+
+PointShape solid_shape(int32_t NGP, int32_t NPTS) {
   switch (NGP) {
-    case 1:
-      for (int32_t p = 1; p <= NPTS; ++p) SOLID_SHAPE_4NODES(column(SHAPE, p));
-      return;
-    case 4:
-      fn = SOLID_SHAPE_10NODES;
-      break;
-    case 6:
-      fn = SOLID_SHAPE_6NODES;
-      break;
-    case 8:
-      fn = (NPTS == 9) ? SOLID_SHAPE_8NODES : SOLID_SHAPE_5NODES;
-      break;
-    case 9:
-      fn = SOLID_SHAPE_15NODES_LINEAR;
-      break;
-    case 27:
-      fn = (NPTS == 21) ? SOLID_SHAPE_20NODES_LINEAR : SOLID_SHAPE_13NODES;
-      break;
-    default:
-      return;
+    case 1: return [](VecRef<double> N, int32_t) { SOLID_SHAPE_4NODES(N); };
+    case 4: return SOLID_SHAPE_10NODES;
+    case 6: return SOLID_SHAPE_6NODES;
+    case 8: return NPTS == 9 ? SOLID_SHAPE_8NODES : SOLID_SHAPE_5NODES;
+    case 9: return SOLID_SHAPE_15NODES_LINEAR;
+    case 27: return NPTS == 21 ? SOLID_SHAPE_20NODES_LINEAR : SOLID_SHAPE_13NODES;
+    default: return nullptr;
   }
+}
+
+// The shell differs from the plane only in its 4 points: the 4-node
+// quadrilateral for NPTS 4, the 8-node quadrilateral's reduced form
+// otherwise.
+PointShape plane_shape(int32_t NGP, int32_t NPTS, bool shell) {
+  switch (NGP) {
+    case 1: return [](VecRef<double> N, int32_t) { PLANE_SHAPE_3NODES(N); };
+    case 3: return PLANE_SHAPE_6NODES;
+    case 4: return shell && NPTS != 4 ? PLANE_SHAPE_8NODES_REDUCED : PLANE_SHAPE_4NODES;
+    case 9: return PLANE_SHAPE_8NODES_LINEAR;
+    default: return nullptr;
+  }
+}
+
+// Column P of SHAPE(NGP, NPTS) from row P + OFFSET; an unknown shape leaves
+// SHAPE as it is.
+void fill_columns(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS, int32_t OFFSET,
+                  PointShape fn) {
+  MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
+  if (fn == nullptr) return;
   for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
 }
 
-void STRESS_RECOVERY_SHAPE_PLANE(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS,
+}  // namespace
+
+void STRESS_RECOVERY_SHAPE_SOLID(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS,
                                  int32_t OFFSET) {
-  MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
-  void (*fn)(VecRef<double>, int32_t) = nullptr;
-  switch (NGP) {
-    case 1:
-      for (int32_t p = 1; p <= NPTS; ++p) PLANE_SHAPE_3NODES(column(SHAPE, p));
-      return;
-    case 3:
-      fn = PLANE_SHAPE_6NODES;
-      break;
-    case 4:
-      fn = PLANE_SHAPE_4NODES;
-      break;
-    case 9:
-      fn = PLANE_SHAPE_8NODES_LINEAR;
-      break;
-    default:
-      return;
-  }
-  for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
+  fill_columns(SHAPE, NGP, NPTS, OFFSET, solid_shape(NGP, NPTS));
 }
 
-void STRESS_RECOVERY_SHAPE_SHELL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS,
+void STRESS_RECOVERY_SHAPE_PLANE(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS,
                                  int32_t OFFSET) {
-  MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
-  void (*fn)(VecRef<double>, int32_t) = nullptr;
-  switch (NGP) {
-    case 1:
-      for (int32_t p = 1; p <= NPTS; ++p) PLANE_SHAPE_3NODES(column(SHAPE, p));
-      return;
-    case 3:
-      fn = PLANE_SHAPE_6NODES;
-      break;
-    case 4:
-      fn = (NPTS == 4) ? PLANE_SHAPE_4NODES : PLANE_SHAPE_8NODES_REDUCED;
-      break;
-    case 9:
-      fn = PLANE_SHAPE_8NODES_LINEAR;
-      break;
-    default:
-      return;
-  }
-  for (int32_t p = 1; p <= NPTS; ++p) fn(column(SHAPE, p), p + OFFSET);
+  fill_columns(SHAPE, NGP, NPTS, OFFSET, plane_shape(NGP, NPTS, false));
 }
 
-void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS,
+void STRESS_RECOVERY_SHAPE_SHELL(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS,
                                  int32_t OFFSET) {
-  (void)OFFSET;
+  fill_columns(SHAPE, NGP, NPTS, OFFSET, plane_shape(NGP, NPTS, true));
+}
+
+void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE_arg, int32_t NGP, int32_t NPTS) {
   MatRef<double> SHAPE = as_shape(SHAPE_arg, NGP, NPTS);
   for (int32_t p = 1; p <= NPTS; ++p) LINE_SHAPE_1NODE(column(SHAPE, p));
 }
@@ -236,72 +217,50 @@ void STRESS_RECOVERY_ISOLIDH(VecRef<double> VALUE_NODAL, VecRef<double> VALUE_GA
 }
 
 // ---------------------------------------------------------------------------
-// Gauss point tables of GP_COORD and GP_COORD_HIGH.
+// Gauss point tables of GP_COORD and GP_COORD_HIGH: the shared rules, and the
+// two of their own (the tetrahedron with its full-length coordinates, the
+// 15-node wedge with its weights divided by 6).
 
 namespace {
 
-constexpr double kG2 = 0.5773502691896257;
-constexpr double kG3 = 0.7745966692414834;
-constexpr double kW3[3] = {5.0 / 9.0, 8.0 / 9.0, 5.0 / 9.0};
-constexpr double kX3[3] = {-kG3, 0.0, kG3};
-constexpr double kSx[8] = {-1.0, 1.0, 1.0, -1.0, -1.0, 1.0, 1.0, -1.0};
-constexpr double kSy[8] = {-1.0, -1.0, 1.0, 1.0, -1.0, -1.0, 1.0, 1.0};
-constexpr double kSz[8] = {-1.0, -1.0, -1.0, -1.0, 1.0, 1.0, 1.0, 1.0};
-constexpr double kTriS[3] = {1.0 / 6.0, 2.0 / 3.0, 1.0 / 6.0};
-constexpr double kTriT[3] = {1.0 / 6.0, 1.0 / 6.0, 2.0 / 3.0};
-constexpr double kTetA = 0.1381966011250105;
-constexpr double kTetB = 0.5854101966249685;
+using gauss::Table;
 
-template <size_t N>
-using Table = std::array<double, N>;
+constexpr const Table<2>& SS2L = gauss::LINE2_S;
+constexpr const Table<4>& SS4P = gauss::QUAD4_S;
+constexpr const Table<4>& TT4P = gauss::QUAD4_T;
+constexpr const Table<6>& SS6S = gauss::WEDGE6_S;
+constexpr const Table<6>& TT6S = gauss::WEDGE6_T;
+constexpr const Table<6>& UU6S = gauss::WEDGE6_U;
+constexpr const Table<6>& WHT6S = gauss::WEDGE6_W;
+constexpr const Table<8>& SS8S = gauss::HEX8_S;
+constexpr const Table<8>& TT8S = gauss::HEX8_T;
+constexpr const Table<8>& UU8S = gauss::HEX8_U;
 
-template <size_t N, class F>
-constexpr Table<N> make(F f) {
-  Table<N> t{};
-  for (size_t i = 0; i < N; ++i) t[i] = f(i);
-  return t;
-}
-
-constexpr Table<2> SS2L = {-kG2, kG2};
-constexpr Table<4> SS4P = make<4>([](size_t i) { return kSx[i] * kG2; });
-constexpr Table<4> TT4P = make<4>([](size_t i) { return kSy[i] * kG2; });
-constexpr Table<6> SS6S = make<6>([](size_t i) { return kTriS[i % 3]; });
-constexpr Table<6> TT6S = make<6>([](size_t i) { return kTriT[i % 3]; });
-constexpr Table<6> UU6S = make<6>([](size_t i) { return i < 3 ? -kG2 : kG2; });
-constexpr Table<6> WHT6S = make<6>([](size_t) { return 1.0 / 6.0; });
-constexpr Table<8> SS8S = make<8>([](size_t i) { return kSx[i] * kG2; });
-constexpr Table<8> TT8S = make<8>([](size_t i) { return kSy[i] * kG2; });
-constexpr Table<8> UU8S = make<8>([](size_t i) { return kSz[i] * kG2; });
-
-constexpr Table<4> SS4 = SS4P;
-constexpr Table<4> TT4 = TT4P;
-constexpr Table<3> SS6P = {kTriS[0], kTriS[1], kTriS[2]};
-constexpr Table<3> TT6P = {kTriT[0], kTriT[1], kTriT[2]};
-constexpr Table<3> WHT6P = {1.0 / 6.0, 1.0 / 6.0, 1.0 / 6.0};
-constexpr Table<9> SS8P = make<9>([](size_t i) { return kX3[i % 3]; });
-constexpr Table<9> TT8P = make<9>([](size_t i) { return kX3[i / 3]; });
-constexpr Table<9> WHT8P = make<9>([](size_t i) { return kW3[i % 3] * kW3[i / 3]; });
+constexpr const Table<4>& SS4 = gauss::QUAD4_S;
+constexpr const Table<4>& TT4 = gauss::QUAD4_T;
+constexpr const Table<3>& SS6P = gauss::TRI3_S;
+constexpr const Table<3>& TT6P = gauss::TRI3_T;
+constexpr const Table<3>& WHT6P = gauss::TRI3_W;
+constexpr const Table<9>& SS8P = gauss::QUAD9_S;
+constexpr const Table<9>& TT8P = gauss::QUAD9_T;
+constexpr const Table<9>& WHT8P = gauss::QUAD9_W;
+constexpr double kTetA = gauss::TET4_A_FULL;
+constexpr double kTetB = gauss::TET4_B_FULL;
 constexpr Table<4> SS10 = {kTetA, kTetB, kTetA, kTetA};
 constexpr Table<4> TT10 = {kTetA, kTetA, kTetB, kTetA};
 constexpr Table<4> UU10 = {kTetA, kTetA, kTetA, kTetB};
 constexpr Table<4> WHT10 = {1.0 / 24.0, 1.0 / 24.0, 1.0 / 24.0, 1.0 / 24.0};
-constexpr Table<9> SS15 = make<9>([](size_t i) { return kTriS[i % 3]; });
-constexpr Table<9> TT15 = make<9>([](size_t i) { return kTriT[i % 3]; });
-constexpr Table<9> UU15 = make<9>([](size_t i) { return kX3[i / 3]; });
-constexpr Table<9> WHT15 = make<9>([](size_t i) { return kW3[i / 3] / 6.0; });
-constexpr Table<27> SS20 = make<27>([](size_t i) { return kX3[i % 3]; });
-constexpr Table<27> TT20 = make<27>([](size_t i) { return kX3[(i / 3) % 3]; });
-constexpr Table<27> UU20 = make<27>([](size_t i) { return kX3[i / 9]; });
-constexpr Table<27> WHT20 =
-    make<27>([](size_t i) { return kW3[i % 3] * kW3[(i / 3) % 3] * kW3[i / 9]; });
+constexpr const Table<9>& SS15 = gauss::WEDGE9_S;
+constexpr const Table<9>& TT15 = gauss::WEDGE9_T;
+constexpr const Table<9>& UU15 = gauss::WEDGE9_U;
+constexpr Table<9> WHT15 = gauss::make<9>([](size_t i) { return gauss::W3[i / 3] / 6.0; });
+constexpr const Table<27>& SS20 = gauss::HEX27_S;
+constexpr const Table<27>& TT20 = gauss::HEX27_T;
+constexpr const Table<27>& UU20 = gauss::HEX27_U;
+constexpr const Table<27>& WHT20 = gauss::HEX27_W;
 
-template <size_t N>
-double at(const Table<N>& t, int32_t ipt, const char* name) {
-  if (ipt < 1 || ipt > static_cast<int32_t>(N)) {
-    report_bound_failure(name, ipt, 1, static_cast<int64_t>(N));
-    return 0.0;
-  }
-  return t[static_cast<size_t>(ipt - 1)];
+double at(const auto& table, int32_t ipt, const char* name) {
+  return table_entry(table, ipt, name);
 }
 
 }  // namespace

@@ -40,7 +40,7 @@ void STRESS_RECOVERY_SHAPE_PLANE(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS
 // only for NPTS 4 and the 8-node quadrilateral's reduced form otherwise.
 void STRESS_RECOVERY_SHAPE_SHELL(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS, int32_t OFFSET);
 // One-point line: every column is 1.
-void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS, int32_t OFFSET);
+void STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double> SHAPE, int32_t NGP, int32_t NPTS);
 
 // Least-squares linear fit of VALUE_GAUSS(NGP) at COORD_GAUSS(NDIM,NGP),
 // evaluated at COORD_NODAL(NDIM,NNODE) into VALUE_NODAL(NNODE). A 10-node

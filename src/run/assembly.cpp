@@ -2,7 +2,6 @@
 // computes nothing.
 #include <algorithm>
 
-#include "core/kernel_state.hpp"
 #include "run/entry.hpp"
 
 namespace respcore {
@@ -65,8 +64,7 @@ int64_t history_size(int32_t elem_type, int32_t result_comp, int32_t num_steps,
   return int64_t{m} * std::max(num_items, 0);
 }
 
-void assemble_history(KernelState& K, Tdsp& TDSP, VecRef<double> TDSP_COMP) {
-  const RunContext& R = K.run;
+void assemble_history(const RunContext& R, const Tdsp& TDSP, VecRef<double> TDSP_COMP) {
   if (R.REQUEST_MODE == 1) {
     const int64_t n = R.NUM_STEPS;
     const int64_t C = R.RESULT_COMP;

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "core/arrays.hpp"
+#include "run/run_context.hpp"
 #include "run/tdsp.hpp"
 
 namespace respcore {
@@ -28,7 +29,7 @@ int32_t run_request(KernelState& K, const char* K_FNAME, int32_t name_length, in
                     int32_t axis_flag, const CallerExtents& extents = {});
 
 // Copies the selected rows of TDSP into TDSP_COMP.
-void assemble_history(KernelState& K, Tdsp& TDSP, VecRef<double> TDSP_COMP);
+void assemble_history(const RunContext& R, const Tdsp& TDSP, VecRef<double> TDSP_COMP);
 
 // Entries of TDSP_COMP that a request fills.
 int64_t history_size(int32_t elem_type, int32_t result_comp, int32_t num_steps,

@@ -7,7 +7,8 @@
 #include <cstdlib>
 
 #include "archive/directory.hpp"
-#include "core/kernel_state.hpp"
+#include "archive/units.hpp"
+#include "run/kernel_state.hpp"
 #include "respcore/kernel.hpp"
 #include "respcore/respcore.h"
 #include "run/entry.hpp"
@@ -107,11 +108,10 @@ int32_t Kernel::create_directory(const std::string& path, int32_t file_code, int
   const int32_t saved = K.archive.READ_METHOD;
   K.archive.READ_METHOD = form;
   int32_t status = 0;
-  CREATE_F(K, 99, path, static_cast<int32_t>(path.size()), file_code, status);
+  ArchiveReader A = K.reader();
+  CREATE_F(A, 99, path, static_cast<int32_t>(path.size()), file_code, status);
   K.archive.READ_METHOD = saved;
-  K.units.units.clear();
-  K.units.files.clear();
-  K.units.walks.clear();
+  close_all_units(K.units);
   return status;
 }
 

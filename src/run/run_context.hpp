@@ -27,10 +27,6 @@ struct RunContext {
   int32_t HAS_SUPPORT_MOTION = 0;
   int32_t PRODUCT_FLAG = 0;
   int32_t NCOLS = 0;
-  int32_t RESULT_KIND = 0;
-  // Element or node the run is working on, for messages.
-  int32_t CURRENT_ELEM = 0;
-  int32_t CURRENT_NODE = 0;
 };
 
 }  // namespace respcore

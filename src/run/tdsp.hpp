@@ -72,6 +72,19 @@ class Tdsp {
   }
   const Row& row_values(int64_t r) const { return rows_[static_cast<size_t>(r - 1)]; }
 
+  // Row R, columns 1..N := SRC[(c - 1) * LD]: straight into the row when R and
+  // the columns lie within the store, through the checked subscripts (with
+  // their reports) otherwise.
+  void put_row(int64_t r, const double* src, int64_t ld, int64_t n) {
+    if (allocated_ && r >= 1 && r <= kRows && n <= ncols_) {
+      if (n <= 0) return;
+      double* dst = row(r);
+      for (int64_t c = 0; c < n; ++c) dst[c] = src[c * ld];
+      return;
+    }
+    for (int64_t c = 1; c <= n; ++c) (*this)(r, c) = src[(c - 1) * ld];
+  }
+
   bool row_made(int64_t r) const { return !rows_[static_cast<size_t>(r - 1)].empty(); }
 
   // Sets every entry to zero.
@@ -91,5 +104,20 @@ class Tdsp {
   bool allocated_ = false;
   const char* name_ = "TDSP";
 };
+
+// Rows 1..NROWS of one item's results SSIG (a column per step) into TDSP by
+// the column rule of the request: under REQUEST_MODE 1 step s to column s,
+// otherwise the first step's rows to column ITEM.
+inline void deliver_rows(Tdsp& TDSP, int32_t REQUEST_MODE, Mat<double>& SSIG, int64_t nrows,
+                         int64_t item) {
+  if (REQUEST_MODE == 1) {
+    if (SSIG.cols() <= 0) return;
+    for (int64_t k = 1; k <= nrows; ++k) {
+      TDSP.put_row(k, SSIG.data() + (k - 1), SSIG.rows(), SSIG.cols());
+    }
+  } else {
+    for (int64_t k = 1; k <= nrows; ++k) TDSP(k, item) = SSIG(k, 1);
+  }
+}
 
 }  // namespace respcore

@@ -16,14 +16,11 @@
 // of the centre and the nodes, from 187 the strains in the same order.
 #include <algorithm>
 
-#include "archive/section_access.hpp"
-#include "archive/units.hpp"
-#include "core/kernel_state.hpp"
 #include "nodal/disp_equation.hpp"
 #include "plane/panel_axes.hpp"
 #include "recovery/stress_recovery.hpp"
-#include "run/histories.hpp"
 #include "solid/solid_high_matrices.hpp"
+#include "solid/solid_histories.hpp"
 #include "solid/solid_steps.hpp"
 
 namespace respcore {
@@ -37,12 +34,63 @@ constexpr int32_t kMaxPoints = kMaxNode + 1;
 constexpr int32_t kOutRows = kMaxDof + 6 * kMaxPoints;  // 186
 constexpr int32_t kStrainRow0 = kOutRows;
 
+// The coordinates of nodes IIA(1..NN) (section CORD) into XYZ.
+void read_node_coordinates(ArchiveReader A, VecRef<int32_t> IIA, int32_t nn, Mat<double>& XYZ) {
+  XYZ.fill(0.0);
+  const SectionRef cord = A.find(sections::CORD, 3);
+  for (int32_t k = 1; k <= nn; ++k) {
+    double c[3] = {0.0, 0.0, 0.0};
+    A.read_f64(cord, IIA(k), VecRef<double>(c, 3, "XYZ"), 3);
+    for (int32_t i = 1; i <= 3; ++i) XYZ(i, k) = c[i - 1];
+  }
+}
+
+// The element axes: the quadrilateral rule on nodes 1..4 for the hexahedron,
+// the triangle rule on nodes 1..3 otherwise. PANEL_T holds them as rows, TT
+// as columns (as the tensor rotations take them).
+void element_axes(Mat<double>& XYZ, int32_t nn, Mat<double>& PANEL_T, Mat<double>& TT) {
+  double X[4], Y[4], Z[4];
+  for (int32_t k = 1; k <= 4; ++k) {
+    X[k - 1] = XYZ(1, k);
+    Y[k - 1] = XYZ(2, k);
+    Z[k - 1] = XYZ(3, k);
+  }
+  PANEL_T.fill(0.0);
+  QDCOS(VecRef<double>(X, 4, "X"), VecRef<double>(Y, 4, "Y"), VecRef<double>(Z, 4, "Z"),
+        PANEL_T.ref(), nn == 20 ? 4 : 1);
+  for (int32_t i = 1; i <= 3; ++i)
+    for (int32_t j = 1; j <= 3; ++j) TT(i, j) = PANEL_T(j, i);
+}
+
+// The element's matrix of nodal results: the forces of ASA, and its stresses
+// carried from the integration points to the centre and the nodes. The
+// recovery is linear, so it is applied once to the columns of the stress
+// matrix, and every step's nodal stresses come out of the one product.
+void nodal_matrix_of(Mat<double>& ASA, int32_t nn, Mat<double>& VALUE_GAUSS,
+                     Mat<double>& VALUE_NODAL, Mat<double>& NODAL) {
+  const int32_t neq = 3 * nn;
+  const int32_t ngp = SOLID_HIGH_NGP(nn);
+  const int32_t npts = nn + 1;
+  NODAL.fill(0.0);
+  for (int32_t j = 1; j <= neq; ++j)
+    for (int32_t i = 1; i <= kMaxDof; ++i) NODAL(i, j) = ASA(i, j);
+  if (neq <= 0) return;
+  const int32_t nc = 6 * neq;
+  MatRef<double> VG(VALUE_GAUSS.data(), nc, ngp, "VALUE_GAUSS");
+  MatRef<double> VN(VALUE_NODAL.data(), nc, npts, "VALUE_NODAL");
+  for (int32_t g = 1; g <= ngp; ++g)
+    for (int32_t j = 1; j <= neq; ++j)
+      for (int32_t c = 1; c <= 6; ++c) VG(c + 6 * (j - 1), g) = ASA(kMaxDof + 6 * g + c, j);
+  STRESS_RECOVERY_SOLID(VN.flat(), VG.flat(), nc, ngp, npts, 1);
+  for (int32_t pt = 1; pt <= npts; ++pt)
+    for (int32_t j = 1; j <= neq; ++j)
+      for (int32_t c = 1; c <= 6; ++c) NODAL(kMaxDof + 6 * (pt - 1) + c, j) = VN(c + 6 * (j - 1), pt);
+}
+
 }  // namespace
 
-void SOLID_HIGH(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT,
-                int32_t NCOLS, int32_t AXIS_FLAG) {
-  (void)NCOLS;
-  RunContext& R = K.run;
+void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C,
+                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG) {
   const int32_t nsteps = std::max(R.NUM_STEPS, 0);
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
 
@@ -53,7 +101,7 @@ void SOLID_HIGH(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
   Mat<double> PANEL_T("PANEL_T", 3, 3);
   Mat<double> TT("TT", 3, 3);
   Mat<double> ASA("ASA", SOLID_HIGH_NROW, kMaxDof);
-  Mat<double> M("ASA_NODAL", kOutRows, kMaxDof);
+  Mat<double> nodal("ASA_NODAL", kOutRows, kMaxDof);
   Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps);
   Mat<double> DISP_NO("DISP_NO", 0, 0);
   // One element over many steps needs only the requested row: the full
@@ -72,15 +120,11 @@ void SOLID_HIGH(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
   for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
     const int32_t serial = INUM_SERIAL(p);
     const int32_t element = INUM_ELEMNT(p);
-    R.CURRENT_ELEM = element;
     SA.fill(0.0);
 
     // 1. Material, then the element record, whose material values win.
-    READING_ELEMENT_MATERIAL_DATA(K, element);
-    int64_t first = 0;
-    int32_t found = 0;
-    RF_BIN_T(K, ID, 44, first, found);
-    read_f64(K, UNIT_SECOND, first + serial - 1, SA.ref(), kRecWords);
+    READING_ELEMENT_MATERIAL_DATA(A, C.material, element);
+    A.read_f64(A.find(sections::PSOH, ID), serial, SA.ref(), kRecWords);
     const int32_t NN = trunc_i32(SA(1));
     int32_t nn = std::max(NN, 0);
     if (nn > kMaxNode) {
@@ -92,69 +136,23 @@ void SOLID_HIGH(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
     LM.fill(0);
     for (int32_t k = 1; k <= nn; ++k) IIA(k) = trunc_i32(SA(1 + k));
     for (int32_t i = 1; i <= neq; ++i) LM(i) = trunc_i32(SA(21 + i));
-    for (int32_t v = 1; v <= 9; ++v) K.ELEM_MATERIAL.mat_vals()(v) = SA(81 + v);
+    for (int32_t v = 1; v <= 9; ++v) C.material.mat_vals()(v) = SA(81 + v);
 
-    // 2. Node coordinates.
-    XYZ.fill(0.0);
-    RF_BIN_T(K, 3, 34, first, found);
-    for (int32_t k = 1; k <= nn; ++k) {
-      double c[3] = {0.0, 0.0, 0.0};
-      read_f64(K, UNIT_SECOND, first + IIA(k) - 1, VecRef<double>(c, 3, "XYZ"), 3);
-      for (int32_t i = 1; i <= 3; ++i) XYZ(i, k) = c[i - 1];
-    }
+    // 2. Node coordinates and element axes.
+    read_node_coordinates(A, IIA.ref(), nn, XYZ);
+    element_axes(XYZ, nn, PANEL_T, TT);
 
-    // 3. Element axes: the quadrilateral rule on nodes 1..4 for the
-    //    hexahedron, the triangle rule on nodes 1..3 otherwise.
-    double X[4], Y[4], Z[4];
-    for (int32_t k = 1; k <= 4; ++k) {
-      X[k - 1] = XYZ(1, k);
-      Y[k - 1] = XYZ(2, k);
-      Z[k - 1] = XYZ(3, k);
-    }
-    PANEL_T.fill(0.0);
-    QDCOS(VecRef<double>(X, 4, "X"), VecRef<double>(Y, 4, "Y"), VecRef<double>(Z, 4, "Z"),
-          PANEL_T.ref(), nn == 20 ? 4 : 1);
-    // The tensor rotations take the axes as columns.
-    for (int32_t i = 1; i <= 3; ++i)
-      for (int32_t j = 1; j <= 3; ++j) TT(i, j) = PANEL_T(j, i);
-
-    // 4. Displacements and the element matrices.
-    DISP_EQUATION(K, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nn, 1);
+    // 3. Displacements and the element matrices.
+    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nn, 1);
     ASA.fill(0.0);
-    SOLID_HIGH_STRS(K, nn, ASA.ref(), XYZ.ref(), PANEL_T.ref(), 0);
+    SOLID_HIGH_STRS(C, element, nn, ASA.ref(), XYZ.ref(), PANEL_T.ref());
+    nodal_matrix_of(ASA, nn, VALUE_GAUSS, VALUE_NODAL, nodal);
 
-    // The recovery from the integration points to the centre and the nodes
-    // is linear: it is applied once to the columns of the stress matrix, so
-    // that every step's nodal stresses come out of the one product.
-    const int32_t ngp = SOLID_HIGH_NGP(nn);
+    // 4. The steps.
     const int32_t npts = nn + 1;
-    M.fill(0.0);
-    for (int32_t j = 1; j <= neq; ++j)
-      for (int32_t i = 1; i <= kMaxDof; ++i) M(i, j) = ASA(i, j);
-    if (neq > 0) {
-      const int32_t nc = 6 * neq;
-      MatRef<double> VG(VALUE_GAUSS.data(), nc, ngp, "VALUE_GAUSS");
-      MatRef<double> VN(VALUE_NODAL.data(), nc, npts, "VALUE_NODAL");
-      for (int32_t g = 1; g <= ngp; ++g)
-        for (int32_t j = 1; j <= neq; ++j)
-          for (int32_t c = 1; c <= 6; ++c) VG(c + 6 * (j - 1), g) = ASA(kMaxDof + 6 * g + c, j);
-      STRESS_RECOVERY_SOLID(VN.flat(), VG.flat(), nc, ngp, npts, 1);
-      for (int32_t pt = 1; pt <= npts; ++pt)
-        for (int32_t j = 1; j <= neq; ++j)
-          for (int32_t c = 1; c <= 6; ++c)
-            M(kMaxDof + 6 * (pt - 1) + c, j) = VN(c + 6 * (j - 1), pt);
-    }
-
-    // 5. The steps.
-    if (R.REQUEST_MODE == 1) {
-      solid_history_row(K, TDSP, layout, M.ref(), kOutRows, neq, DISP_EQ.ref(), TT.ref(), nn,
-                        AXIS_FLAG, kMaxDof + 6 * npts, kStrainRow0, 6 * npts);
-      continue;
-    }
-    solid_product(SIG.ref(), M.ref(), kOutRows, neq, DISP_EQ.ref());
-    solid_steps(K, layout, SIG.ref(), STRAIN_GLOBAL_TIME.ref(), TT.ref(), nn, AXIS_FLAG);
-    solid_deliver(K, TDSP, p, SIG.ref(), kMaxDof + 6 * npts, STRAIN_GLOBAL_TIME.ref(),
-                  kStrainRow0, 6 * npts);
+    solid_element_rows(C, R, TDSP, p, layout, nodal.ref(), kOutRows, neq, DISP_EQ.ref(), TT.ref(),
+                       nn, AXIS_FLAG, kMaxDof + 6 * npts, kStrainRow0, 6 * npts, SIG.ref(),
+                       STRAIN_GLOBAL_TIME.ref());
   }
 }
 

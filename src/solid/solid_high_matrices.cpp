@@ -7,7 +7,6 @@
 #include "continuum/interpolation.hpp"
 #include "continuum/material_matrix.hpp"
 #include "core/diagnostics.hpp"
-#include "core/kernel_state.hpp"
 #include "numeric/dense.hpp"
 
 namespace respcore {
@@ -34,44 +33,19 @@ void CALC_CN_3D(MatRef<double> XL_arg, MatRef<double> XYZ_arg, MatRef<double> T_
   }
 }
 
-void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_arg, double W,
-                   int32_t NDOF) {
-  if (NDOF <= 0) return;
-  // S keeps its own leading dimension: the caller's stiffness is larger than
-  // the element's NDOF for all but the largest element.
-  MatRef<double> S = S_arg;
-  MatRef<double> D = as_shape(D_arg, 6, 6);
-  MatRef<double> B = as_shape(B_arg, 6, NDOF);
-  // DB := D B, then S += W B' DB, column by column.
-  if (S.rows() >= NDOF && S.cols() >= NDOF && B.cols() >= NDOF) {
-    double d[6][6];
-    for (int32_t r = 0; r < 6; ++r)
-      for (int32_t k = 0; k < 6; ++k) d[r][k] = D(r + 1, k + 1);
-    const double* b = B.data();
-    const int64_t lds = S.rows();
-    for (int32_t j = 0; j < NDOF; ++j) {
-      const double* bj = b + 6 * j;
-      double db[6];
-      for (int32_t r = 0; r < 6; ++r) {
-        double x = 0.0;
-        for (int32_t k = 0; k < 6; ++k) x += d[r][k] * bj[k];
-        db[r] = x;
-      }
-      double* sj = S.data() + lds * j;
-      for (int32_t i = 0; i < NDOF; ++i) {
-        const double* bi = b + 6 * i;
-        double x = 0.0;
-        for (int32_t k = 0; k < 6; ++k) x += bi[k] * db[k];
-        sj[i] = sj[i] + W * x;
-      }
-    }
-    return;
-  }
-  double db[6];
+namespace {
+
+// S(i, j) += W * sum over k of B(k, i) (D B)(k, j), column by column.
+template <class Stiff, class Strain>
+void add_btdb(Stiff S, MatRef<double> D, Strain B, double W, int32_t NDOF) {
+  double d[6][6];
+  for (int32_t r = 0; r < 6; ++r)
+    for (int32_t k = 0; k < 6; ++k) d[r][k] = D(r + 1, k + 1);
   for (int32_t j = 1; j <= NDOF; ++j) {
+    double db[6];
     for (int32_t r = 1; r <= 6; ++r) {
       double x = 0.0;
-      for (int32_t k = 1; k <= 6; ++k) x += D(r, k) * B(k, j);
+      for (int32_t k = 1; k <= 6; ++k) x += d[r - 1][k - 1] * B(k, j);
       db[r - 1] = x;
     }
     for (int32_t i = 1; i <= NDOF; ++i) {
@@ -80,6 +54,22 @@ void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_
       S(i, j) = S(i, j) + W * x;
     }
   }
+}
+
+}  // namespace
+
+void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_arg, double W,
+                   int32_t NDOF) {
+  if (NDOF <= 0) return;
+  // S keeps its own leading dimension: the caller's stiffness is larger than
+  // the element's NDOF for all but the largest element.
+  MatRef<double> S = S_arg;
+  MatRef<double> D = as_shape(D_arg, 6, 6);
+  MatRef<double> B = as_shape(B_arg, 6, NDOF);
+  if (S.holds(NDOF, NDOF) && B.holds(6, NDOF))
+    add_btdb(S.raw(), D, B.raw(), W, NDOF);
+  else
+    add_btdb(S, D, B, W, NDOF);
 }
 
 void SOL_STRESS_HIGH(MatRef<double> STR, MatRef<double> D_arg, MatRef<double> B_arg,
@@ -124,10 +114,19 @@ int32_t clamp_nodes(int32_t NN) {
   return NN < 0 ? 0 : (NN > SOLID_HIGH_MAX_NODE ? SOLID_HIGH_MAX_NODE : NN);
 }
 
+// The element-axis coordinates XL of the NN nodes and the element's elastic
+// matrix D.
+void element_setup(SolidContext& C, int32_t nn, MatRef<double> XYZ, MatRef<double> T,
+                   MatRef<double> XL, MatRef<double> D) {
+  CALC_CN_3D(XL, XYZ, T, nn);
+  CALC_DMATX(C.diag, C.material, C.continuum, D, C.material.MAT_YOUNG, C.material.MAT_POISSON,
+             C.continuum.PLANE_TYPE, 6);
+}
+
 }  // namespace
 
-void SOL_STF(KernelState& K, MatRef<double> S_arg, MatRef<double> WORK, int32_t N, int32_t NN,
-             MatRef<double> XYZ, MatRef<double> T) {
+void SOL_STF(SolidContext& C, int32_t ELEM_NO, MatRef<double> S_arg, MatRef<double> WORK,
+             int32_t N, int32_t NN, MatRef<double> XYZ, MatRef<double> T) {
   // No nodeless modes: the condensation of the nine bubble freedoms is
   // never reached.
   constexpr int32_t kBubble = 0;
@@ -137,12 +136,9 @@ void SOL_STF(KernelState& K, MatRef<double> S_arg, MatRef<double> WORK, int32_t 
 
   double xl[3 * SOLID_HIGH_MAX_NODE] = {};
   MatRef<double> XL(xl, 3, SOLID_HIGH_MAX_NODE, "XL");
-  CALC_CN_3D(XL, XYZ, T, nn);
-
   double d[36];
   MatRef<double> D(d, 6, 6, "D");
-  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, D, K.ELEM_MATERIAL.MAT_YOUNG,
-             K.ELEM_MATERIAL.MAT_POISSON, K.continuum.PLANE_TYPE, 6);
+  element_setup(C, nn, XYZ, T, XL, D);
 
   for (int32_t j = 1; j <= N; ++j)
     for (int32_t i = 1; i <= N; ++i) S(i, j) = 0.0;
@@ -154,7 +150,7 @@ void SOL_STF(KernelState& K, MatRef<double> S_arg, MatRef<double> WORK, int32_t 
   for (int32_t ip = 1; ip <= ngp; ++ip) {
     double s = 0.0, t = 0.0, u = 0.0, w = 0.0, det = 0.0;
     T_GP_COORD(s, t, u, w, ip, ngp, nn, 6);
-    B_BUB(K.diag, K.run.CURRENT_ELEM, K.continuum.PLANE_TYPE, pw.B(), det, pw.CARTD(), pw.SHAPE(),
+    B_BUB(C.diag, ELEM_NO, C.continuum.PLANE_TYPE, pw.B(), det, pw.CARTD(), pw.SHAPE(),
           pw.GPCOD(), s, t, u, XL, nn, 3, 6, kBubble, 0);
     if (tet_factor) w = w / 6.0;
     SOL_STIFF_MAT(S, D, pw.B(), det * w, NDOF);
@@ -162,21 +158,17 @@ void SOL_STF(KernelState& K, MatRef<double> S_arg, MatRef<double> WORK, int32_t 
   LOCTOGLO(S, N, WORK, N, T, NDOF);
 }
 
-void SOL_STR(KernelState& K, MatRef<double> STR_arg, MatRef<double> WORK, int32_t NROW, int32_t N,
+void SOL_STR(SolidContext& C, int32_t ELEM_NO, MatRef<double> STR_arg, int32_t NROW, int32_t N,
              int32_t NN, MatRef<double> XYZ, MatRef<double> T) {
-  (void)WORK;
   const int32_t nn = clamp_nodes(NN);
   const int32_t NDOF = 3 * nn;
   MatRef<double> STR = as_shape(STR_arg, NROW, N);
 
   double xl[3 * SOLID_HIGH_MAX_NODE] = {};
   MatRef<double> XL(xl, 3, SOLID_HIGH_MAX_NODE, "XL");
-  CALC_CN_3D(XL, XYZ, T, nn);
-
   double d[36];
   MatRef<double> D(d, 6, 6, "D");
-  CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, D, K.ELEM_MATERIAL.MAT_YOUNG,
-             K.ELEM_MATERIAL.MAT_POISSON, K.continuum.PLANE_TYPE, 6);
+  element_setup(C, nn, XYZ, T, XL, D);
 
   const int32_t ngp = SOLID_HIGH_NGP(nn);
   PointWork pw;
@@ -188,23 +180,22 @@ void SOL_STR(KernelState& K, MatRef<double> STR_arg, MatRef<double> WORK, int32_
       T_GP_COORD(s, t, u, w, 1, 1, nn, 6);
     else
       T_GP_COORD(s, t, u, w, ip - 1, ngp, nn, 6);
-    B_BUB(K.diag, K.run.CURRENT_ELEM, K.continuum.PLANE_TYPE, pw.B(), det, pw.CARTD(), pw.SHAPE(),
+    B_BUB(C.diag, ELEM_NO, C.continuum.PLANE_TYPE, pw.B(), det, pw.CARTD(), pw.SHAPE(),
           pw.GPCOD(), s, t, u, XL, nn, 3, 6, 0, 0);
     SOL_STRESS_HIGH(STR, D, pw.B(), T, N + 6 * (ip - 1), NDOF);
   }
 }
 
-void SOLID_HIGH_STRS(KernelState& K, int32_t NN, MatRef<double> ASA_arg, MatRef<double> XYZ,
-                     MatRef<double> T, int32_t FLAG) {
-  (void)FLAG;
+void SOLID_HIGH_STRS(SolidContext& C, int32_t ELEM_NO, int32_t NN, MatRef<double> ASA_arg,
+                     MatRef<double> XYZ, MatRef<double> T) {
   constexpr int32_t N = SOLID_HIGH_MAX_DOF;
   constexpr int32_t NROW = SOLID_HIGH_NROW;
   MatRef<double> ASA = as_shape(ASA_arg, NROW, N);
   Mat<double> S("S", N, N);
   Mat<double> WORK("WORK", N, N);
   Mat<double> STR("STR", NROW, N);
-  SOL_STF(K, S.ref(), WORK.ref(), N, NN, XYZ, T);
-  SOL_STR(K, STR.ref(), WORK.ref(), NROW, N, NN, XYZ, T);
+  SOL_STF(C, ELEM_NO, S.ref(), WORK.ref(), N, NN, XYZ, T);
+  SOL_STR(C, ELEM_NO, STR.ref(), NROW, N, NN, XYZ, T);
 
   const int32_t ndof = 3 * clamp_nodes(NN);
   for (int32_t j = 1; j <= N; ++j) {
@@ -310,7 +301,7 @@ void SOL_SHAPE_FUNCT(VecRef<double> SHAPE, VecRef<double> DN_S, VecRef<double> D
   for (int32_t k = 1; k <= nn; ++k) DN_U(k) = cn[k - 1].imag() / h;
 }
 
-void SOL_B_MAT_HIGH(KernelState& K, MatRef<double> B_arg, MatRef<double> CARTD_arg, double& DETJ,
+void SOL_B_MAT_HIGH(Diagnostics& D, MatRef<double> B_arg, MatRef<double> CARTD_arg, double& DETJ,
                     double S, double T, double U, MatRef<double> XL_arg, int32_t NN) {
   const int32_t nn = clamp_nodes(NN);
   double shape[SOLID_HIGH_MAX_NODE], ds[SOLID_HIGH_MAX_NODE], dt[SOLID_HIGH_MAX_NODE],
@@ -336,8 +327,8 @@ void SOL_B_MAT_HIGH(KernelState& K, MatRef<double> B_arg, MatRef<double> CARTD_a
          DJ[0][2] * (DJ[1][0] * DJ[2][1] - DJ[1][1] * DJ[2][0]);
   // At or below zero only: a NaN determinant compares false and passes.
   if (DETJ <= 0.0) {
-    write_message(K.diag, "     JACOBIAN DETERMINENT IS NEGATIVE");
-    write_message(K.diag, "     PLEASE CHECK YOUR DATA FILE ");
+    write_message(D, "     JACOBIAN DETERMINENT IS NEGATIVE");
+    write_message(D, "     PLEASE CHECK YOUR DATA FILE ");
   }
 
   // DJ_INV by cofactors.

@@ -11,10 +11,10 @@
 #include <cstdint>
 
 #include "core/arrays.hpp"
+#include "core/diagnostics.hpp"
+#include "solid/solid_state.hpp"
 
 namespace respcore {
-
-struct KernelState;
 
 // Capacities of the family.
 inline constexpr int32_t SOLID_HIGH_MAX_NODE = 20;
@@ -43,21 +43,20 @@ void SOL_STRESS_HIGH(MatRef<double> STR, MatRef<double> D, MatRef<double> B, Mat
 // S(N,N): the element stiffness in global axes over its 3 NN degrees of
 // freedom, integrated in element axes with the family's rule (the
 // tetrahedron rules of 4 and 5 points carry their factor 1/6 here) and
-// turned with LOCTOGLO. WORK(N,N) is scratch.
-void SOL_STF(KernelState& K, MatRef<double> S, MatRef<double> WORK, int32_t N, int32_t NN,
-             MatRef<double> XYZ, MatRef<double> T);
+// turned with LOCTOGLO. WORK(N,N) is scratch. ELEM_NO names the element in
+// the element-shape message.
+void SOL_STF(SolidContext& C, int32_t ELEM_NO, MatRef<double> S, MatRef<double> WORK, int32_t N,
+             int32_t NN, MatRef<double> XYZ, MatRef<double> T);
 
 // STR(NROW,N): from row N + 1, six stress rows (element axes) for the centre
-// and then each integration point, acting on global displacements. WORK is
-// scratch of at least 6 x N values.
-void SOL_STR(KernelState& K, MatRef<double> STR, MatRef<double> WORK, int32_t NROW, int32_t N,
+// and then each integration point, acting on global displacements.
+void SOL_STR(SolidContext& C, int32_t ELEM_NO, MatRef<double> STR, int32_t NROW, int32_t N,
              int32_t NN, MatRef<double> XYZ, MatRef<double> T);
 
 // ASA(228,60): rows 1 .. 3 NN the stiffness (nodal forces = stiffness times
-// global displacements), rows 61 onward the stress rows of SOL_STR. FLAG is
-// kept for the callers' sake and not used.
-void SOLID_HIGH_STRS(KernelState& K, int32_t NN, MatRef<double> ASA, MatRef<double> XYZ,
-                     MatRef<double> T, int32_t FLAG);
+// global displacements), rows 61 onward the stress rows of SOL_STR.
+void SOLID_HIGH_STRS(SolidContext& C, int32_t ELEM_NO, int32_t NN, MatRef<double> ASA,
+                     MatRef<double> XYZ, MatRef<double> T);
 
 // Shape functions SHAPE(NN) and their natural derivatives DN_S, DN_T, DN_U
 // of the solid families of 4, 6, 8, 10, 15 and 20 nodes at (S, T, U), from
@@ -70,7 +69,7 @@ void SOL_SHAPE_FUNCT(VecRef<double> SHAPE, VecRef<double> DN_S, VecRef<double> D
 // B(6,3 NN) at (S, T, U) for element-axis coordinates XL(3,NN), with the
 // Jacobian determinant DETJ (signed). A DETJ at or below zero writes two
 // lines to the message sink and the work goes on.
-void SOL_B_MAT_HIGH(KernelState& K, MatRef<double> B, MatRef<double> CARTD, double& DETJ,
+void SOL_B_MAT_HIGH(Diagnostics& D, MatRef<double> B, MatRef<double> CARTD, double& DETJ,
                     double S, double T, double U, MatRef<double> XL, int32_t NN);
 
 }  // namespace respcore

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "core/kernel_state.hpp"
 #include "numeric/blas.hpp"
 #include "solid/solid_tensors.hpp"
 
@@ -21,7 +20,7 @@ void solid_product(MatRef<double> OUT, MatRef<double> M, int32_t mrows, int32_t 
         OUT.data(), static_cast<int32_t>(OUT.rows()));
 }
 
-void solid_steps(KernelState& K, const SolidStepLayout& L, MatRef<double> OUT,
+void solid_steps(SolidContext& C, const SolidStepLayout& L, MatRef<double> OUT,
                  MatRef<double> STRAIN_TIME, MatRef<double> T, int32_t NN, int32_t AXIS_FLAG) {
   if (NN < 0) return;
   const int64_t nvals = 6 * int64_t{L.max_points};
@@ -40,7 +39,7 @@ void solid_steps(KernelState& K, const SolidStepLayout& L, MatRef<double> OUT,
     // Strains from the global stresses.
     const int64_t n = std::min<int64_t>(6 * (int64_t{NN} + 1), nvals);
     for (int64_t i = 1; i <= n; ++i) STRESS(i) = stresses(i);
-    SOLID_STRAIN_TIME(K, NN, first, STRESS, STRAIN);
+    SOLID_STRAIN_TIME(C, NN, first, STRESS, STRAIN);
     if (AXIS_FLAG == 0) CHANGE_G_L(STRAIN, T, NN);
     for (int64_t i = 1; i <= n; ++i) STRAIN_TIME(i, s) = STRAIN(i);
 
@@ -51,21 +50,15 @@ void solid_steps(KernelState& K, const SolidStepLayout& L, MatRef<double> OUT,
   }
 }
 
-void solid_deliver(KernelState& K, Tdsp& TDSP, int64_t ITEM, MatRef<double> OUT, int32_t NROWS,
-                   MatRef<double> STRAIN_TIME, int32_t STRAIN_ROW0, int32_t NSTRAIN) {
-  const RunContext& R = K.run;
+void solid_deliver(int32_t REQUEST_MODE, Tdsp& TDSP, int64_t ITEM, MatRef<double> OUT,
+                   int32_t NROWS, MatRef<double> STRAIN_TIME, int32_t STRAIN_ROW0,
+                   int32_t NSTRAIN) {
   const int64_t nsteps = OUT.cols();
   auto put_row = [&](int64_t row, const double* src, int64_t ld) {
-    if (R.REQUEST_MODE == 1) {
-      if (row >= 1 && row <= Tdsp::kRows && TDSP.allocated() && TDSP.cols() >= nsteps) {
-        double* dst = TDSP.row(row);
-        for (int64_t s = 0; s < nsteps; ++s) dst[s] = src[s * ld];
-      } else {
-        for (int64_t s = 1; s <= nsteps; ++s) TDSP(row, s) = src[(s - 1) * ld];
-      }
-    } else if (nsteps >= 1) {
+    if (REQUEST_MODE == 1)
+      TDSP.put_row(row, src, ld, nsteps);
+    else if (nsteps >= 1)
       TDSP(row, ITEM) = src[0];
-    }
   };
   const int64_t nr = std::min<int64_t>(NROWS, OUT.rows());
   for (int64_t r = 1; r <= nr; ++r) put_row(r, OUT.data() + (r - 1), OUT.rows());
@@ -74,11 +67,10 @@ void solid_deliver(KernelState& K, Tdsp& TDSP, int64_t ITEM, MatRef<double> OUT,
     put_row(STRAIN_ROW0 + k, STRAIN_TIME.data() + (k - 1), STRAIN_TIME.rows());
 }
 
-void solid_history_row(KernelState& K, Tdsp& TDSP, const SolidStepLayout& L, MatRef<double> M,
-                       int32_t mrows, int32_t ncols, MatRef<double> DISP, MatRef<double> T,
-                       int32_t NN, int32_t AXIS_FLAG, int32_t NROWS, int32_t STRAIN_ROW0,
-                       int32_t NSTRAIN) {
-  const int32_t C = K.run.RESULT_COMP;
+void solid_history_row(SolidContext& SC, int32_t C, Tdsp& TDSP, const SolidStepLayout& L,
+                       MatRef<double> M, int32_t mrows, int32_t ncols, MatRef<double> DISP,
+                       MatRef<double> T, int32_t NN, int32_t AXIS_FLAG, int32_t NROWS,
+                       int32_t STRAIN_ROW0, int32_t NSTRAIN) {
   const int64_t nsteps = DISP.cols();
   if (nsteps <= 0 || NN < 0) return;
   const int32_t F = L.force_rows;
@@ -150,7 +142,7 @@ void solid_history_row(KernelState& K, Tdsp& TDSP, const SolidStepLayout& L, Mat
       case Kind::Strain: {
         CHANGE_L_G(blk, T, 0);
         VecRef<double> STRAIN(strain, 6, "STRAIN_GLOBAL");
-        SOLID_STRAIN_TIME(K, 0, first, blk, STRAIN);
+        SOLID_STRAIN_TIME(SC, 0, first, blk, STRAIN);
         if (AXIS_FLAG == 0) CHANGE_G_L(STRAIN, T, 0);
         v = strain[at];
         break;
@@ -159,6 +151,22 @@ void solid_history_row(KernelState& K, Tdsp& TDSP, const SolidStepLayout& L, Mat
     if (dst != nullptr) dst[s - 1] = v;
     else TDSP(C, s) = v;
   }
+}
+
+void solid_element_rows(SolidContext& C, const RunContext& R, Tdsp& TDSP, int64_t ITEM,
+                        const SolidStepLayout& L, MatRef<double> M, int32_t mrows, int32_t ncols,
+                        MatRef<double> DISP, MatRef<double> T, int32_t NN, int32_t AXIS_FLAG,
+                        int32_t NROWS, int32_t STRAIN_ROW0, int32_t NSTRAIN, MatRef<double> OUT,
+                        MatRef<double> STRAIN_TIME) {
+  if (R.REQUEST_MODE == 1) {
+    solid_history_row(C, R.RESULT_COMP, TDSP, L, M, mrows, ncols, DISP, T, NN, AXIS_FLAG, NROWS,
+                      STRAIN_ROW0, NSTRAIN);
+    return;
+  }
+  // All steps in one product.
+  solid_product(OUT, M, mrows, ncols, DISP);
+  solid_steps(C, L, OUT, STRAIN_TIME, T, NN, AXIS_FLAG);
+  solid_deliver(R.REQUEST_MODE, TDSP, ITEM, OUT, NROWS, STRAIN_TIME, STRAIN_ROW0, NSTRAIN);
 }
 
 }  // namespace respcore

@@ -1,35 +1,12 @@
 #include "solid/solid_tensors.hpp"
 
 #include "continuum/material_matrix.hpp"
-#include "core/kernel_state.hpp"
 #include "numeric/dense.hpp"
 #include "recovery/shape_library.hpp"
 
 namespace respcore {
 
 namespace {
-
-// Whether points 1..NPTS of six values each lie inside V, so that the raw
-// storage may be used; otherwise every subscript goes through the check.
-bool fits(VecRef<double> v, int64_t nvals) { return nvals <= v.size(); }
-
-void load6(VecRef<double> v, int64_t base, double out[6], bool fast) {
-  if (fast) {
-    const double* p = v.data() + (base - v.lo());
-    for (int i = 0; i < 6; ++i) out[i] = p[i];
-  } else {
-    for (int i = 0; i < 6; ++i) out[i] = v(base + i);
-  }
-}
-
-void store6(VecRef<double> v, int64_t base, const double in[6], bool fast) {
-  if (fast) {
-    double* p = v.data() + (base - v.lo());
-    for (int i = 0; i < 6; ++i) p[i] = in[i];
-  } else {
-    for (int i = 0; i < 6; ++i) v(base + i) = in[i];
-  }
-}
 
 void read_t(MatRef<double> T_arg, double t[3][3]) {
   MatRef<double> T = as_shape(T_arg, 3, 3);
@@ -56,6 +33,18 @@ void rotate6(const double a[3][3], double v[6]) {
   v[5] = r[2][0];
 }
 
+// The NPTS tensors of six values from subscript LO on, each turned by A.
+template <class Values>
+void rotate_points(Values V, int64_t lo, int64_t npts, const double a[3][3]) {
+  for (int64_t p = 1; p <= npts; ++p) {
+    const int64_t base = lo + 6 * (p - 1);
+    double v[6];
+    for (int i = 0; i < 6; ++i) v[i] = V(base + i);
+    rotate6(a, v);
+    for (int i = 0; i < 6; ++i) V(base + i) = v[i];
+  }
+}
+
 void rotate_tensors(VecRef<double> VALUES, MatRef<double> T, int32_t NN, bool transpose) {
   if (NN < 0) return;
   double t[3][3];
@@ -65,13 +54,26 @@ void rotate_tensors(VecRef<double> VALUES, MatRef<double> T, int32_t NN, bool tr
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) a[i][j] = transpose ? t[j][i] : t[i][j];
   const int64_t npts = int64_t{NN} + 1;
-  const bool fast = fits(VALUES, 6 * npts);
-  for (int64_t p = 1; p <= npts; ++p) {
-    double v[6];
-    const int64_t base = VALUES.lo() + 6 * (p - 1);
-    load6(VALUES, base, v, fast);
-    rotate6(a, v);
-    store6(VALUES, base, v, fast);
+  const int64_t lo = VALUES.lo();
+  if (VALUES.holds(lo, lo + 6 * npts - 1))
+    rotate_points(VALUES.raw(), lo, npts, a);
+  else
+    rotate_points(VALUES, lo, npts, a);
+}
+
+// The NN force triples from subscript LO on, each turned by T or T'.
+template <class Forces>
+void rotate_triples(Forces F, int64_t lo, int64_t NN, const double t[3][3], bool transpose) {
+  for (int64_t n = 1; n <= NN; ++n) {
+    const int64_t base = lo + 3 * (n - 1);
+    double f[3];
+    for (int i = 0; i < 3; ++i) f[i] = F(base + i);
+    double g[3];
+    for (int i = 0; i < 3; ++i) {
+      g[i] = transpose ? t[0][i] * f[0] + t[1][i] * f[1] + t[2][i] * f[2]
+                       : t[i][0] * f[0] + t[i][1] * f[1] + t[i][2] * f[2];
+    }
+    for (int i = 0; i < 3; ++i) F(base + i) = g[i];
   }
 }
 
@@ -79,22 +81,26 @@ void rotate_forces(VecRef<double> F, MatRef<double> T, int32_t NN, bool transpos
   if (NN <= 0) return;
   double t[3][3];
   read_t(T, t);
-  const bool fast = fits(F, 3 * int64_t{NN});
-  for (int64_t n = 1; n <= NN; ++n) {
-    const int64_t base = F.lo() + 3 * (n - 1);
-    double f[3];
-    for (int i = 0; i < 3; ++i) f[i] = fast ? F.data()[base - F.lo() + i] : F(base + i);
-    double g[3];
-    for (int i = 0; i < 3; ++i) {
-      g[i] = transpose ? t[0][i] * f[0] + t[1][i] * f[1] + t[2][i] * f[2]
-                       : t[i][0] * f[0] + t[i][1] * f[1] + t[i][2] * f[2];
+  const int64_t lo = F.lo();
+  if (F.holds(lo, lo + 3 * int64_t{NN} - 1))
+    rotate_triples(F.raw(), lo, NN, t, transpose);
+  else
+    rotate_triples(F, lo, NN, t, transpose);
+}
+
+// STRAIN := C STRESS at NPTS points of six values, C the 6 by 6 compliance.
+template <class In, class Out>
+void strains_of(In STRESS, int64_t lo_in, Out STRAIN, int64_t lo_out, int64_t npts,
+                const double* c) {
+  for (int64_t p = 1; p <= npts; ++p) {
+    double sig[6], eps[6];
+    for (int i = 0; i < 6; ++i) sig[i] = STRESS(lo_in + 6 * (p - 1) + i);
+    for (int i = 0; i < 6; ++i) {
+      double e = 0.0;
+      for (int j = 0; j < 6; ++j) e += c[i + 6 * j] * sig[j];
+      eps[i] = e;
     }
-    for (int i = 0; i < 3; ++i) {
-      if (fast)
-        F.data()[base - F.lo() + i] = g[i];
-      else
-        F(base + i) = g[i];
-    }
+    for (int i = 0; i < 6; ++i) STRAIN(lo_out + 6 * (p - 1) + i) = eps[i];
   }
 }
 
@@ -168,28 +174,22 @@ void SOL_RECV_H(VecRef<double> SIG, int32_t NN) {
   }
 }
 
-void SOLID_STRAIN_TIME(KernelState& K, int32_t NN, int32_t& FIRST, VecRef<double> STRESS,
+void SOLID_STRAIN_TIME(SolidContext& C, int32_t NN, int32_t& FIRST, VecRef<double> STRESS,
                        VecRef<double> STRAIN) {
-  SolidState& S = K.solid;
+  SolidState& S = C.solid;
   if (FIRST == 1) {
-    STRESS_STRAIN_MATRIX(K.diag, K.ELEM_MATERIAL, S.DD.ref());
-    INVERSE(K.diag, S.DD.ref(), S.DD_INV.ref(), 6);
+    STRESS_STRAIN_MATRIX(C.diag, C.material, S.DD.ref());
+    INVERSE(C.diag, S.DD.ref(), S.DD_INV.ref(), 6);
     FIRST = 0;
   }
   if (NN < 0) return;
   const int64_t npts = int64_t{NN} + 1;
-  const bool fast = fits(STRESS, 6 * npts) && fits(STRAIN, 6 * npts);
+  const int64_t in = STRESS.lo(), out = STRAIN.lo();
   const double* c = S.DD_INV.data();
-  for (int64_t p = 1; p <= npts; ++p) {
-    double sig[6], eps[6];
-    load6(STRESS, STRESS.lo() + 6 * (p - 1), sig, fast);
-    for (int i = 0; i < 6; ++i) {
-      double e = 0.0;
-      for (int j = 0; j < 6; ++j) e += c[i + 6 * j] * sig[j];
-      eps[i] = e;
-    }
-    store6(STRAIN, STRAIN.lo() + 6 * (p - 1), eps, fast);
-  }
+  if (STRESS.holds(in, in + 6 * npts - 1) && STRAIN.holds(out, out + 6 * npts - 1))
+    strains_of(STRESS.raw(), in, STRAIN.raw(), out, npts, c);
+  else
+    strains_of(STRESS, in, STRAIN, out, npts, c);
 }
 
 }  // namespace respcore

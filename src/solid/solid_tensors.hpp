@@ -11,10 +11,9 @@
 #include <cstdint>
 
 #include "core/arrays.hpp"
+#include "solid/solid_state.hpp"
 
 namespace respcore {
-
-struct KernelState;
 
 // Each of the NN + 1 tensors of VALUES from element to global axes:
 // S := T S T'. Shear slots are loaded as the off-diagonal entries of a
@@ -42,7 +41,7 @@ void SOL_RECV_H(VecRef<double> SIG, int32_t NN);
 // STRAIN := inverse of the elastic matrix times STRESS, at each of the NN + 1
 // points. With FIRST = 1 the matrix of the current element's material is
 // built and inverted, and FIRST is cleared; later calls use the kept inverse.
-void SOLID_STRAIN_TIME(KernelState& K, int32_t NN, int32_t& FIRST, VecRef<double> STRESS,
+void SOLID_STRAIN_TIME(SolidContext& C, int32_t NN, int32_t& FIRST, VecRef<double> STRESS,
                        VecRef<double> STRAIN);
 
 }  // namespace respcore

@@ -17,11 +17,8 @@
 // from 79 the strains in the same order.
 #include <algorithm>
 
-#include "archive/section_access.hpp"
-#include "archive/units.hpp"
-#include "core/kernel_state.hpp"
 #include "nodal/disp_equation.hpp"
-#include "run/histories.hpp"
+#include "solid/solid_histories.hpp"
 #include "solid/solid_steps.hpp"
 
 namespace respcore {
@@ -35,12 +32,58 @@ constexpr int32_t kForceRows = 24;
 constexpr int32_t kMaxPoints = 9;
 constexpr int32_t kMaxNodes = 8;
 
+// What the record holds, cut to what the arrays hold.
+struct SolidCounts {
+  int32_t ndof, nr, nn;
+};
+
+// The counts of the record in SA, its axes into T, its equation numbers into
+// LM and its matrix into STRS (rows beyond NR zero, so that the product may
+// run over all 78). The record holds at most 48 columns and 78 rows and 8
+// nodes; anything beyond is a bound failure, reported once and left out.
+SolidCounts unpack_record(Vec<double>& SA, Vec<int32_t>& LM, Mat<double>& STRS, Mat<double>& T) {
+  const int32_t NDOF = trunc_i32(SA(3793));
+  const int32_t NR = trunc_i32(SA(3794));
+  const int32_t NN = trunc_i32(SA(3796));
+  for (int32_t i = 1; i <= 3; ++i)
+    for (int32_t j = 1; j <= 3; ++j) T(i, j) = SA(3796 + 3 * (i - 1) + j);
+
+  SolidCounts n{std::max(NDOF, 0), std::max(NR, 0), std::max(NN, 0)};
+  if (n.ndof > kMaxDof) {
+    report_bound_failure("LM", n.ndof, 1, kMaxDof);
+    n.ndof = kMaxDof;
+  }
+  if (n.nr > kMaxRow) {
+    report_bound_failure("STRS", n.nr, 1, kMaxRow);
+    n.nr = kMaxRow;
+  }
+  if (n.nn + 1 > kMaxPoints) {
+    report_bound_failure("SIG", kForceRows + 6 * (int64_t{n.nn} + 1), 1, kMaxRow);
+    n.nn = kMaxPoints - 1;
+  }
+
+  LM.fill(0);
+  for (int32_t i = 1; i <= n.ndof; ++i) LM(i) = trunc_i32(SA(i));
+  const int64_t base0 = NDOF;
+  auto copy_columns = [&](auto sa) {
+    for (int32_t j = 1; j <= n.ndof; ++j) {
+      double* col = STRS.col(j);
+      std::fill(col, col + kMaxRow, 0.0);
+      const int64_t base = base0 + int64_t{j - 1} * NR;
+      for (int32_t i = 1; i <= n.nr; ++i) col[i - 1] = sa(base + i);
+    }
+  };
+  if (base0 + int64_t{n.ndof} * NR <= kRecWords && n.nr == NR && n.ndof == NDOF)
+    copy_columns(SA.raw());
+  else
+    copy_columns(SA.ref());
+  return n;
+}
+
 }  // namespace
 
-void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT,
-                int32_t NCOLS, int32_t AXIS_FLAG) {
-  (void)NCOLS;
-  RunContext& R = K.run;
+void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidContext& C,
+                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT, int32_t AXIS_FLAG) {
   const int32_t nsteps = std::max(R.NUM_STEPS, 0);
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
 
@@ -66,71 +109,24 @@ void SOLID_TIME(KernelState& K, Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_
     T.fill(0.0);
     const int32_t serial = INUM_SERIAL(p);
     const int32_t element = INUM_ELEMNT(p);
-    R.CURRENT_ELEM = element;
 
-    READING_ELEMENT_MATERIAL_DATA(K, element);
-    int64_t first = 0;
-    int32_t found = 0;
-    RF_BIN_T(K, ID, 8, first, found);
+    READING_ELEMENT_MATERIAL_DATA(A, C.material, element);
     // The whole record or nothing: a read that fails leaves the table clear.
-    if (!read_record(K, UNIT_SECOND, first + serial - 1, SA.data(), int64_t{kRecWords} * 8))
-      SA.fill(0.0);
+    if (!A.read(A.find(sections::SOLD, ID), serial, SA.data(), int64_t{kRecWords} * 8)) SA.fill(0.0);
 
-    const int32_t NDOF = trunc_i32(SA(3793));
-    const int32_t NR = trunc_i32(SA(3794));
-    const int32_t NN = trunc_i32(SA(3796));
-    for (int32_t i = 1; i <= 3; ++i)
-      for (int32_t j = 1; j <= 3; ++j) T(i, j) = SA(3796 + 3 * (i - 1) + j);
+    const SolidCounts n = unpack_record(SA, LM, STRS, T);
+    const int32_t ndof = n.ndof, nr = n.nr, nn = n.nn;
 
-    // The record holds at most 48 columns and 78 rows; anything beyond is a
-    // bound failure, reported once and left out.
-    int32_t ndof = std::max(NDOF, 0);
-    int32_t nr = std::max(NR, 0);
-    if (ndof > kMaxDof) {
-      report_bound_failure("LM", ndof, 1, kMaxDof);
-      ndof = kMaxDof;
-    }
-    if (nr > kMaxRow) {
-      report_bound_failure("STRS", nr, 1, kMaxRow);
-      nr = kMaxRow;
-    }
-    int32_t nn = std::max(NN, 0);
-    if (nn + 1 > kMaxPoints) {
-      report_bound_failure("SIG", kForceRows + 6 * (int64_t{nn} + 1), 1, kMaxRow);
-      nn = kMaxPoints - 1;
-    }
-
-    LM.fill(0);
-    for (int32_t i = 1; i <= ndof; ++i) LM(i) = trunc_i32(SA(i));
-    // Rows beyond NR stay zero, so that the product may run over all 78.
-    const int64_t base0 = NDOF;
-    const bool inside = base0 + int64_t{ndof} * NR <= kRecWords && nr == NR && ndof == NDOF;
-    for (int32_t j = 1; j <= ndof; ++j) {
-      double* col = STRS.col(j);
-      std::fill(col, col + kMaxRow, 0.0);
-      const int64_t base = base0 + int64_t{j - 1} * NR;
-      if (inside) {
-        std::copy(SA.data() + base, SA.data() + base + nr, col);
-      } else {
-        for (int32_t i = 1; i <= nr; ++i) STRS(i, j) = SA(base + i);
-      }
-    }
-
-    DISP_EQUATION(K, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), ndof, LM.ref(), IIA.ref(),
+    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), ndof, LM.ref(), IIA.ref(),
                   std::min(nn, kMaxNodes), 1);
 
     // The extrapolated node values are delivered even when the stored matrix
     // ends at the centre (a tetrahedron's single point).
     const int32_t nrows = std::min(std::max(nr, kForceRows + 6 * (nn + 1)), kMaxRow);
-    if (R.REQUEST_MODE == 1) {
-      solid_history_row(K, TDSP, layout, STRS.ref(), kMaxRow, ndof, DISP_EQ.ref(), T.ref(), nn,
-                        AXIS_FLAG, nrows, kMaxRow, 6 * (nn + 1));
-      continue;
-    }
-    // All steps in one product (rows beyond NR are zero rows of STRS).
-    solid_product(SSIG.ref(), STRS.ref(), kMaxRow, ndof, DISP_EQ.ref());
-    solid_steps(K, layout, SSIG.ref(), STRAIN_GLOBAL_TIME.ref(), T.ref(), nn, AXIS_FLAG);
-    solid_deliver(K, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kMaxRow, 6 * (nn + 1));
+    // Rows beyond NR are zero rows of STRS.
+    solid_element_rows(C, R, TDSP, p, layout, STRS.ref(), kMaxRow, ndof, DISP_EQ.ref(), T.ref(), nn,
+                       AXIS_FLAG, nrows, kMaxRow, 6 * (nn + 1), SSIG.ref(),
+                       STRAIN_GLOBAL_TIME.ref());
   }
 }
 

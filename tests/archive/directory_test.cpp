@@ -8,7 +8,7 @@
 
 #include "archive/directory.hpp"
 #include "archive/units.hpp"
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "respcore/archive_writer.hpp"
 #include "respcore/kernel.hpp"
 #include "support/temp_dir.hpp"
@@ -37,7 +37,7 @@ Lookup plain(KernelState& K, const std::string& path, const char* t, int32_t ser
   Lookup r;
   int32_t first = -1;
   ::testing::internal::CaptureStdout();
-  READ_F(K, 63, path, static_cast<int32_t>(path.size()), code, tag(t), serial, first, r.reclen,
+  READ_F(K.reader(), 63, path, static_cast<int32_t>(path.size()), code, tag(t), serial, first, r.reclen,
          r.nrec, r.status);
   r.out = ::testing::internal::GetCapturedStdout();
   r.first = first;
@@ -47,7 +47,7 @@ Lookup plain(KernelState& K, const std::string& path, const char* t, int32_t ser
 Lookup wide(KernelState& K, const std::string& path, const char* t, int32_t serial) {
   Lookup r;
   ::testing::internal::CaptureStdout();
-  READ_F_8(K, 32, path, static_cast<int32_t>(path.size()), 2, tag(t), serial, r.first, r.reclen,
+  READ_F_8(K.reader(), 32, path, static_cast<int32_t>(path.size()), 2, tag(t), serial, r.first, r.reclen,
            r.nrec, r.status);
   r.out = ::testing::internal::GetCapturedStdout();
   return r;
@@ -61,10 +61,10 @@ TEST(DirectoryLookup, FindsSectionsAndReadsTheirRecords) {
   TempDir dir;
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
-  Section& s = f.add("TRUS", 3, 6, 4);
+  Section& s = f.add(sections::TRUS, 3, 6, 4);
   for (int r = 1; r <= 4; ++r) s.put_f64(r, 0, 10.0 * r);
-  f.add("TRUS", 4, 2, 1).put_f64(1, 0, -1.0);
-  Section& one = f.add("BEAM", 3, 2, 1);
+  f.add(sections::TRUS, 4, 2, 1).put_f64(1, 0, -1.0);
+  Section& one = f.add(sections::BEAM, 3, 2, 1);
   one.put_f64(1, 0, 7.5);
   f.write(path);
 
@@ -76,7 +76,7 @@ TEST(DirectoryLookup, FindsSectionsAndReadsTheirRecords) {
   EXPECT_EQ(a.first, s.first);
   EXPECT_EQ(a.out, "");
   double v = 0;
-  ASSERT_TRUE(read_record(K, 63, a.first + 2, &v, 8));
+  ASSERT_TRUE(read_record(K.units, 63, a.first + 2, &v, 8));
   EXPECT_EQ(v, 30.0);
 
   // Same tag, other serial: a section of its own.
@@ -85,12 +85,12 @@ TEST(DirectoryLookup, FindsSectionsAndReadsTheirRecords) {
   EXPECT_EQ(b.reclen, 2);
   // The unit now has the new record length: the first section's records
   // can no longer be read as before.
-  EXPECT_FALSE(read_record(K, 63, a.first + 2, &v, 24));
+  EXPECT_FALSE(read_record(K.units, 63, a.first + 2, &v, 24));
 
   // A section with first = last has one record.
   Lookup c = plain(K, path, "BEAM", 3);
   EXPECT_EQ(c.nrec, 1);
-  ASSERT_TRUE(read_record(K, 63, c.first, &v, 8));
+  ASSERT_TRUE(read_record(K.units, 63, c.first, &v, 8));
   EXPECT_EQ(v, 7.5);
 }
 
@@ -98,7 +98,7 @@ TEST(DirectoryLookup, MissingSectionIsSilentAndZeroesTheOutputs) {
   TempDir dir;
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
-  f.add("TRUS", 3, 6, 4);
+  f.add(sections::TRUS, 3, 6, 4);
   f.write(path);
   KernelState K;
   Lookup r = plain(K, path, "BEAM", 3);
@@ -122,7 +122,7 @@ TEST(DirectoryLookup, ChainedBlocksAreFollowedUntilABlankEntry) {
     Lookup r = plain(K, path, "SECT", i);
     ASSERT_EQ(r.status, 0) << i;
     double v = 0;
-    ASSERT_TRUE(read_record(K, 63, r.first, &v, 8));
+    ASSERT_TRUE(read_record(K.units, 63, r.first, &v, 8));
     EXPECT_EQ(v, i);
   }
   EXPECT_EQ(plain(K, path, "SECT", 46).status, 4);
@@ -145,7 +145,7 @@ TEST(DirectoryLookup, BadRequestsAreRefusedWithTheErrorLine) {
   TempDir dir;
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
-  f.add("TRUS", 3, 6, 1);
+  f.add(sections::TRUS, 3, 6, 1);
   f.write(path);
   KernelState K;
   Lookup r = plain(K, path, "HEAD", 1);
@@ -159,7 +159,7 @@ TEST(DirectoryLookup, BadRequestsAreRefusedWithTheErrorLine) {
   int32_t first = 0, reclen = 0, status = 0;
   int64_t nrec = 0;
   ::testing::internal::CaptureStdout();
-  READ_F(K, 63, path, 0, 2, tag("TRUS"), 3, first, reclen, nrec, status);
+  READ_F(K.reader(), 63, path, 0, 2, tag("TRUS"), 3, first, reclen, nrec, status);
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), error_line("TRUS", "    3"));
   EXPECT_EQ(status, 6);
 }
@@ -173,7 +173,7 @@ TEST(DirectoryLookup, MissingFileAndBrokenDirectories) {
 
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
-  f.add("TRUS", 3, 6, 1);
+  f.add(sections::TRUS, 3, 6, 1);
   const auto good = f.build();
   auto write_variant = [&](const std::string& name, size_t off, const void* bytes, size_t n,
                            size_t keep = 0) {
@@ -227,7 +227,7 @@ TEST(DirectoryLookup, WideFormAndTheVersionExpectation) {
   EXPECT_EQ(r.nrec, 3);
   EXPECT_EQ(r.reclen, 4);
   double v = 0;
-  ASSERT_TRUE(read_record(K, 32, r.first + 2, &v, 8));
+  ASSERT_TRUE(read_record(K.units, 32, r.first + 2, &v, 8));
   EXPECT_EQ(v, 22.0);
   r = wide(K, path, "SECT", 26);
   EXPECT_EQ(r.status, 4);

@@ -141,7 +141,7 @@ TEST(Cli, SectionsFollowsChainedBlocksOfBothForms) {
     ArchiveWriter w(base, "Q.L.D", form);
     w.first();
     for (int k = 1; k <= 25; ++k) w.second().add("S" + std::to_string(100 + k), k, 3 + k, k);
-    w.direct(12).add("DMED", 1, 8, 6);
+    w.direct(12).add(sections::DMED, 1, 8, 6);
     w.write();
     const ToolRun r = tool().run("sections " + base);
     ASSERT_EQ(r.code, 0) << r.err;
@@ -461,7 +461,7 @@ TEST(Cli, MissingAndBrokenArchivesGiveOneLineAndExitCodeOne) {
   const std::string loop = copy("loop");
   {
     ArchiveFile first;
-    Section& thlg = first.add("THLG", 1, 1, 2);
+    Section& thlg = first.add(sections::THLG, 1, 1, 2);
     thlg.put_i32(1, 0, 1);
     thlg.put_i32(2, 0, 1);
     for (int k = 0; k < 38; ++k) first.add("X" + std::to_string(100 + k), 1, 2, 1);

@@ -6,8 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "components.hpp"
-#include "core/kernel_state.hpp"
 #include "run/entry.hpp"
+#include "run/run_context.hpp"
+#include "run/tdsp.hpp"
 
 namespace respcore::testing {
 namespace {
@@ -22,16 +23,16 @@ TEST(ComponentNames, SelectorsReadTheRowsOfTheirNames) {
     for (const cli::Component& sel : t.selectors) {
       // A store whose row r holds r: the many-items form then returns the
       // row numbers it reads.
-      KernelState K;
-      K.run.ELEM_TYPE = f.elem_type;
-      K.run.RESULT_COMP = sel.number;
-      K.run.REQUEST_MODE = 2;
-      K.run.NUM_ITEMS = 1;
+      RunContext R;
+      R.ELEM_TYPE = f.elem_type;
+      R.RESULT_COMP = sel.number;
+      R.REQUEST_MODE = 2;
+      R.NUM_ITEMS = 1;
       Tdsp TDSP("TDSP", 1);
       for (int r = 1; r <= Tdsp::kRows; ++r) TDSP(r, 1) = r;
       const int m = static_cast<int>(history_size(f.elem_type, sel.number, 1, 1, 2));
       std::vector<double> read(static_cast<size_t>(m));
-      assemble_history(K, TDSP, VecRef<double>(read.data(), m, "TDSP_COMP"));
+      assemble_history(R, TDSP, VecRef<double>(read.data(), m, "TDSP_COMP"));
       const std::vector<std::string> points = cli::point_labels(f.elem_type, sel.number, m);
       for (int n = 0; n < m; ++n) {
         std::string want = sel.name;

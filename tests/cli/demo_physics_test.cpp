@@ -15,7 +15,7 @@
 #ifdef RESPCORE_HAVE_DEMO
 #include "archive/section_access.hpp"
 #include "archive/units.hpp"
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "frame_demo.hpp"
 #include "respcore/kernel.hpp"
 
@@ -236,17 +236,16 @@ TEST(DemoPhysics, ModeShapesAreMassOrthonormal) {
   K.archive.FNAME_LEN = static_cast<int32_t>(a.summary.base.size());
   std::memcpy(K.archive.PRODUCT_TAG.data(), "P.R.W", 5);
   K.archive.READ_METHOD = 0;
-  int64_t first = 0;
-  int32_t found = 0;
-  RF_BIN_T(K, 3, 10, first, found);
-  ASSERT_EQ(found, 1);
+  ArchiveReader A = K.reader();
+  const SectionRef mshp = A.find(sections::MSHP, 3);
+  ASSERT_EQ(mshp.status, 0);
   const int nm = a.summary.modes, neq = a.model.num_equations;
   ASSERT_EQ(nm, static_cast<int>(a.model.mass_equations.size()));
   std::vector<std::vector<double>> phi(static_cast<size_t>(neq), std::vector<double>(static_cast<size_t>(nm)));
   for (int e = 1; e <= neq; ++e) {
-    ASSERT_TRUE(read_f64(K, UNIT_SECOND, first + e - 1, VecRef<double>(phi[static_cast<size_t>(e - 1)].data(), nm, "PHI"), nm));
+    ASSERT_TRUE(A.read_f64(mshp, e, VecRef<double>(phi[static_cast<size_t>(e - 1)].data(), nm, "PHI"), nm));
   }
-  close_all_units(K);
+  close_all_units(K.units);
   for (int m = 0; m < nm; ++m) {
     for (int n = 0; n < nm; ++n) {
       double g = 0;

@@ -7,7 +7,7 @@
 
 #include "continuum/integration_rules.hpp"
 #include "continuum/interpolation.hpp"
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 
 namespace respcore {
 namespace {
@@ -23,14 +23,15 @@ struct BEval {
 };
 
 BEval eval_b(KernelState& K, const std::vector<double>& cn, int32_t nnode, int32_t ndim,
-             int32_t nstrs, const P3& p, int32_t bubble = 0, int32_t det_only = 0) {
+             int32_t nstrs, const P3& p, int32_t bubble = 0, int32_t det_only = 0,
+             int32_t elem_no = 0) {
   BEval e;
   e.nstrs = nstrs;
   e.ncols = ndim * (nnode + ndim);
   e.b.assign(static_cast<size_t>(nstrs * e.ncols), 77.0);
   e.cartd.assign(static_cast<size_t>(ndim * (nnode + ndim)), 55.0);
   e.shape.assign(static_cast<size_t>(nnode + ndim), 0.0);
-  B_BUB(K.diag, K.run.CURRENT_ELEM, K.continuum.PLANE_TYPE,
+  B_BUB(K.diag, elem_no, K.continuum.PLANE_TYPE,
         MatRef<double>(e.b.data(), nstrs, e.ncols, "B"), e.det,
         MatRef<double>(e.cartd.data(), ndim, nnode + ndim, "CARTD"),
         VecRef<double>(e.shape.data(), nnode + ndim, "SHAPE"),
@@ -228,13 +229,12 @@ TEST(BMatrix, ReversedNodeOrderStillGivesPositiveDeterminantWithoutMessage) {
   EXPECT_EQ(K.diag.messages, "");
 }
 
-// An element whose Jacobian vanishes writes the shape message for the run's
-// current element and goes on.
+// An element whose Jacobian vanishes writes the shape message for its
+// element and goes on.
 TEST(BMatrix, ZeroDeterminantWritesTheShapeMessage) {
   KernelState K;
-  K.run.CURRENT_ELEM = 1234;
   const std::vector<double> flat = {0, 0, 1, 1, 2, 2, 3, 3};  // all nodes on one line
-  const BEval e = eval_b(K, flat, 4, 2, 3, {0.0, 0.0, 0});
+  const BEval e = eval_b(K, flat, 4, 2, 3, {0.0, 0.0, 0}, 0, 0, 1234);
   EXPECT_EQ(e.det, 0.0);
   EXPECT_EQ(K.diag.messages,
             " JACOBIAN DETERMINANT OF ELEMENT NO.    1234 IS LITTLE THAN ZERO.\n"

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 
 namespace respcore {
 namespace {

@@ -1,6 +1,6 @@
 // Beam histories through the whole request: archives written with the
-// writer, requests through the kernel, rows checked against the documented
-// composition table, hand-formed stress rows, and the physics of a prismatic
+// writer, requests through the kernel, rows checked against the composition
+// of the axis change and the sign pattern, hand-formed stress rows, and the physics of a prismatic
 // member whose recovery matrix is its own local stiffness.
 #include <gtest/gtest.h>
 
@@ -58,7 +58,7 @@ std::vector<EquationHistory> equation_histories(int neq, int nsteps) {
   return eqs;
 }
 
-// The expected rows of one step, formed from the documented tables: the
+// The expected rows of one step: the
 // composition of the axis change and the sign pattern, the factors in terms
 // of the stored matrix, and the stress and corner formulas.
 Rows expected_rows(const std::vector<double>& strs, int nrow, int neq, const std::vector<double>& d,
@@ -409,7 +409,7 @@ TEST(BeamHistory, ShortOrCorruptRecordsGiveZerosWithoutFailing) {
   ArchiveFixture a;
   direct_case(a, 12, 2);
   // A section whose records are too short for a beam record.
-  Section& s = a.writer().second().add("BEAM", 3, 200, 2);
+  Section& s = a.writer().second().add(sections::BEAM, 3, 200, 2);
   s.put_f64s(1, 0, std::vector<double>(100, 1.12));
   a.write();
   Kernel k;

@@ -39,7 +39,7 @@ void bar_archive(ArchiveFixture& a, const std::vector<std::vector<double>>& reco
     }
   }
   a.direct_histories(file_no, eqs, nsteps);
-  a.writer().second().add_f64_rows("TRUS", 3, records);
+  a.writer().second().add_f64_rows(sections::TRUS, 3, records);
 }
 
 double tension(int eq1, int eq2, int s) { return kStiff * (eq2 - eq1) * s / 1000.0; }
@@ -87,7 +87,7 @@ TEST(Truss, BothEndsCarryTheMeanForce) {
 TEST(Truss, InitialStateReachesTheStresses) {
   ArchiveFixture a;
   bar_archive(a, {truss_record(1, 3), truss_record(1, 3)}, 2);
-  a.writer().second().add_f64_rows("ITTR", 1, {{100.0, 200.0}, {-5.0, -6.0}});
+  a.writer().second().add_f64_rows(sections::ITTR, 1, {{100.0, 200.0}, {-5.0, -6.0}});
   a.write();
   Kernel k;
   auto q = a.request(12, 2, 2);
@@ -121,7 +121,7 @@ TEST(Truss, ProductFactorScalesForcesOnly) {
   ext[1203] = 1;   // IIA(1)
   ext[1222] = 2;   // IIA(2)
   ext[1244] = 9.0;
-  Section& embt = a.writer().second().add("EMBT", 3, 2 * 1245, 2);
+  Section& embt = a.writer().second().add(sections::EMBT, 3, 2 * 1245, 2);
   embt.put_f64s(2, 0, ext);
   a.write();
   Kernel k;
@@ -147,11 +147,11 @@ TEST(Truss, NegativeFactorUnderAnotherTagChangesNothing) {
 
 // Staged activation: truss 1 is listed as inactive for case 1.
 void inactive_tables(ArchiveFixture& a, std::vector<double> initial_disp) {
-  a.writer().first().add("IASI", 4, 2, 1).put_i32s(1, 0, std::vector<int32_t>{1, 0});
-  Section& iase = a.writer().first().add("IASE", 4, 3, 2);
+  a.writer().first().add(sections::IASI, 4, 2, 1).put_i32s(1, 0, std::vector<int32_t>{1, 0});
+  Section& iase = a.writer().first().add(sections::IASE, 4, 3, 2);
   iase.put_i32s(1, 0, std::vector<int32_t>{0, 1, 1});
   iase.put_i32s(2, 0, std::vector<int32_t>{0, 2, 2});
-  a.writer().direct(1).add_f64_rows("DSPL", 1, {initial_disp});
+  a.writer().direct(1).add_f64_rows(sections::DSPL, 1, {initial_disp});
 }
 
 TEST(Truss, LateActivatedElementLosesItsInitialDisplacement) {
@@ -174,7 +174,7 @@ TEST(Truss, LateActivatedElementInDirectFileOneKeepsOnlyItsInitialForces) {
   ArchiveFixture a;
   bar_archive(a, {truss_record(1, 3)}, 2, 1);
   inactive_tables(a, {0.0005, 0.0, 0.002, 0.0});
-  a.writer().second().add_f64_rows("ITTR", 1, {{40.0, 40.0}});
+  a.writer().second().add_f64_rows(sections::ITTR, 1, {{40.0, 40.0}});
   a.write();
   Kernel k;
   auto r = k.run(a.request(12, 1, 2)).values;

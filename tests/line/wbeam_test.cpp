@@ -1,12 +1,12 @@
 // Wall beam histories through the whole request: the delivered rows against
-// the documented tables (sign changes, scale-word rows, warping stresses of
+// the wall beam's rules (sign changes, scale-word rows, warping stresses of
 // both ends, corners), and the step's full result set as the kernel leaves it.
 #include <gtest/gtest.h>
 
 #include <array>
 #include <vector>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "support/archive_fixture.hpp"
 #include "support/beam_sections.hpp"
 
@@ -47,7 +47,7 @@ std::vector<double> step_disp(int s) {
   return d;
 }
 
-// The result set of one step, from the documented tables.
+// The result set of one step, by the wall beam's rules.
 Set expected_set(const std::vector<double>& strs, const std::vector<double>& d,
                  const double* init = nullptr) {
   auto S = [&](int r, int c) { return strs[static_cast<size_t>((c - 1) * 72 + r - 1)]; };
@@ -193,7 +193,7 @@ TEST(WallBeamHistory, DeliveredRowsAndResultSet) {
   KernelState& st = k.state();
   for (int r = 1; r <= 96; ++r) {
     const bool formed = r <= 29 || (r >= 46 && r <= 56) || (r >= 73 && r <= 76) || (r >= 85 && r <= 88);
-    EXPECT_EQ(st.line.WBEAM_SIG_OUT(r), formed ? want[static_cast<size_t>(r)] : 0.0) << "set row " << r;
+    EXPECT_EQ(st.line.wall_beam.SIG_OUT(r), formed ? want[static_cast<size_t>(r)] : 0.0) << "set row " << r;
   }
   // Rows 15..18 of the step vector carry the scale words a and b.
   const std::vector<double> d = step_disp(kSteps);
@@ -205,10 +205,10 @@ TEST(WallBeamHistory, DeliveredRowsAndResultSet) {
     s15 += rec.strs[static_cast<size_t>((j - 1) * 72 + 14)] * dj;
     s16 += rec.strs[static_cast<size_t>((j - 1) * 72 + 15)] * dj;
   }
-  EXPECT_EQ(st.line.WBEAM_SIG(15), kA * s15);
-  EXPECT_EQ(st.line.WBEAM_SIG(16), -kB * s16);
-  EXPECT_EQ(st.line.WBEAM_SIG(17), -s4 + kA * s15);
-  EXPECT_EQ(st.line.WBEAM_SIG(18), -s10 - kB * s16);
+  EXPECT_EQ(st.line.wall_beam.SIG(15), kA * s15);
+  EXPECT_EQ(st.line.wall_beam.SIG(16), -kB * s16);
+  EXPECT_EQ(st.line.wall_beam.SIG(17), -s4 + kA * s15);
+  EXPECT_EQ(st.line.wall_beam.SIG(18), -s10 - kB * s16);
   EXPECT_NE(s15, 0.0);
   EXPECT_NE(s16, 0.0);
 }
@@ -265,7 +265,7 @@ TEST(WallBeamHistory, SupportMotionKeepsTheWarpingRows) {
 TEST(WallBeamHistory, ShortRecordGivesZeros) {
   ArchiveFixture a;
   wall_case(a, 2);
-  Section& s = a.writer().second().add("WBMM", 3, 2 * 1000, 1);
+  Section& s = a.writer().second().add(sections::WBMM, 3, 2 * 1000, 1);
   s.put_f64s(1, 0, std::vector<double>(1000, 1.14));
   a.write();
   Kernel k;

@@ -12,7 +12,7 @@ namespace {
 // Direct file 1 whose section record x holds 1000 x + s at step s, so that
 // a value names the record it came from.
 void numbered_direct(ArchiveFixture& a, int32_t nrec, int32_t nsteps) {
-  Section& s = a.writer().direct(1).add("DMED", 1, 2 * nsteps, nrec);
+  Section& s = a.writer().direct(1).add(sections::DMED, 1, 2 * nsteps, nrec);
   for (int32_t x = 1; x <= nrec; ++x) {
     for (int32_t t = 1; t <= nsteps; ++t) s.set_f64(x, t, 1000.0 * x + t);
   }
@@ -45,11 +45,11 @@ TEST(NodeMotion, SupportMotionAddressesTheDirectFileDifferently) {
   // Node 1: x constrained (0), y and z equations 4 and 5. Node 2: no zero.
   a.node_records({{{0, 4, 5, 0, 0, 0}, {}}, {{4, 5, 6, 7, 8, 9}, {}}});
   // Support rows: (node 3, x), (node 1, y), (node 1, x).
-  Section& mses = a.writer().second().add("MSES", 1, 2, 3);
+  Section& mses = a.writer().second().add(sections::MSES, 1, 2, 3);
   mses.put_i32s(1, 0, std::vector<int32_t>{3, 1});
   mses.put_i32s(2, 0, std::vector<int32_t>{1, 2});
   mses.put_i32s(3, 0, std::vector<int32_t>{1, 1});
-  Section& mser = a.writer().second().add("MSER", 1, 6, 9);
+  Section& mser = a.writer().second().add(sections::MSER, 1, 6, 9);
   for (int x = 1; x <= 9; ++x) {
     for (int t = 1; t <= 3; ++t) mser.set_f64(x, t, -(1000.0 * x + t));
   }
@@ -124,7 +124,6 @@ TEST(NodeMotion, NodeTransformAndTheSeventhDof) {
     a.history_cases({{2, 1, 2, 0, 0}});
     numbered_direct(a, 30, 2);
     a.node_records({{{1, 2, 3, 4, 5, 6, 7}, up}}, flag);
-    if (flag) a.writer().second().add("MTKM", 3, 2, 1);
     a.write();
     Kernel k;
     auto r = k.run(a.request(9, 1, 2)).values;
@@ -197,14 +196,14 @@ TEST(NodeMotion, SnapshotTakesColumnStepNoOfAOneColumnArray) {
 TEST(NodeMotion, EnvelopesWithTiesAndSkewSystems) {
   ArchiveFixture a;
   a.history_cases({{2, 1, 5, 0, 0}});
-  Section& s = a.writer().direct(1).add("DMED", 1, 10, 36);
+  Section& s = a.writer().direct(1).add(sections::DMED, 1, 10, 36);
   // Node 1, x (eq 1, record 3): 1 4 4 -2 -2 ; y (eq 2, record 6): 5 5 5 5 5.
   s.put_f64s(3, 0, std::vector<double>{1, 4, 4, -2, -2});
   s.put_f64s(6, 0, std::vector<double>{5, 5, 5, 5, 5});
   s.put_f64s(9, 0, std::vector<double>{0, 1, 2, 3, 4});
   a.node_records({{{1, 2, 3, 4, 5, 6}, {}}});
   // Skew system of node 1: x' = y, y' = -x, z' = z.
-  Section& nski = a.writer().second().add("NSKI", 3, 19, 1);
+  Section& nski = a.writer().second().add(sections::NSKI, 3, 19, 1);
   nski.put_i32(1, 0, 1);
   const double R[9] = {0, 1, 0, -1, 0, 0, 0, 0, 1};
   for (int i = 0; i < 9; ++i) nski.put_f64(1, 1 + 2 * i, R[i]);

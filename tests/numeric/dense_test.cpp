@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/diagnostics.hpp"
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 
 extern "C" {
 void dgetrf_(const int32_t* m, const int32_t* n, double* a, const int32_t* lda, int32_t* ipiv,

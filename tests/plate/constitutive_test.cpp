@@ -5,7 +5,7 @@
 #include <array>
 #include <cmath>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 
 namespace respcore {
 namespace {
@@ -398,8 +398,8 @@ MaterStf mater_stf(KernelState& K, int32_t mask) {
   r.d1.fill(-7.0);
   r.d2.fill(-7.0);
   r.ds.fill(-7.0);
-  PLATE_MATER_STF(plate_context(K), 0.0, ref(r.d1, "D1"), r.shearmod, ref(r.d2, "D2"), ref(r.ds),
-                  r.d2_mean, r.ds_mean, mask, 0);
+  PLATE_MATER_STF(plate_context(K), ref(r.d1, "D1"), r.shearmod, ref(r.d2, "D2"), ref(r.ds),
+                  r.d2_mean, r.ds_mean, mask);
   return r;
 }
 

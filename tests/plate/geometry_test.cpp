@@ -3,7 +3,7 @@
 #include <cmath>
 #include <vector>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "plate/plate_geometry.hpp"
 
 namespace respcore {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "recovery/shape_library.hpp"
 
 namespace respcore {
@@ -151,7 +151,7 @@ TEST(StressRecovery, SelectorsAndUnknownRules) {
   }
   // The axial selector: one point, weight 1 everywhere.
   double ax[3] = {};
-  STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double>(ax, 1, 3, "SHAPE"), 1, 3, 0);
+  STRESS_RECOVERY_SHAPE_AXIAL(MatRef<double>(ax, 1, 3, "SHAPE"), 1, 3);
   for (double x : ax) EXPECT_EQ(x, 1.0);
 }
 

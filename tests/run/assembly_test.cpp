@@ -2,7 +2,7 @@
 // against rows written out by hand, and the other request modes.
 #include <gtest/gtest.h>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "run/entry.hpp"
 
 namespace respcore {
@@ -23,7 +23,7 @@ std::vector<double> assemble(int32_t type, int32_t comp, int32_t mode, int32_t i
     for (int64_t c = 1; c <= ncols; ++c) T(r, c) = 1000.0 * r + c;
   }
   std::vector<double> out(static_cast<size_t>(history_size(type, comp, steps, items, mode)), -1.0);
-  assemble_history(K, T, VecRef<double>(out.data(), static_cast<int64_t>(out.size()), "TDSP_COMP"));
+  assemble_history(K.run, T, VecRef<double>(out.data(), static_cast<int64_t>(out.size()), "TDSP_COMP"));
   return out;
 }
 
@@ -83,7 +83,7 @@ TEST(Assembly, UnknownFamilyCopiesNothingInSnapshots) {
   K.run.REQUEST_MODE = 2;
   K.run.NUM_ITEMS = 2;
   Tdsp T("TDSP", 2);
-  assemble_history(K, T, VecRef<double>(out.data(), 4, "TDSP_COMP"));
+  assemble_history(K.run, T, VecRef<double>(out.data(), 4, "TDSP_COMP"));
   EXPECT_EQ(out, (std::vector<double>(4, -1.0)));
   EXPECT_EQ(history_size(0, 1, 1, 2, 2), 0);
 }

@@ -41,7 +41,7 @@ void small_truss_archive(ArchiveFixture& a, std::vector<double> truss) {
   EquationHistory h{{0, 0, 0}, {0, 0, 0}, {1, 2, 3}};
   a.direct_histories(1, {h, h, h}, 3);
   a.node_records({{{1, 2, 3, 0, 0, 0}, {}}});
-  a.writer().second().add_f64_rows("TRUS", 3, {truss});
+  a.writer().second().add_f64_rows(sections::TRUS, 3, {truss});
   a.write();
 }
 
@@ -124,10 +124,10 @@ TEST(BadInput, TruncatedAndCorruptFilesAtEveryLength) {
 TEST(BadInput, DirectoryEntriesPointingAnywhere) {
   ArchiveFixture a;
   a.history_cases({{2, 1, 3, 0, 0}});
-  a.writer().second().add_raw_entry("NDSP", 3, -5, 1LL << 40, -7);
-  a.writer().second().add_raw_entry("TRUS", 3, 2000000000, 2000000000, 1 << 30);
-  a.writer().first().add_raw_entry("IASI", 4, 1, 1, 1 << 29);
-  a.writer().direct(1).add_raw_entry("DMED", 1, 3, 1, 2147483647);
+  a.writer().second().add_raw_entry(sections::NDSP, 3, -5, 1LL << 40, -7);
+  a.writer().second().add_raw_entry(sections::TRUS, 3, 2000000000, 2000000000, 1 << 30);
+  a.writer().first().add_raw_entry(sections::IASI, 4, 1, 1, 1 << 29);
+  a.writer().direct(1).add_raw_entry(sections::DMED, 1, 3, 1, 2147483647);
   a.write();
   Kernel k;
   guarded(k, a.request(9, 1, 3));

@@ -5,7 +5,7 @@
 
 #include <cstdlib>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "respcore/respcore.h"
 #include "support/archive_fixture.hpp"
 

@@ -8,7 +8,7 @@
 #include <cmath>
 
 #include "continuum/interpolation.hpp"
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "respcore/respcore.h"
 #include "solid/solid_high_matrices.hpp"
 #include "solid_support.hpp"
@@ -44,10 +44,10 @@ struct HighModel {
 
   void write(const Field& u, int nsteps) {
     model.write_common(a, u, nsteps);
-    a.writer().second().add_f64_rows("PSOH", 3, records);
+    a.writer().second().add_f64_rows(sections::PSOH, 3, records);
     std::vector<std::vector<double>> cord;
     for (const V3& x : model.nodes) cord.push_back({x[0], x[1], x[2]});
-    a.writer().second().add_f64_rows("CORD", 3, cord);
+    a.writer().second().add_f64_rows(sections::CORD, 3, cord);
     a.write();
   }
 
@@ -430,9 +430,9 @@ TEST(SolBMatHigh, MatchesTheKitAndReportsAnInvertedElement) {
     MatRef<double> XL(xl, 3, nn, "XL");
     double b1[6 * 69] = {}, b2[6 * 69] = {}, c1[69] = {}, c2[69] = {}, sh[23], gp[3];
     double det1 = 0, det2 = 0;
-    SOL_B_MAT_HIGH(K, MatRef<double>(b1, 6, 60, "B"), MatRef<double>(c1, 3, 20, "CARTD"), det1, 0.2,
+    SOL_B_MAT_HIGH(K.diag, MatRef<double>(b1, 6, 60, "B"), MatRef<double>(c1, 3, 20, "CARTD"), det1, 0.2,
                    0.25, 0.1, XL, nn);
-    B_BUB(K.diag, K.run.CURRENT_ELEM, K.continuum.PLANE_TYPE, MatRef<double>(b2, 6, 69, "B"), det2,
+    B_BUB(K.diag, 0, K.continuum.PLANE_TYPE, MatRef<double>(b2, 6, 69, "B"), det2,
           MatRef<double>(c2, 3, 23, "CARTD"), VecRef<double>(sh, 23, "SHAPE"),
           VecRef<double>(gp, 3, "GPCOD"), 0.2, 0.25, 0.1, XL, nn, 3, 6, 0, 0);
     EXPECT_NEAR(det1, det2, 1e-12 * std::fabs(det2));
@@ -449,7 +449,7 @@ TEST(SolBMatHigh, MatchesTheKitAndReportsAnInvertedElement) {
     xl[3 * k + 2] = nat[static_cast<size_t>(k)][2];
   }
   double b[6 * 24], c[24], det = 0;
-  SOL_B_MAT_HIGH(K, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1, 0.2,
+  SOL_B_MAT_HIGH(K.diag, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1, 0.2,
                  0.3, MatRef<double>(xl, 3, 8, "XL"), 8);
   EXPECT_LT(det, 0.0);
   EXPECT_EQ(K.diag.messages,
@@ -459,7 +459,7 @@ TEST(SolBMatHigh, MatchesTheKitAndReportsAnInvertedElement) {
   // without coordinates) is neither, and passes without a word.
   K.diag.messages.clear();
   xl[0] = std::nan("");
-  SOL_B_MAT_HIGH(K, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1, 0.2,
+  SOL_B_MAT_HIGH(K.diag, MatRef<double>(b, 6, 24, "B"), MatRef<double>(c, 3, 8, "CARTD"), det, 0.1, 0.2,
                  0.3, MatRef<double>(xl, 3, 8, "XL"), 8);
   EXPECT_TRUE(std::isnan(det));
   EXPECT_EQ(K.diag.messages, "");
@@ -484,7 +484,8 @@ TEST(SolStf, StiffnessIsSymmetricAndItsEnergyIsTheVolumeTimesTheEnergyDensity) {
     for (int i = 0; i < 3; ++i)
       for (int j = 0; j < 3; ++j) T(i + 1, j + 1) = pl.Q[j][i];
     Mat<double> S("S", 60, 60), W("WORK", 60, 60);
-    SOL_STF(K, S.ref(), W.ref(), 60, nn, XYZ.ref(), T.ref());
+    SolidContext C = K.solids();
+    SOL_STF(C, 1, S.ref(), W.ref(), 60, nn, XYZ.ref(), T.ref());
     for (int i = 1; i <= 3 * nn; ++i)
       for (int j = 1; j <= 3 * nn; ++j)
         EXPECT_NEAR(S(i, j), S(j, i), 1e-9 * (1 + std::fabs(S(i, j))))

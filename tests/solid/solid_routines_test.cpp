@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "core/kernel_state.hpp"
+#include "run/kernel_state.hpp"
 #include "plane/panel_axes.hpp"
 #include "solid/solid_tensors.hpp"
 #include "solid_support.hpp"
@@ -143,10 +143,11 @@ TEST(SolidStrainTime, InverseIsBuiltAtTheFirstStepAndKeptForTheElement) {
   K.ELEM_MATERIAL.MAT_YOUNG = 1000;
   K.ELEM_MATERIAL.MAT_POISSON = 0.2;
   K.ELEM_MATERIAL.MAT_TYPE = 0;
+  SolidContext C = K.solids();
   double s[12] = {10, 0, 0, 0, 0, 0, 0, 0, 0, 4, 0, 0};
   double e[12] = {};
   int32_t first = 1;
-  SOLID_STRAIN_TIME(K, 1, first, VecRef<double>(s, 12, "STRESS"), VecRef<double>(e, 12, "STRAIN"));
+  SOLID_STRAIN_TIME(C, 1, first, VecRef<double>(s, 12, "STRESS"), VecRef<double>(e, 12, "STRAIN"));
   EXPECT_EQ(first, 0);
   EXPECT_NEAR(e[0], 0.01, 1e-15);
   EXPECT_NEAR(e[1], -0.002, 1e-15);
@@ -154,7 +155,7 @@ TEST(SolidStrainTime, InverseIsBuiltAtTheFirstStepAndKeptForTheElement) {
   EXPECT_NEAR(e[9], 4 * 2 * 1.2 / 1000, 1e-15);  // gamma = tau / G
   // A later step of the same element keeps the inverse.
   K.ELEM_MATERIAL.MAT_YOUNG = 1.0;
-  SOLID_STRAIN_TIME(K, 1, first, VecRef<double>(s, 12, "STRESS"), VecRef<double>(e, 12, "STRAIN"));
+  SOLID_STRAIN_TIME(C, 1, first, VecRef<double>(s, 12, "STRESS"), VecRef<double>(e, 12, "STRAIN"));
   EXPECT_NEAR(e[0], 0.01, 1e-15);
 }
 

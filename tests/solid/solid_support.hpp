@@ -223,16 +223,15 @@ struct SolidModel {
       }
     }
     a.direct_histories(1, eqs, nsteps);
-    Section& elmt = a.writer().second().add("ELMT", 3, 1, static_cast<int64_t>(element_material.size()));
-    for (size_t e = 0; e < element_material.size(); ++e)
-      elmt.put_i32(static_cast<int64_t>(e) + 1, 0, element_material[e]);
-    std::vector<std::vector<double>> mats;
+    std::vector<std::vector<int32_t>> table;
+    for (const int m : element_material) table.push_back({m});
+    a.writer().element_table(table);
+    std::vector<MaterialRecord> mats;
     for (size_t m = 0; m < materials.size(); ++m) {
-      std::vector<double> r = {double(m + 1), materials[m].E, materials[m].nu, double(materials[m].type)};
-      for (double v : materials[m].vals) r.push_back(v);
-      mats.push_back(r);
+      const Material& x = materials[m];
+      mats.push_back({static_cast<int32_t>(m + 1), x.E, x.nu, x.type, x.vals});
     }
-    a.writer().second().add_f64_rows("MATL", 3, mats, 13);
+    a.writer().materials(mats);
   }
 };
 

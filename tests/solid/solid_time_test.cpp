@@ -194,15 +194,14 @@ std::vector<double> solid_record(int nn, const std::vector<V3>& xl, const M3& Q,
     }
   }
 
-  std::vector<double> rec(3805, 0.0);
-  for (int i = 0; i < ndof; ++i) rec[static_cast<size_t>(i)] = eqs[static_cast<size_t>(i)];
-  for (int i = 0; i < nr * ndof; ++i) rec[static_cast<size_t>(ndof + i)] = strs[static_cast<size_t>(i)];
-  rec[3792] = ndof;
-  rec[3793] = nr;
-  rec[3795] = nn;
+  SolidRecord rec;
+  rec.lm.assign(eqs.begin(), eqs.end());
+  rec.nr = nr;
+  rec.strs = strs;
+  rec.nn = nn;
   for (int I = 0; I < 3; ++I)
-    for (int J = 0; J < 3; ++J) rec[static_cast<size_t>(3796 + 3 * I + J)] = Q[I][J];
-  return rec;
+    for (int J = 0; J < 3; ++J) rec.axes[I][J] = Q[I][J];
+  return rec.words();
 }
 
 // One or more low-order solids in one archive; element e uses nodes
@@ -234,7 +233,7 @@ struct LowModel {
 
   void write(const Field& u, int nsteps) {
     model.write_common(a, u, nsteps);
-    a.writer().second().add_f64_rows("SOLD", 3, records);
+    a.writer().second().add_f64_rows(sections::SOLD, 3, records);
     a.write();
   }
 
@@ -413,7 +412,7 @@ TEST(SolidTime, CentrePassesThroughAndNodesExtrapolateTheStoredPoints) {
     model.element_material = {1};
     model.nodes = place(nat, nn, pl);
     model.write_common(a, [](const V3&, int s) { return V3{0.5 * s, 0, 0}; }, 2);
-    a.writer().second().add_f64_rows("SOLD", 3, {rec});
+    a.writer().second().add_f64_rows(sections::SOLD, 3, {rec});
     a.write();
     Kernel k;
     const auto rows = all_rows(k, a.request(4, 1, 2), 24 + 6 * (nn + 1));
@@ -499,7 +498,7 @@ TEST(SolidTime, OversizedRecordsAreBoundFailuresAndDoNotStopTheRun) {
     rec[3792] = ndof;
     rec[3793] = nr;
     rec[3795] = 4;
-    a.writer().second().add_f64_rows("SOLD", 3, {rec});
+    a.writer().second().add_f64_rows(sections::SOLD, 3, {rec});
     a.write();
     Kernel k;
     Request r = a.request(4, 25, 2);
@@ -553,9 +552,9 @@ TEST(SolidTime, SecondElementFormReadsTheRecordsOfSerialFour) {
   rec[12 + 24] = 1000.0;  // centre xx from dof 1 (x of node 1)
   std::vector<double> decoy = rec;
   decoy[12 + 24] = -7.0;
-  a.writer().second().add_f64_rows("SOLD", 3, {decoy});
-  a.writer().second().add_f64_rows("SOLD", 4, {rec});
-  a.writer().first().add("THLG", 1, 1, 1).put_i32(1, 0, 2);
+  a.writer().second().add_f64_rows(sections::SOLD, 3, {decoy});
+  a.writer().second().add_f64_rows(sections::SOLD, 4, {rec});
+  a.writer().first().add(sections::THLG, 1, 1, 1).put_i32(1, 0, 2);
   a.write();
   Kernel k;
   Request r = a.request(4, 25, 1);

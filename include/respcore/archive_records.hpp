@@ -1,0 +1,169 @@
+// The records of the sections the kernel reads, as values: what a writer
+// fills in, and the words each becomes in the archive. ArchiveWriter's typed
+// writers (archive_writer.hpp) lay them into their sections; words() gives
+// the raw record for a test that wants to spoil one before writing it.
+//
+// Integers that the kernel reads from element records are stored as doubles;
+// the equation and node numbers here are doubles for that reason, so that a
+// writer can also store values that are not whole.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "respcore/export.hpp"
+
+namespace respcore {
+
+// THIF: one history case. Storage 1 keeps the case as modal coordinates of
+// modal set SET_OR_FILE; 2 and 3 as direct histories in direct file
+// SET_OR_FILE.
+struct HistoryCase {
+  int32_t storage = 2;
+  int32_t set_or_file = 1;
+  int32_t stored_steps = 0;
+  int32_t modes = 0;
+  int32_t spare = 0;
+};
+
+// NDSP: a node's equation numbers (six, or seven with the seventh dof) and
+// the upper triangle of its 6 by 6 transform, row by row (empty: identity).
+struct NodeTransform {
+  std::vector<double> equations;
+  std::vector<double> upper;
+};
+
+// The 21 values of the identity's upper triangle.
+RESPCORE_API std::vector<double> identity_upper();
+
+// DMED (and MSER): the three histories of one equation, one value per stored
+// step. A history shorter than the record leaves the rest zero.
+struct EquationHistory {
+  std::vector<double> acc, vel, disp;
+};
+
+// MDSP and MSHP: modal coordinates COORDS[m][s] = {displacement, velocity,
+// acceleration} of mode m at stored step s, and SHAPES[e][m], the value of
+// mode m at equation e (equations from 1).
+struct ModalHistory {
+  std::vector<std::vector<std::array<double, 3>>> coords;
+  std::vector<std::vector<double>> shapes;
+};
+
+// TRUS: 63 doubles. LM the NDOF equation numbers; STRS(NSTR, NDOF) by
+// columns, rows 1 and 2 the end forces per unit displacement, rows 3 and 4 of
+// column 1 the factors from force to stress; SCALE the force factor (a
+// negative one marks an extended record under the tag "H.N.Q").
+struct TrussRecord {
+  static constexpr int32_t kWords = 63;
+  std::vector<double> lm;
+  int32_t nstr = 4;
+  std::vector<double> strs;
+  double scale = 1.0;
+  RESPCORE_API std::vector<double> words() const;
+};
+
+// EMBT: the extended truss record, 1245 doubles: the record of a truss
+// between the NA + NB nodes of NODES (NA of them first), with its factor at
+// word 1245.
+struct ExtendedTrussRecord {
+  static constexpr int32_t kWords = 1245;
+  TrussRecord truss;
+  std::vector<double> nodes_a, nodes_b;
+  double factor = 1.0;
+  RESPCORE_API std::vector<double> words() const;
+};
+
+// BEAM: 327 doubles. STRS holds NROW values per column, NEQ columns, behind
+// the NEQ equation numbers; the node pair follows the matrix; NEQ and NROW are
+// the two digits behind the decimal point of words 325 and 326 (whose
+// integer parts are the node numbers when the record is full); word 327 is
+// the element factor.
+struct BeamRecord {
+  static constexpr int32_t kWords = 327;
+  int32_t neq = 12;
+  int32_t nrow = 26;
+  std::vector<double> lm;
+  std::vector<double> strs;
+  double node_i = 1.0;
+  double node_j = 2.0;
+  double factor = 1.0;
+  RESPCORE_API std::vector<double> words() const;
+};
+
+// WBMM: 1053 doubles, laid out as the beam record with the scale words A and
+// B behind the node pair and the counts in words 1051 and 1052.
+struct WallBeamRecord {
+  static constexpr int32_t kWords = 1053;
+  int32_t neq = 14;
+  int32_t nrow = 72;
+  std::vector<double> lm;
+  std::vector<double> strs;
+  double node_i = 1.0;
+  double node_j = 2.0;
+  double a = 1.0;
+  double b = 1.0;
+  RESPCORE_API std::vector<double> words() const;
+};
+
+// SOLD: 3805 doubles. LM the NDOF equation numbers (at most 48), STRS(NR,
+// NDOF) by columns behind them (rows 1..24 nodal forces, then six stresses
+// per point), NN the node count and AXES[i][j] the element axis matrix T(i,j)
+// (its columns the element axes in global components).
+struct SolidRecord {
+  static constexpr int32_t kWords = 3805;
+  std::vector<double> lm;
+  int32_t nr = 0;
+  std::vector<double> strs;
+  int32_t nn = 0;
+  std::array<std::array<double, 3>, 3> axes{};
+  RESPCORE_API std::vector<double> words() const;
+};
+
+// PSOH: 90 doubles: the node count, up to 20 node numbers (records of the
+// node coordinates), three equation numbers per node and the nine material
+// values that stand in for those of the material table.
+struct SolidHighRecord {
+  static constexpr int32_t kWords = 90;
+  std::vector<double> nodes;
+  std::vector<double> equations;
+  std::array<double, 9> mat_vals{};
+  RESPCORE_API std::vector<double> words() const;
+};
+
+// MATL: 13 doubles: the material number, Young's modulus, Poisson's ratio,
+// the type flag (1 orthotropic) and nine further values.
+struct MaterialRecord {
+  int32_t number = 1;
+  double young = 0.0;
+  double poisson = 0.0;
+  int32_t type = 0;
+  std::array<double, 9> vals{};
+};
+
+// GRMT: of one case, GROUND[d][q] the history of direction d = x, y, z and
+// quantity q = acceleration, velocity, displacement.
+using GroundMotion = std::array<std::array<std::vector<double>, 3>, 3>;
+
+// MSES and MSER: the support motion of one case, one (node, component) row
+// and one displacement history per supported dof.
+struct SupportMotion {
+  std::vector<std::array<int32_t, 2>> rows;
+  std::vector<EquationHistory> histories;
+};
+
+// IASE: one entry of the list of elements activated during a case.
+struct InactiveEntry {
+  int32_t spare = 0;
+  int32_t kind = 1;  // 1 truss, 2 beam, 41 wall beam
+  int32_t element = 0;
+};
+
+// NSKI: a node with a skew system, its matrix row by row.
+struct SkewSystem {
+  int32_t node = 0;
+  std::array<double, 9> matrix{};
+};
+
+}  // namespace respcore

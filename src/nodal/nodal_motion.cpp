@@ -1,0 +1,354 @@
+#include "nodal/nodal_motion.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace respcore {
+
+namespace {
+
+// Index, in its section, of the record of quantity Q of equation E. An
+// equation's three records hold its acceleration, velocity and displacement,
+// so the quantity picks record 3E + 1 - Q. With support motion the direct
+// file is addressed by another rule: 3E, 2E and E for the three quantities.
+int64_t record_index(Quantity q, bool support, int64_t e) {
+  const auto k = static_cast<int64_t>(q);
+  return support ? (4 - k) * e : 3 * e + 1 - k;
+}
+
+// INDX_NF: 1 for each mode that takes part. A MODE_NO within 1..NUM_MODES
+// selects that mode alone; any other value selects all.
+void select_modes(const RunContext& R, Vec<int32_t>& INDX_NF) {
+  INDX_NF.resize(R.NUM_MODES);
+  if (R.MODE_NO >= 1 && R.MODE_NO <= R.NUM_MODES) {
+    INDX_NF.fill(0);
+    INDX_NF(R.MODE_NO) = 1;
+  } else {
+    INDX_NF.fill(1);
+  }
+}
+
+// The modal coordinates (mode, step, quantity) of the selected modes from
+// MDSP: with ALL_STEPS steps 1..NUM_STEPS into steps 1..NUM_STEPS, otherwise
+// the record of STEP_NO into step 1. The records of a mode are read in one go
+// and kept for the call.
+void read_modal_coordinates(NodalMotion& M, const SectionRef& mdsp, Arr3<double>& coords,
+                            bool all_steps) {
+  const RunContext& R = M.run;
+  Vec<int32_t> INDX_NF("INDX_NF");
+  select_modes(R, INDX_NF);
+  coords.fill(0.0);
+  const int64_t nss = R.NUM_STORED_STEPS;
+  const int64_t count = all_steps ? std::max<int64_t>(R.NUM_STEPS, 0) : 1;
+  MatRef<double> C[3] = {coords.plane(1), coords.plane(2), coords.plane(3)};
+  for (int64_t m = 1; m <= R.NUM_MODES; ++m) {
+    if (INDX_NF(m) != 1) continue;
+    const int64_t index = ((int64_t{R.MODAL_SET} - 1) * R.NUM_MODES + m) * nss - nss +
+                          (all_steps ? 1 : R.STEP_NO);
+    // The same block of records serves every element of the call.
+    auto& block = M.state.modal_blocks[{index, count}];
+    if (block.ok.empty() && count > 0) {
+      block.values.assign(static_cast<size_t>(3 * count), 0.0);
+      M.archive.read_run(mdsp, index, count, 24, block.values.data(), block.ok);
+    }
+    auto put = [&](auto c1, auto c2, auto c3) {
+      for (int64_t s = 1; s <= count; ++s) {
+        if (!block.ok[static_cast<size_t>(s - 1)]) continue;
+        const double* v = block.values.data() + 3 * (s - 1);
+        c1(m, s) = v[0];
+        c2(m, s) = v[1];
+        c3(m, s) = v[2];
+      }
+    };
+    if (C[0].holds(m, count))
+      put(C[0].raw(), C[1].raw(), C[2].raw());
+    else
+      put(C[0], C[1], C[2]);
+  }
+}
+
+// OUT(i, j) := sum over m = 1..NM of MODE(i, m) * C(m, j), for i = 1..NROWS and
+// j = 1..NCOLS, summed from zero in mode order.
+template <class Out, class Mode, class Coord>
+void modal_sum(Out OUT, Mode MODE, Coord C, int64_t nrows, int64_t ncols, int64_t nm) {
+  for (int64_t j = 1; j <= ncols; ++j) {
+    for (int64_t i = 1; i <= nrows; ++i) {
+      double sum = 0.0;
+      for (int64_t m = 1; m <= nm; ++m) sum += MODE(i, m) * C(m, j);
+      OUT(i, j) = sum;
+    }
+  }
+}
+
+// The same, unchecked when every subscript lies within the arrays.
+void modal_sum(MatRef<double> OUT, Mat<double>& MODE, MatRef<double> C, int64_t nrows,
+               int64_t ncols) {
+  const int64_t nm = MODE.cols();
+  if (OUT.holds(nrows, ncols) && MODE.ref().holds(nrows, nm) && C.holds(nm, ncols))
+    modal_sum(OUT.raw(), MODE.raw(), C.raw(), nrows, ncols, nm);
+  else
+    modal_sum(OUT, MODE.ref(), C, nrows, ncols, nm);
+}
+
+// The support-motion index of the case (MSES) into ISER, made with the row
+// count on its first use in a call. Returns the row count.
+int64_t read_support_index(NodalMotion& M) {
+  const SectionRef mses = M.archive.find(sections::MSES, M.run.HIST_CASE);
+  const int64_t nrows = mses.nrec;
+  Mat<int32_t>& ISER = M.state.ISER;
+  if (!M.state.ISER_made) {
+    ISER.resize(2, nrows);
+    M.state.ISER_made = true;
+  }
+  // Rows past the end of the file cannot be read, whatever the count says.
+  const int64_t readable = std::min(nrows, M.archive.readable(mses, 8));
+  for (int64_t r = 1; r <= readable; ++r) {
+    int32_t pair[2];
+    if (!M.archive.read(mses, r, pair, 8)) continue;
+    ISER(1, r) = pair[0];
+    ISER(2, r) = pair[1];
+  }
+  return nrows;
+}
+
+// The first row of the support-motion index with NODE and component C, or 0.
+int64_t find_support_row(Mat<int32_t>& ISER, int64_t nrows, int32_t node, int32_t c) {
+  for (int64_t r = 1; r <= nrows; ++r) {
+    if (ISER(1, r) == node && ISER(2, r) == c) return r;
+  }
+  return 0;
+}
+
+}  // namespace
+
+NodeRecord NodalMotion::node_transform(const SectionRef& ndsp, int64_t node, int32_t K) {
+  Vec<double>& TEMP = state.TEMP;
+  archive.read_f64(ndsp, node, TEMP.ref(), K + 21);
+  NodeRecord rec;
+  for (int32_t i = 1; i <= K; ++i) rec.LM[i - 1] = trunc_i32(TEMP(i));
+  int32_t next = K + 1;
+  for (int i = 0; i < 6; ++i) {
+    for (int j = i; j < 6; ++j) rec.T[i][j] = TEMP(next++);
+  }
+  return rec;
+}
+
+MotionFetch::MotionFetch(NodalMotion& M, Quantity q, StepColumns cols, bool support,
+                         StepWork& work, MatRef<double> OUT, int64_t mode_rows, int64_t sum_rows)
+    : M_(M), R_(M.run), q_(q), cols_(cols), support_(support), work_(&work), out_(OUT),
+      sum_rows_(sum_rows) {
+  prepare(mode_rows);
+}
+
+MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t sum_rows,
+                         HistorySink sink)
+    : M_(M), R_(M.run), q_(q), cols_(StepColumns::AllSteps), support_(support),
+      sum_rows_(sum_rows), sink_(std::move(sink)) {
+  prepare(7);
+}
+
+void MotionFetch::prepare(int64_t mode_rows) {
+  nsteps_ = std::max<int64_t>(R_.NUM_STEPS, 0);
+  ArchiveReader A = M_.archive;
+  if (R_.HIST_STORE == 1) {
+    storage_ = Storage::Modal;
+    coords_ = Arr3<double>("MODAL_COORD", R_.NUM_MODES, R_.NUM_STORED_STEPS, 3);
+    mode_values_ = Mat<double>("MODE_VALS", mode_rows, R_.NUM_MODES);
+    const SectionRef mdsp = A.find(sections::MDSP, 3);
+    read_modal_coordinates(M_, mdsp, coords_, cols_ != StepColumns::OneStep);
+    mshp_ = A.find(sections::MSHP, 3);
+    mode_row_.assign(static_cast<size_t>(std::max(R_.NUM_MODES, 0)), 0.0);
+  } else if (R_.HIST_STORE == 2) {
+    storage_ = Storage::Direct;
+    if (support_) {
+      support_rows_ = read_support_index(M_);
+      mser_ = A.find(sections::MSER, R_.HIST_CASE);
+    }
+    dmed_ = A.find_direct(sections::DMED, 1, R_.DIRECT_FILE_NO);
+    if (sink_ == nullptr) {
+      if (cols_ == StepColumns::AllSteps)
+        read_rows_.assign(static_cast<size_t>(std::max<int64_t>(out_.rows(), 0)), 0);
+      else
+        out_.fill(0.0);
+    }
+  }
+}
+
+void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp) {
+  if (storage_ == Storage::Modal) {
+    if (equation <= 0) return;
+    const int64_t nm = static_cast<int64_t>(mode_row_.size());
+    if (!M_.archive.read(mshp_, equation, mode_row_.data(), int64_t{R_.NUM_MODES} * 8)) return;
+    MatRef<double> MV = mode_values_.ref();
+    auto copy = [&](auto V) {
+      for (int64_t m = 1; m <= nm; ++m) V(row, m) = mode_row_[static_cast<size_t>(m - 1)];
+    };
+    if (row >= 1 && MV.holds(row, nm))
+      copy(MV.raw());
+    else
+      copy(MV);
+    return;
+  }
+  if (storage_ != Storage::Direct) {
+    deliver_nothing(row);
+    return;
+  }
+  if (support_ && equation == 0 && comp <= 3) {
+    const int64_t r = find_support_row(M_.state.ISER, support_rows_, node, comp);
+    if (r > 0)
+      deliver(mser_, record_index(q_, false, r), row);
+    else
+      deliver_nothing(row);
+  } else if (equation > 0) {
+    deliver(dmed_, record_index(q_, support_, equation), row);
+  } else {
+    deliver_nothing(row);
+  }
+}
+
+void MotionFetch::deliver_nothing(int64_t row) {
+  if (sink_ == nullptr) return;
+  auto& buf = M_.state.HIST;
+  buf.resize(static_cast<size_t>(nsteps_));
+  std::fill(buf.begin(), buf.end(), 0.0);
+  sink_(row, buf.data());
+}
+
+void MotionFetch::deliver(const SectionRef& s, int64_t index, int64_t row) {
+  ArchiveReader A = M_.archive;
+  const int64_t n = nsteps_;
+  if (sink_ != nullptr) {
+    auto& buf = M_.state.HIST;
+    buf.resize(static_cast<size_t>(n));
+    if (!A.read(s, index, buf.data(), n * 8)) std::fill(buf.begin(), buf.end(), 0.0);
+    sink_(row, buf.data());
+    return;
+  }
+  switch (cols_) {
+    case StepColumns::AllSteps: {
+      if (row >= 1 && row <= out_.rows() && n == out_.cols() && n > 0) {
+        // The history lands in row ROW of the by-dof buffer.
+        auto& buf = M_.state.row_buffer;
+        if (static_cast<int64_t>(buf.size()) < row * n)
+          buf.resize(static_cast<size_t>(checked_count(sizeof(double), row, n)));
+        if (A.read(s, index, buf.data() + (row - 1) * n, n * 8)) {
+          read_rows_[static_cast<size_t>(row - 1)] = 1;
+          last_row_ = std::max(last_row_, row);
+        }
+        return;
+      }
+      // A row outside OUT: the read is made, and its values are bound failures.
+      std::vector<double> h(static_cast<size_t>(n));
+      if (!A.read(s, index, h.data(), n * 8)) return;
+      for (int64_t j = 1; j <= n; ++j) out_(row, j) = h[static_cast<size_t>(j - 1)];
+      return;
+    }
+    case StepColumns::OneStep: {
+      StepWork& W = *work_;
+      double v = 0.0;
+      if (W.step >= 1 && A.read_f64_at(s, index, W.step * 8, (W.step - 1) * 8, v)) W.last = v;
+      double value = W.last;
+      if (W.step < 1) {
+        report_bound_failure("DTEMP", W.step, 1, W.step);
+        value = 0.0;
+      }
+      out_(row, 1) = value;
+      return;
+    }
+    case StepColumns::Extremes: {
+      StepWork& W = *work_;
+      auto& buf = M_.state.row_buffer;
+      buf.resize(static_cast<size_t>(n));
+      if (A.read(s, index, buf.data(), n * 8) && n > 0) {
+        std::memcpy(W.DTEMP.data(), buf.data(), static_cast<size_t>(n) * sizeof(double));
+      }
+      out_(row, 1) = W.DTEMP(W.smax);
+      out_(row, 2) = W.DTEMP(W.smin);
+      return;
+    }
+  }
+}
+
+void MotionFetch::finish() {
+  if (storage_ == Storage::Modal)
+    finish_modal();
+  else if (storage_ == Storage::Direct && sink_ == nullptr && cols_ == StepColumns::AllSteps)
+    finish_columns();
+}
+
+void MotionFetch::close_direct_file() {
+  if (storage_ == Storage::Direct) M_.archive.close(dmed_);
+}
+
+void MotionFetch::finish_modal() {
+  const int64_t nm = mode_values_.cols();
+  const auto k = static_cast<int64_t>(q_);
+  MatRef<double> C = coords_.plane(k);
+  if (sink_ != nullptr) {
+    const int64_t n = nsteps_;
+    auto& buf = M_.state.HIST;
+    buf.resize(static_cast<size_t>(n));
+    if (C.holds(nm, n) && mode_values_.ref().holds(sum_rows_, nm)) {
+      const int64_t ld = mode_values_.rows();
+      for (int64_t i = 1; i <= sum_rows_; ++i) {
+        // Row I of the modal sum, formed straight into the buffer.
+        modal_sum(RawMat<double>(buf.data(), 1), RawMat<double>(mode_values_.data() + (i - 1), ld),
+                  C.raw(), 1, n, nm);
+        sink_(i, buf.data());
+      }
+      return;
+    }
+    // Steps beyond the stored ones: the checked sum, with its reports.
+    Mat<double> DISP_EQ("DISP_EQ", mode_values_.rows(), n);
+    modal_sum(DISP_EQ.ref(), mode_values_, C, sum_rows_, n);
+    for (int64_t i = 1; i <= sum_rows_; ++i) {
+      for (int64_t s = 1; s <= n; ++s) buf[static_cast<size_t>(s - 1)] = DISP_EQ(i, s);
+      sink_(i, buf.data());
+    }
+    return;
+  }
+  out_.fill(0.0);
+  if (cols_ == StepColumns::Extremes) {
+    const StepWork& W = *work_;
+    for (int64_t i = 1; i <= sum_rows_; ++i) {
+      double smx = 0.0, smn = 0.0;
+      for (int64_t m = 1; m <= nm; ++m) {
+        smx += mode_values_(i, m) * C(m, W.smax);
+        smn += mode_values_(i, m) * C(m, W.smin);
+      }
+      out_(i, 1) = smx;
+      out_(i, 2) = smn;
+    }
+    return;
+  }
+  modal_sum(out_, mode_values_, C, sum_rows_, nsteps_);
+}
+
+void MotionFetch::finish_columns() {
+  const int64_t n = nsteps_;
+  const int64_t ld = out_.rows();
+  if (last_row_ < ld) out_.fill(0.0);
+  if (last_row_ == 0) return;
+  // Rows not read are zero.
+  auto& buf = M_.state.row_buffer;
+  for (int64_t r = 1; r <= last_row_; ++r) {
+    if (!read_rows_[static_cast<size_t>(r - 1)]) {
+      std::fill(buf.begin() + (r - 1) * n, buf.begin() + r * n, 0.0);
+    }
+  }
+  // Square tiles keep both the rows read and the columns written in cache.
+  constexpr int64_t kTile = 16;
+  for (int64_t s0 = 0; s0 < n; s0 += kTile) {
+    const int64_t s1 = std::min(n, s0 + kTile);
+    for (int64_t i0 = 0; i0 < last_row_; i0 += kTile) {
+      const int64_t i1 = std::min(last_row_, i0 + kTile);
+      for (int64_t s = s0; s < s1; ++s) {
+        double* dst = out_.data() + s * ld;
+        const double* src = buf.data() + s;
+        for (int64_t i = i0; i < i1; ++i) dst[i] = src[i * n];
+      }
+    }
+  }
+}
+
+}  // namespace respcore
