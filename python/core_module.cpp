@@ -333,6 +333,26 @@ class Archive {
     return a;
   }
 
+  // The directory of each file of the archive, read now: (path, role,
+  // exists, form, file code, blocks, size, problem, sections), each section
+  // (tag, serial, first, last, reclen, records).
+  py::list sections() {
+    const ArchiveInspection a = released([&] { return inspect_archive(base_, view_.files.product_tag); });
+    py::list files;
+    for (const FileInspection& f : a.files) {
+      const std::string role = f.kind == ArchiveFileKind::First    ? "first file"
+                               : f.kind == ArchiveFileKind::Second ? "second file"
+                                                                   : "direct file " + std::to_string(f.direct_no);
+      py::list list;
+      for (const SectionInfo& e : f.sections) {
+        list.append(py::make_tuple(e.tag, e.serial, e.first, e.last, e.reclen, e.records()));
+      }
+      files.append(py::make_tuple(f.path, role, f.exists, f.form == DirectoryForm::Wide ? "64-bit" : "plain",
+                                  f.file_code, f.blocks, f.size, f.problem, list));
+    }
+    return files;
+  }
+
   // The geometry records: node coordinates (nodes x 3) and, per element
   // family, (name, serials, node counts, nodes as elements x most nodes).
   py::tuple mesh_records(int hist_case) {
@@ -527,6 +547,7 @@ PYBIND11_MODULE(_core, m) {
            py::kw_only(), py::arg("case") = 1, py::arg("steps") = py::none(), py::arg("mode") = py::none(),
            py::arg("axes") = "local", "Many items over the steps: items x steps, one history a row.")
       .def("_mesh_records", &Archive::mesh_records, py::arg("case") = 1)
+      .def("_sections", &Archive::sections)
       .def("items", &Archive::items, py::arg("family"), py::arg("items"), py::arg("case") = 1,
            "The items named, checked against the family's section: rows of (serial, number).")
       .def("envelope", &Archive::envelope, py::arg("family"), py::arg("items"), py::arg("comp"),

@@ -22,7 +22,7 @@ from collections import namedtuple
 from . import _core
 from ._core import ArchiveError, Envelope, points, write_demo
 
-__all__ = ["Archive", "ArchiveError", "Envelope", "Component", "Components", "Family",
+__all__ = ["Archive", "ArchiveError", "ArchiveFile", "Envelope", "Component", "Components", "Family", "Section",
            "families", "family", "components", "points", "write_demo"]
 
 Family = namedtuple("Family", "number name description section node")
@@ -34,6 +34,16 @@ Component.__doc__ = "A component: the number the kernel takes, its name and what
 Components = namedtuple("Components", "history snapshot")
 Components.__doc__ = ("The components of a family: the result rows a history returns, and the "
                       "selectors of a snapshot, each of which gives a value at every point.")
+
+
+ArchiveFile = namedtuple("ArchiveFile", "path role exists form file_code blocks size problem sections")
+ArchiveFile.__doc__ = ("One file of an archive and its directory: ROLE 'first file', 'second file' or "
+                       "'direct file N'; FORM 'plain' or '64-bit'; PROBLEM empty when the file and its "
+                       "directory are sound; SECTIONS in directory order, the directory's own entry first.")
+
+Section = namedtuple("Section", "tag serial first last reclen records")
+Section.__doc__ = ("A directory entry: tag and serial, the first and last record in units of the "
+                   "section's record length RECLEN (4-byte words), and the number of records.")
 
 
 def families():
@@ -76,6 +86,10 @@ class Archive(_core.Archive):
     def components(self, family):
         """The component names of a family (name or number)."""
         return components(family)
+
+    def sections(self):
+        """The directory of every file of the archive, as it stands now (ArchiveFile list)."""
+        return [ArchiveFile(*f[:-1], [Section(*e) for e in f[-1]]) for f in self._sections()]
 
     def mesh(self, case=1):
         """Node coordinates and element connectivity (a respcore.mesh.Mesh)."""

@@ -156,3 +156,26 @@ def test_items_modes_and_arguments_in_every_form(demo):
                           (lambda: a.envelope("node-velocity", 1, "warp"), "six components")]:
         with pytest.raises(ValueError, match=message):
             call()
+
+
+def test_sections_list_every_file_as_it_stands(demo, tmp_path):
+    for ext in (".PA1", ".PA2", ".PAT2"):
+        shutil.copy(demo + ext, tmp_path / ("frame" + ext))
+    a = respcore.Archive(str(tmp_path / "frame"))
+    files = a.sections()
+    assert [f.role for f in files] == ["first file", "second file", "direct file 2"]
+    assert all(f.exists and f.problem == "" and f.form == "plain" and f.file_code == 2 for f in files)
+    second = {(s.tag, s.serial): s for s in files[1].sections}
+    assert files[1].sections[0].tag == "HEAD"
+    for family in ("beam", "truss", "node-displacement"):
+        s = second[(respcore.family(family).section, 3)]
+        assert s.records == a.records(family) == s.last - s.first + 1
+    assert second[("CORD", 3)].records == 24 and second[("THIF", 3)].records == len(a.cases)
+    # The direct file's histories: three records per equation, a value per step.
+    (dmed,) = files[2].sections[1:]
+    assert dmed.tag == "DMED" and dmed.reclen == 2 * a.steps(2) and dmed.records % 3 == 0
+
+    # Read afresh: a file cut short after the Archive was opened shows why.
+    with open(tmp_path / "frame.PAT2", "r+b") as f:
+        f.truncate(1000)
+    assert "the file holds 1000" in a.sections()[2].problem
