@@ -74,13 +74,13 @@ def mesh(archive, case=1):
     return Mesh(points, cells, unresolved)
 
 
-def _field_key(spec):
-    if isinstance(spec, str):
-        family, sep, comp = spec.partition(":")
+def _field_key(request):
+    if isinstance(request, str):
+        family, sep, comp = request.partition(":")
         if not sep:
-            raise ValueError(f"a field is 'family:component' or (family, component), not {spec!r}")
+            raise ValueError(f"a field is 'family:component' or (family, component), not {request!r}")
         return family, comp
-    family, comp = spec
+    family, comp = request
     return family, comp
 
 
@@ -116,8 +116,8 @@ def to_meshio(archive, step, case=1, fields=(), motion=("displacement",)):
 
     cell_data = {"family": [np.full(len(b.serials), family_of(b.family).number, dtype=np.int32) for b in m.cells],
                  "serial": [np.asarray(b.serials, dtype=np.int32) for b in m.cells]}
-    for spec in fields:
-        fam, comp = _field_key(spec)
+    for request in fields:
+        fam, comp = _field_key(request)
         f = family_of(fam)
         if f.node:
             raise ValueError(f"{f.name} is node results, which the motion argument gives")
