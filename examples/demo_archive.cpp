@@ -1,5 +1,6 @@
 // Writes the demo analysis as a result archive: the analysis side of the
 // format, with the record layouts the kernel reads.
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <stdexcept>
@@ -96,8 +97,8 @@ TrussRecord truss_record(const FrameModel& model, const Member& m) {
 }
 
 // The archive of the analysis: the cases, the modal and the direct storage
-// of the response, the node and element records, the ground motion, the
-// element table and the materials.
+// of the response, the node records and coordinates, the element records,
+// the ground motion, the element table and the materials.
 void write_records(ArchiveWriter& w, const FrameModel& model, const ModalBasis& basis,
                    const Response& resp, int N) {
   const int nm = static_cast<int>(basis.omega.size());
@@ -126,6 +127,12 @@ void write_records(ArchiveWriter& w, const FrameModel& model, const ModalBasis& 
     std::vector<NodeTransform> nodes;
     for (const Node& n : model.nodes) nodes.push_back({std::vector<double>(n.eq.begin(), n.eq.end()), {}});
     w.node_transforms(nodes);
+  }
+  // Node coordinates: x, y, z of each node, record = node number.
+  {
+    std::vector<std::array<double, 3>> xyz;
+    for (const Node& n : model.nodes) xyz.push_back({n.x, n.y, n.z});
+    w.node_coordinates(xyz);
   }
   // Element records, by serial in each family's section.
   {

@@ -11,9 +11,9 @@
 //   case 1  modal storage: modal coordinates (MDSP) and mode shapes (MSHP);
 //   case 2  direct storage: displacement, velocity and acceleration of every
 //           equation in a direct file (DMED).
-// Both cases share the node records (NDSP), the element records (BEAM for
-// columns and beams, TRUS for braces), the ground motion (GRMT), the element
-// table (ELMT) and the materials (MATL).
+// Both cases share the node records (NDSP), the node coordinates (CORD), the
+// element records (BEAM for columns and beams, TRUS for braces), the ground
+// motion (GRMT), the element table (ELMT) and the materials (MATL).
 #pragma once
 
 #include <array>

@@ -2,19 +2,19 @@
 // kernel requests, run them, and hand the results to the output formats.
 #include "commands.hpp"
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstring>
+#include <chrono>
 #include <filesystem>
 #include <iostream>
-#include <optional>
 
 #include "archive_directory.hpp"
 #include "cli_error.hpp"
 #include "components.hpp"
 #include "frame_demo.hpp"
 #include "output.hpp"
+#include "query.hpp"
 #include "respcore/kernel.hpp"
 #include "svg_plot.hpp"
 
@@ -22,167 +22,28 @@ namespace respcore::cli {
 
 namespace {
 
-std::optional<int> to_int(std::string_view s) {
-  int v = 0;
-  if (s.empty()) return std::nullopt;
-  const auto [p, ec] = std::from_chars(s.data(), s.data() + s.size(), v);
-  if (ec != std::errc() || p != s.data() + s.size()) return std::nullopt;
-  return v;
-}
-
-const Family& family_of(const std::string& type) {
-  const Family* f = find_family(type);
-  if (f == nullptr) {
-    throw usage_error("unknown type '" + type + "' (a name such as beam, truss, node-displacement, or 1 to 14; see 'respcore components')");
-  }
-  return *f;
-}
-
-// SERIAL or SERIAL:NUMBER, both positive.
-Item parse_item(std::string_view text) {
-  const size_t colon = text.find(':');
-  const auto serial = to_int(text.substr(0, colon));
-  const auto number = colon == std::string_view::npos ? serial : to_int(text.substr(colon + 1));
-  if (!serial || !number || *serial < 1 || *number < 1) {
-    throw usage_error("bad item '" + std::string(text) + "' (SERIAL or SERIAL:NUMBER, positive integers)");
-  }
-  return {*serial, *number};
-}
-
-// "1,4,7-9,12:112", or "all" (every record of a section of NREC records).
-std::vector<Item> parse_items(const std::string& text, int64_t nrec) {
-  std::vector<Item> items;
-  if (text == "all") {
-    for (int64_t r = 1; r <= nrec; ++r) items.push_back({static_cast<int>(r), static_cast<int>(r)});
-    return items;
-  }
-  size_t pos = 0;
-  while (pos <= text.size()) {
-    const size_t comma = text.find(',', pos);
-    const std::string_view part(text.data() + pos, (comma == std::string::npos ? text.size() : comma) - pos);
-    const size_t dash = part.find('-');
-    if (dash != std::string_view::npos && part.find(':') == std::string_view::npos) {
-      const auto a = to_int(part.substr(0, dash)), b = to_int(part.substr(dash + 1));
-      if (!a || !b || *a < 1 || *b < *a) throw usage_error("bad item range '" + std::string(part) + "'");
-      if (*b - *a > 1000000) throw usage_error("item range '" + std::string(part) + "' is too long");
-      for (int v = *a; v <= *b; ++v) items.push_back({v, v});
-    } else {
-      items.push_back(parse_item(part));
-    }
-    if (comma == std::string::npos) break;
-    pos = comma + 1;
-  }
-  if (items.empty()) throw usage_error("no items given");
-  return items;
-}
-
-// What a query needs to know of its archive before it asks the kernel.
-struct ArchiveContext {
-  ArchiveInspection files;
-  const FileInspection* first = nullptr;
-  const FileInspection* second = nullptr;
-  std::array<int32_t, 5> ithif{};
-  int num_cases = 0;
-  int elem_form = 1;
-  int stored_steps = 0;
-  std::string storage;
-  SectionInfo element_section;
-  std::string element_section_name;
+// The archive, case and family section of a query, checked.
+struct Opened {
+  ArchiveView archive;
+  CaseInfo c;
+  FamilySection section;
 };
 
-const FileInspection& checked(const FileInspection* f) {
-  if (!f->sound()) throw CliError(f->path + ": " + f->problem);
-  return *f;
+Opened open_query(const QueryOptions& o, const Family& fam) {
+  Opened q{open_archive_view(o.base, o.product), {}, {}};
+  q.c = case_info(q.archive, o.hist_case);
+  q.section = family_section(q.archive, q.c, fam);
+  return q;
 }
 
-ArchiveContext open_archive(const QueryOptions& o, const Family& fam) {
-  ArchiveContext c;
-  c.files = locate_archive(o.base, o.product, true);
-  c.first = &checked(c.files.file(ArchiveFileKind::First));
-  c.second = &checked(c.files.file(ArchiveFileKind::Second));
-  const std::string& second_path = c.second->path;
-
-  const SectionInfo* thif = c.second->find(sections::THIF, 3);
-  if (thif == nullptr) throw CliError(second_path + ": no history cases (section THIF, serial 3)");
-  c.num_cases = static_cast<int>(thif->records());
-  if (o.hist_case < 1 || o.hist_case > c.num_cases) {
-    throw usage_error("case " + std::to_string(o.hist_case) + " is not in the archive (it holds " +
-                      std::to_string(c.num_cases) + " case" + (c.num_cases == 1 ? "" : "s") + ")");
-  }
-  const auto rec = read_section_record(*c.second, *thif, o.hist_case, 20);
-  if (!rec) throw CliError(second_path + ": cannot read history case " + std::to_string(o.hist_case));
-  std::memcpy(c.ithif.data(), rec->data(), 20);
-
-  const std::string& tag = c.files.product_tag;
-  if (tag != "J.W.U" && tag != "H.N.Q") {
-    if (const SectionInfo* thlg = c.first->find(sections::THLG, 1)) {
-      if (const auto r = read_section_record(*c.first, *thlg, o.hist_case, 4)) std::memcpy(&c.elem_form, r->data(), 4);
-    }
-  }
-
-  if (c.ithif[0] == 1) {
-    c.storage = "modal";
-    for (const SectionName& t : {sections::MDSP, sections::MSHP}) {
-      if (c.second->find(t, 3) == nullptr) throw CliError(second_path + ": case " + std::to_string(o.hist_case) + " is modal but section " + t.tag + " is missing");
-    }
-  } else if (c.ithif[0] == 2 || c.ithif[0] == 3) {
-    c.storage = "direct";
-    const int no = c.ithif[1];
-    const FileInspection* direct = c.files.file(ArchiveFileKind::Direct, no);
-    if (direct == nullptr) {
-      throw CliError("case " + std::to_string(o.hist_case) + " keeps its histories in direct file " + std::to_string(no) + ", which does not exist at " + o.base);
-    }
-    checked(direct);
-    const SectionInfo* dmed = direct->find(sections::DMED, 1);
-    if (dmed == nullptr) throw CliError(direct->path + ": no direct histories (section DMED)");
-    if (c.ithif[2] <= 0) c.stored_steps = dmed->reclen / 2;
-  } else {
-    c.storage = "unknown (" + std::to_string(c.ithif[0]) + ")";
-  }
-  if (c.ithif[2] > 0) c.stored_steps = c.ithif[2];
-
-  const int serial = fam.node ? 3 : (c.elem_form == 2 ? 4 : 3);
-  const std::string section_tag = fam.section.tag;
-  c.element_section_name = section_tag + "/" + std::to_string(serial);
-  const SectionInfo* sec = c.second->find(fam.section, serial);
-  if (sec == nullptr) {
-    throw CliError(second_path + ": no " + fam.name + " results here (no section " + section_tag + ", serial " + std::to_string(serial) + ")");
-  }
-  c.element_section = *sec;
-  return c;
-}
-
-// The number of steps of a query: all stored steps unless asked otherwise.
-int steps_of(const QueryOptions& o, const ArchiveContext& c) {
-  if (o.steps < 0) throw usage_error("--steps must be positive");
-  if (o.steps == 0) {
-    if (c.stored_steps <= 0) throw usage_error("the archive does not tell how many steps case " + std::to_string(o.hist_case) + " holds; give --steps");
-    return c.stored_steps;
-  }
-  if (c.stored_steps > 0 && o.steps > c.stored_steps) {
-    throw usage_error("--steps " + std::to_string(o.steps) + " exceeds the " + std::to_string(c.stored_steps) +
-                      " steps stored for case " + std::to_string(o.hist_case));
-  }
-  return o.steps;
-}
-
-void check_item(const Family& fam, const ArchiveContext& c, const Item& it) {
-  const int key = fam.node ? it.number : it.serial;
-  const int64_t n = c.element_section.records();
-  if (key > n) {
-    throw usage_error(std::string(fam.node ? "node " : "item ") + std::to_string(key) + " is past the " +
-                      c.element_section_name + " section of " + c.second->path + " (" + std::to_string(n) + " records)");
-  }
-}
-
-QueryInfo info_of(const QueryOptions& o, const Family& fam, const ArchiveContext& c, const Component& comp) {
+QueryInfo info_of(const QueryOptions& o, const Family& fam, const Opened& a, const Component& comp) {
   QueryInfo q;
   q.archive = o.base;
-  q.product = c.files.product_tag;
+  q.product = a.archive.files.product_tag;
   q.family = fam.name;
   q.elem_type = fam.elem_type;
   q.hist_case = o.hist_case;
-  q.storage = c.storage;
+  q.storage = a.c.storage;
   q.component = comp.name;
   q.component_number = comp.number;
   q.component_meaning = comp.meaning;
@@ -191,43 +52,78 @@ QueryInfo info_of(const QueryOptions& o, const Family& fam, const ArchiveContext
   return q;
 }
 
-Request base_request(const QueryOptions& o, const Family& fam, const ArchiveContext& c, int comp) {
+Query query_of(const QueryOptions& o, const Family& fam, const Opened& a, int comp) {
   if (o.mode < 0) throw usage_error("--mode must be 0 (all modes) or a mode number");
-  Request r;
-  r.base = o.base;
-  r.elem_type = fam.elem_type;
-  r.result_comp = comp;
-  r.hist_case = o.hist_case;
-  r.product_index = product_index(c.files.product_tag);
-  r.mode_no = o.mode;
-  r.axis_flag = o.global ? 1 : 0;
-  return r;
+  Query q;
+  q.base = o.base;
+  q.product_index = product_index(a.archive.files.product_tag);
+  q.family = &fam;
+  q.comp = comp;
+  q.hist_case = o.hist_case;
+  q.mode = o.mode;
+  q.global = o.global;
+  return q;
 }
 
-// Runs a request; a stopped run ends the command, error lines of the kernel
-// (already on standard output) are counted.
-Result run_kernel(Kernel& k, const Request& r, int& error_lines) {
-  Result res = k.run(r);
-  if (res.status != STATUS_DONE) {
-    throw CliError(res.status == STATUS_STOPPED ? "the kernel stopped the run (a singular element)"
-                                                : "the kernel failed on the request (status " + std::to_string(res.status) + ")");
+// A kernel for the tool: a quiet one keeps its lines for the tool to print
+// on standard error, item by item.
+Kernel tool_kernel(const QueryOptions& o) {
+  Kernel k;
+  k.set_quiet(o.quiet);
+  return k;
+}
+
+std::string item_text(const Item& it) {
+  return it.serial == it.number ? std::to_string(it.serial) : std::to_string(it.serial) + ":" + std::to_string(it.number);
+}
+
+// After the output: the kernel's lines of a quiet run go to standard error,
+// each with its item; any line makes the exit status 1.
+int finish(const QueryOptions& o, const KernelLines& lines, const std::vector<Item>& items) {
+  std::cout.flush();
+  if (o.quiet) {
+    for (const KernelLine& l : lines.output) {
+      const bool one = l.item >= 0 && static_cast<size_t>(l.item) < items.size();
+      std::cerr << (one ? "item " + item_text(items[static_cast<size_t>(l.item)]) : std::string("items")) << ": " << l.text << "\n";
+    }
+    for (const std::string& l : lines.diagnostics) std::cerr << l << "\n";
   }
-  error_lines += static_cast<int>(res.output_lines.size());
-  return res;
-}
-
-int finish(int error_lines) {
-  if (error_lines == 0) return 0;
-  std::cerr << "respcore: the kernel reported " << error_lines << " error line" << (error_lines == 1 ? "" : "s")
-            << " (above); the values may be incomplete\n";
+  const size_t n = lines.output.size();
+  if (n == 0) return 0;
+  std::cerr << "respcore: the kernel reported " << n << " error line" << (n == 1 ? "" : "s")
+            << (o.quiet ? "" : " (above)") << "; the values may be incomplete\n";
   return EXIT_ARCHIVE;
 }
 
-std::vector<Item> checked_items(const std::string& text, const Family& fam, const ArchiveContext& c) {
-  std::vector<Item> items = parse_items(text, c.element_section.records());
-  for (const Item& it : items) check_item(fam, c, it);
-  return items;
-}
+// A progress line on standard error for requests that run longer than a
+// second, when standard error is a terminal.
+class ProgressLine {
+ public:
+  ProgressLine() : start_(std::chrono::steady_clock::now()), tty_(isatty(STDERR_FILENO) != 0) {
+    fn_ = [this](size_t done, size_t total) { update(done, total); };
+  }
+  ~ProgressLine() {
+    if (shown_) std::cerr << "\n";
+  }
+  // Null when standard error is not a terminal: the request then runs in one go.
+  const Progress* progress() const { return tty_ ? &fn_ : nullptr; }
+
+ private:
+  void update(size_t done, size_t total) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - start_ < std::chrono::seconds(1) || now - last_ < std::chrono::milliseconds(200)) {
+      if (!(shown_ && done == total)) return;
+    }
+    last_ = now;
+    shown_ = true;
+    std::cerr << "\rrespcore: " << done << " of " << total << " items (" << (100 * done / std::max<size_t>(total, 1)) << "%)" << std::flush;
+  }
+
+  std::chrono::steady_clock::time_point start_, last_{};
+  bool tty_ = false;
+  bool shown_ = false;
+  Progress fn_;
+};
 
 }  // namespace
 
@@ -273,38 +169,21 @@ int run_history(const HistoryOptions& o, std::ostream& out) {
   }
   if (o.absolute && o.relative_to != 0) throw usage_error("--absolute and --relative-to exclude each other");
   if (o.relative_to < 0) throw usage_error("--relative-to takes a node number");
-  const ArchiveContext c = open_archive(o, fam);
-  check_item(fam, c, item);
-  const int steps = steps_of(o, c);
+  const Opened a = open_query(o, fam);
+  check_item(fam, a.section, item);
+  if (o.relative_to != 0) check_item(fam, a.section, Item{o.relative_to, o.relative_to});
+  const int steps = steps_of(o.steps, a.c);
 
-  Request r = base_request(o, fam, c, comp.number);
-  r.num_steps = steps;
-  r.request_mode = 1;
-  r.step_no = 1;
-  r.serials = {item.serial};
-  r.elements = {item.number};
-  QueryInfo info = info_of(o, fam, c, comp);
-  if (fam.node) info.motion = "relative";
-  if (o.absolute) {
-    r.step_no = 2;
-    info.motion = "absolute";
-  } else if (o.relative_to != 0) {
-    const Item other{o.relative_to, o.relative_to};
-    check_item(fam, c, other);
-    r.step_no = 3;
-    r.num_items = 2;
-    r.serials.push_back(other.serial);
-    r.elements.push_back(other.number);
-    info.motion = "relative to node " + std::to_string(o.relative_to);
+  QueryInfo info = info_of(o, fam, a, comp);
+  if (fam.node) {
+    info.motion = o.absolute ? "absolute" : o.relative_to != 0 ? "relative to node " + std::to_string(o.relative_to) : "relative";
   }
-  Kernel k;
-  int error_lines = 0;
-  const Result res = run_kernel(k, r, error_lines);
-
+  Kernel k = tool_kernel(o);
+  KernelLines lines;
   HistoryResult h;
   h.info = info;
   h.item = item;
-  h.values = res.values;
+  h.values = query_history(k, query_of(o, fam, a, comp.number), item, steps, {o.absolute, o.relative_to}, lines);
   print_history(out, h, format, o.every);
   out.flush();
 
@@ -312,113 +191,84 @@ int run_history(const HistoryOptions& o, std::ostream& out) {
     PlotText t;
     const std::string what = fam.node ? "node " + std::to_string(item.number) : fam.name + " " + std::to_string(item.number) + " (record " + std::to_string(item.serial) + ")";
     t.title = what + ": " + comp.name + " over time";
-    t.subtitle = "archive " + o.base + " (" + c.files.product_tag + "), case " + std::to_string(o.hist_case) + ", " +
-                 c.storage + " storage" + (comp.meaning.empty() ? "" : "; " + comp.meaning);
+    t.subtitle = "archive " + o.base + " (" + a.archive.files.product_tag + "), case " + std::to_string(o.hist_case) + ", " +
+                 a.c.storage + " storage" + (comp.meaning.empty() ? "" : "; " + comp.meaning);
     t.x_label = "time step";
     t.y_label = comp.name + " (row " + std::to_string(comp.number) + ")";
     write_svg_line_plot(o.plot, h.values, t);
   }
-  return finish(error_lines);
+  return finish(o, lines, {item});
 }
 
 int run_snapshot(const SnapshotOptions& o, std::ostream& out) {
   const Family& fam = family_of(o.type);
   const Component comp = resolve_selector(fam, o.comp);
   const Format format = parse_format(o.format);
-  const ArchiveContext c = open_archive(o, fam);
-  const std::vector<Item> items = checked_items(o.items, fam, c);
+  const Opened a = open_query(o, fam);
+  const std::vector<Item> items = parse_items(o.items, a.section.records());
+  for (const Item& it : items) check_item(fam, a.section, it);
   if (o.step < 1) throw usage_error("--step must be a step number from 1");
-  if (c.stored_steps > 0 && o.step > c.stored_steps) {
-    throw usage_error("--step " + std::to_string(o.step) + " is past the " + std::to_string(c.stored_steps) +
+  if (a.c.stored_steps > 0 && o.step > a.c.stored_steps) {
+    throw usage_error("--step " + std::to_string(o.step) + " is past the " + std::to_string(a.c.stored_steps) +
                       " steps stored for case " + std::to_string(o.hist_case));
   }
 
+  Kernel k = tool_kernel(o);
+  KernelLines lines;
+  SnapshotValues v;
+  {
+    ProgressLine progress;
+    v = query_snapshot(k, query_of(o, fam, a, comp.number), items, o.step, lines, {o.quiet, progress.progress()});
+  }
   SnapshotResult s;
-  s.info = info_of(o, fam, c, comp);
+  s.info = info_of(o, fam, a, comp);
   s.step = o.step;
   s.items = items;
-  Kernel k;
-  int error_lines = 0;
-  if (fam.node) {
-    // The kernel's many-items form of node results reads its one fetched
-    // step at column STEP_NO, which only step 1 meets; a history up to the
-    // step gives the value for any step.
-    s.points = point_labels(fam.elem_type, comp.number, 1);
-    for (const Item& it : items) {
-      Request r = base_request(o, fam, c, comp.number);
-      r.request_mode = 1;
-      r.num_steps = o.step;
-      r.serials = {it.serial};
-      r.elements = {it.number};
-      const Result res = run_kernel(k, r, error_lines);
-      s.values.push_back({res.values.empty() ? 0.0 : res.values.back()});
-    }
-  } else {
-    Request r = base_request(o, fam, c, comp.number);
-    r.request_mode = 2;
-    r.num_steps = 1;
-    r.step_no = o.step;
-    r.num_items = static_cast<int32_t>(items.size());
-    for (const Item& it : items) {
-      r.serials.push_back(it.serial);
-      r.elements.push_back(it.number);
-    }
-    const int m = static_cast<int>(result_size(fam.elem_type, comp.number, 1, 1, 2));
-    s.points = point_labels(fam.elem_type, comp.number, m);
-    const Result res = run_kernel(k, r, error_lines);
-    for (size_t i = 0; i < items.size(); ++i) {
-      std::vector<double> v;
-      for (int p = 0; p < m; ++p) {
-        const size_t at = i * static_cast<size_t>(m) + static_cast<size_t>(p);
-        v.push_back(at < res.values.size() ? res.values[at] : 0.0);
-      }
-      s.values.push_back(std::move(v));
-    }
+  s.points = point_labels(fam.elem_type, comp.number, v.points);
+  const size_t m = static_cast<size_t>(std::max(v.points, 0));
+  for (size_t i = 0; i < items.size(); ++i) {
+    s.values.emplace_back(v.values.begin() + static_cast<ptrdiff_t>(i * m), v.values.begin() + static_cast<ptrdiff_t>((i + 1) * m));
   }
   print_snapshot(out, s, format);
   out.flush();
-  return finish(error_lines);
+  return finish(o, lines, items);
 }
 
 int run_envelope(const EnvelopeOptions& o, std::ostream& out) {
   const Family& fam = family_of(o.type);
-  if (!fam.node) throw usage_error("envelopes are node results: use node-displacement, node-velocity or node-acceleration");
   const Component comp = resolve_row(fam, o.comp);
-  if (comp.number > 6) throw usage_error("an envelope scans one of the six components x, y, z, rx, ry, rz");
+  if (fam.node && comp.number > 6) throw usage_error("a node envelope scans one of the six components x, y, z, rx, ry, rz");
   const Format format = parse_format(o.format);
-  const ArchiveContext c = open_archive(o, fam);
-  const std::vector<Item> items = checked_items(o.items, fam, c);
-  const int steps = steps_of(o, c);
+  const Opened a = open_query(o, fam);
+  const std::vector<Item> items = parse_items(o.items, a.section.records());
+  for (const Item& it : items) check_item(fam, a.section, it);
+  const int steps = steps_of(o.steps, a.c);
 
-  Request r = base_request(o, fam, c, comp.number);
-  r.request_mode = 3;
-  r.num_steps = steps;
-  r.num_items = static_cast<int32_t>(items.size());
-  for (const Item& it : items) {
-    r.serials.push_back(it.serial);
-    r.elements.push_back(it.number);
+  Kernel k = tool_kernel(o);
+  KernelLines lines;
+  EnvelopeValues v;
+  {
+    ProgressLine progress;
+    v = query_envelope(k, query_of(o, fam, a, comp.number), items, steps, lines, {o.quiet, progress.progress()});
   }
-  Kernel k;
-  int error_lines = 0;
-  const Result res = run_kernel(k, r, error_lines);
-
   EnvelopeResult e;
-  e.info = info_of(o, fam, c, comp);
-  e.info.motion = "relative";
+  e.info = info_of(o, fam, a, comp);
+  if (fam.node) e.info.motion = "relative";
   e.steps = steps;
+  e.node = fam.node;
   e.items = items;
+  if (fam.node) e.columns = {"x", "y", "z", "rx", "ry", "rz"};
+  else e.columns = {comp.name};
+  const size_t w = static_cast<size_t>(v.width);
   for (size_t i = 0; i < items.size(); ++i) {
-    std::vector<double> mx(6), mn(6);
-    for (size_t q = 0; q < 6; ++q) {
-      mx[q] = res.values.at(12 * i + q);
-      mn[q] = res.values.at(12 * i + 6 + q);
-    }
-    e.at_max.push_back(mx);
-    e.at_min.push_back(mn);
+    e.at_max.emplace_back(v.at_max.begin() + static_cast<ptrdiff_t>(i * w), v.at_max.begin() + static_cast<ptrdiff_t>((i + 1) * w));
+    e.at_min.emplace_back(v.at_min.begin() + static_cast<ptrdiff_t>(i * w), v.at_min.begin() + static_cast<ptrdiff_t>((i + 1) * w));
+    e.step_max.push_back(v.step_max[i]);
+    e.step_min.push_back(v.step_min[i]);
   }
   print_envelope(out, e, format);
   out.flush();
-  return finish(error_lines);
+  return finish(o, lines, items);
 }
 
 int run_components(const std::string& type, const std::string& format_text, std::ostream& out) {

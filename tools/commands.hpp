@@ -18,6 +18,7 @@ struct QueryOptions {
   int steps = 0;  // 0: all stored steps of the case
   int mode = 0;   // single mode of a modal history, 0 all
   bool global = false;
+  bool quiet = false;  // the kernel's lines to standard error, with their items
 };
 
 struct HistoryOptions : QueryOptions {

@@ -96,20 +96,31 @@ ComponentTable beam_table() {
   return t;
 }
 
-// Plane stress: a force triple per node (4 nodes), then a stress triple at
-// the centre and at each node.
-ComponentTable plane_stress_table() {
+// Plane and solid elements: a force triple per node, then the stress
+// components at the centre and at each node, then (for the families that
+// have them) the strain components in the same order. SELECTORS names the
+// snapshot selectors after the three forces: the stress components that the
+// many-items form addresses at every point.
+struct ContinuumLayout {
+  int nodes = 4;
+  std::vector<const char*> stresses;
+  std::vector<const char*> strains;
+  int stress_selectors = 0;  // leading stress components that are selectors
+};
+
+ComponentTable continuum_table(const ContinuumLayout& L) {
   ComponentTable t;
   const char* f[3] = {"Fx", "Fy", "Fz"};
-  const char* s[3] = {"sx", "sy", "sxy"};
-  for (int n = 1; n <= 4; ++n) {
+  for (int n = 1; n <= L.nodes; ++n) {
     for (int k = 0; k < 3; ++k) add(t.rows, std::string(f[k]) + "-" + node_label(n), std::string("nodal force ") + f[k] + ", node " + std::to_string(n));
   }
-  for (int p = 1; p <= 5; ++p) {
-    for (int k = 0; k < 3; ++k) add(t.rows, std::string(s[k]) + "-" + point_label(p), std::string("stress ") + s[k] + ", " + point_words(p));
+  for (const auto& [names, word] : {std::pair{&L.stresses, "stress "}, std::pair{&L.strains, "strain "}}) {
+    for (int p = 1; p <= L.nodes + 1; ++p) {
+      for (const char* c : *names) add(t.rows, std::string(c) + "-" + point_label(p), word + std::string(c) + ", " + point_words(p));
+    }
   }
   for (int k = 0; k < 3; ++k) add(t.selectors, f[k], std::string("nodal force ") + f[k]);
-  for (int k = 0; k < 3; ++k) add(t.selectors, s[k], std::string("stress ") + s[k]);
+  for (int k = 0; k < L.stress_selectors; ++k) add(t.selectors, L.stresses[static_cast<size_t>(k)], std::string("stress ") + L.stresses[static_cast<size_t>(k)]);
   return t;
 }
 
@@ -134,27 +145,6 @@ ComponentTable plate_table(int nodes) {
   return t;
 }
 
-// Solids: a force triple per node (8 nodes), then six stresses and six
-// strains at the centre and at each node.
-ComponentTable solid_table() {
-  ComponentTable t;
-  const char* f[3] = {"Fx", "Fy", "Fz"};
-  const char* s[6] = {"sxx", "syy", "szz", "sxy", "syz", "szx"};
-  const char* e[6] = {"exx", "eyy", "ezz", "exy", "eyz", "ezx"};
-  for (int n = 1; n <= 8; ++n) {
-    for (int k = 0; k < 3; ++k) add(t.rows, std::string(f[k]) + "-" + node_label(n), std::string("nodal force ") + f[k] + ", node " + std::to_string(n));
-  }
-  for (int p = 1; p <= 9; ++p) {
-    for (int k = 0; k < 6; ++k) add(t.rows, std::string(s[k]) + "-" + point_label(p), std::string("stress ") + s[k] + ", " + point_words(p));
-  }
-  for (int p = 1; p <= 9; ++p) {
-    for (int k = 0; k < 6; ++k) add(t.rows, std::string(e[k]) + "-" + point_label(p), std::string("strain ") + e[k] + ", " + point_words(p));
-  }
-  for (int k = 0; k < 3; ++k) add(t.selectors, f[k], std::string("nodal force ") + f[k]);
-  for (int k = 0; k < 6; ++k) add(t.selectors, s[k], std::string("stress ") + s[k]);
-  return t;
-}
-
 std::string available(const std::vector<Component>& v) {
   std::string s;
   for (size_t i = 0; i < v.size() && i < 8; ++i) s += (i ? ", " : "") + v[i].name;
@@ -163,13 +153,14 @@ std::string available(const std::vector<Component>& v) {
 }
 
 Component resolve(const Family& f, std::string_view text, const std::vector<Component>& table,
-                  const std::vector<Component>& other, const char* what, int open_limit) {
+                  const std::vector<Component>& other, const char* what, int open_limit,
+                  bool numbered_past_names = false) {
   if (const auto n = parse_int(text)) {
-    if (table.empty()) {
+    if (table.empty() || (numbered_past_names && *n > static_cast<int>(table.size()))) {
       if (*n < 1 || *n > open_limit) {
         throw usage_error(std::string(what) + " " + std::string(text) + " is out of range for " + f.name + " (1 to " + std::to_string(open_limit) + ")");
       }
-      return {*n, "row" + std::to_string(*n), ""};
+      return {*n, std::string(what) + std::to_string(*n), ""};
     }
     if (*n < 1 || *n > static_cast<int>(table.size())) {
       throw usage_error(std::string(what) + " " + std::string(text) + " is not one of " + f.name + "'s (1 to " + std::to_string(table.size()) + "; see 'respcore components " + f.name + "')");
@@ -235,10 +226,20 @@ const Family* find_family(std::string_view text) {
 const ComponentTable& component_table(int elem_type) {
   static const std::map<int, ComponentTable> tables = [] {
     std::map<int, ComponentTable> m;
-    m[1] = plane_stress_table();
+    const std::vector<const char*> solid_stress = {"sxx", "syy", "szz", "sxy", "syz", "szx"};
+    const std::vector<const char*> solid_strain = {"exx", "eyy", "ezz", "exy", "eyz", "ezx"};
+    m[1] = continuum_table({4, {"sx", "sy", "sxy"}, {}, 3});
+    // Plane strain keeps four stress components a point, the out-of-plane
+    // one last; its many-items form steps through them three at a time, so
+    // only the forces have selector names (larger selectors by number).
+    m[2] = continuum_table({4, {"sx", "sy", "sxy", "sz"}, {"ex", "ey", "ez", "exy"}, 0});
+    m[2].numbered_selectors = true;
     m[3] = plate_table(4);
-    m[4] = solid_table();
+    m[4] = continuum_table({8, solid_stress, solid_strain, 6});
+    m[5] = continuum_table({8, {"sx", "sy", "sxy"}, {}, 3});
+    m[6] = continuum_table({8, {"sx", "sy", "sz", "sxy"}, {"ex", "ey", "ez", "exy"}, 4});
     m[7] = plate_table(8);
+    m[8] = continuum_table({20, solid_stress, solid_strain, 6});
     m[9] = node_table("displacement");
     m[10] = node_table("velocity");
     m[11] = node_table("acceleration");
@@ -297,7 +298,7 @@ Component resolve_row(const Family& f, std::string_view text) {
 
 Component resolve_selector(const Family& f, std::string_view text) {
   const ComponentTable& t = component_table(f.elem_type);
-  return resolve(f, text, t.selectors, t.rows, "selector", 350);
+  return resolve(f, text, t.selectors, t.rows, "selector", 350, t.numbered_selectors);
 }
 
 }  // namespace respcore::cli

@@ -38,6 +38,7 @@ struct Component {
 struct ComponentTable {
   std::vector<Component> rows;       // history rows; empty: any row 1..350 by number
   std::vector<Component> selectors;  // snapshot selectors; empty: any selector by number
+  bool numbered_selectors = false;   // selectors past the named ones are taken by number
 };
 
 const ComponentTable& component_table(int elem_type);

@@ -27,6 +27,7 @@ void add_query_options(CLI::App* cmd, QueryOptions& o) {
   cmd->add_option("--mode", o.mode, "one mode of a modal history (default 0: all modes)");
   cmd->add_flag("--global", o.global, "results in global axes instead of local ones");
   cmd->add_option("--format,-f", o.format, "table, csv or json (default table)");
+  cmd->add_flag("--quiet,-q", o.quiet, "the kernel's error lines to standard error, each with its item, not standard output");
 }
 
 }  // namespace
@@ -59,9 +60,9 @@ int main(int argc, char** argv) {
   snapshot->add_option("--step", s.step, "the step")->required();
 
   EnvelopeOptions e;
-  auto* envelope = app.add_subcommand("envelope", "node maxima and minima over the steps");
+  auto* envelope = app.add_subcommand("envelope", "largest and smallest values over the steps, with their steps");
   add_query_options(envelope, e);
-  envelope->add_option("--items,-i", e.items, "nodes: 1,4,7-9 or all")->required();
+  envelope->add_option("--items,-i", e.items, "items: 1,4,7-9 or all")->required();
 
   std::string type, comp_format = "table";
   auto* components = app.add_subcommand("components", "result families, or the component names of one");

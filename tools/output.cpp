@@ -11,8 +11,6 @@ namespace respcore::cli {
 
 namespace {
 
-const char* kNodeComponents[6] = {"x", "y", "z", "rx", "ry", "rz"};
-
 std::string fixed_width(double v, int width) {
   char buf[64];
   std::snprintf(buf, sizeof buf, "%*.6g", width, v);
@@ -185,17 +183,20 @@ void print_snapshot(std::ostream& out, const SnapshotResult& r, Format f) {
 }
 
 void print_envelope(std::ostream& out, const EnvelopeResult& r, Format f) {
+  auto step_of = [&](size_t k, int e) { return (e == 0 ? r.step_max : r.step_min).at(k); };
   switch (f) {
     case Format::Table: {
       table_header(out, r.info);
-      out << "# over " << r.steps << " steps: all components at the step of the largest and of the smallest "
-          << r.info.component << "\n";
-      out << pad_left("node", 8) << pad_left("extreme", 9);
-      for (const char* c : kNodeComponents) out << pad_left(c, 16);
+      out << "# over " << r.steps << " steps: ";
+      if (r.columns.size() > 1) out << "all components at the step of the largest and of the smallest " << r.info.component << "\n";
+      else out << "the largest and the smallest value, and its step\n";
+      out << pad_left(r.node ? "node" : "serial", 8) << pad_left("extreme", 9) << pad_left("step", 8);
+      for (const auto& c : r.columns) out << pad_left(c, 16);
       out << "\n";
       for (size_t k = 0; k < r.items.size(); ++k) {
         for (int e = 0; e < 2; ++e) {
-          out << pad_left(std::to_string(r.items[k].number), 8) << pad_left(e == 0 ? "max" : "min", 9);
+          out << pad_left(std::to_string(r.node ? r.items[k].number : r.items[k].serial), 8)
+              << pad_left(e == 0 ? "max" : "min", 9) << pad_left(std::to_string(step_of(k, e)), 8);
           for (double v : (e == 0 ? r.at_max : r.at_min)[k]) out << fixed_width(v, 16);
           out << "\n";
         }
@@ -203,12 +204,12 @@ void print_envelope(std::ostream& out, const EnvelopeResult& r, Format f) {
       break;
     }
     case Format::Csv:
-      out << "serial,number,extreme";
-      for (const char* c : kNodeComponents) out << "," << c;
+      out << "serial,number,extreme,step";
+      for (const auto& c : r.columns) out << "," << csv_field(c);
       out << "\n";
       for (size_t k = 0; k < r.items.size(); ++k) {
         for (int e = 0; e < 2; ++e) {
-          out << r.items[k].serial << "," << r.items[k].number << "," << (e == 0 ? "max" : "min");
+          out << r.items[k].serial << "," << r.items[k].number << "," << (e == 0 ? "max" : "min") << "," << step_of(k, e);
           for (double v : (e == 0 ? r.at_max : r.at_min)[k]) out << "," << number_text(v);
           out << "\n";
         }
@@ -218,11 +219,11 @@ void print_envelope(std::ostream& out, const EnvelopeResult& r, Format f) {
       out << "{";
       json_info(out, r.info);
       out << ", \"steps\": " << r.steps << ", \"components\": [";
-      for (int c = 0; c < 6; ++c) out << (c ? ", " : "") << json_string(kNodeComponents[c]);
+      for (size_t c = 0; c < r.columns.size(); ++c) out << (c ? ", " : "") << json_string(r.columns[c]);
       out << "], \"items\": [";
       for (size_t k = 0; k < r.items.size(); ++k) {
         out << (k ? ", " : "") << "{\"serial\": " << r.items[k].serial << ", \"number\": " << r.items[k].number
-            << ", \"max\": ";
+            << ", \"max_step\": " << step_of(k, 0) << ", \"min_step\": " << step_of(k, 1) << ", \"max\": ";
         json_values(out, r.at_max[k]);
         out << ", \"min\": ";
         json_values(out, r.at_min[k]);

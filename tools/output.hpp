@@ -51,10 +51,15 @@ struct SnapshotResult {
 struct EnvelopeResult {
   QueryInfo info;
   int steps = 0;
+  bool node = true;  // node results: items are nodes
   std::vector<Item> items;
-  // Per item: the six components at the step of the largest value of the
-  // component, then at the step of the smallest.
+  // The values given at each extreme: the six components of a node, or the
+  // component of an element.
+  std::vector<std::string> columns;
+  // Per item: the values at the step of the largest value of the component,
+  // then at the step of the smallest, and those steps.
   std::vector<std::vector<double>> at_max, at_min;
+  std::vector<int> step_max, step_min;
 };
 
 // EVERY: print every n-th step in a table (CSV and JSON always hold all).

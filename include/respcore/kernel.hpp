@@ -54,6 +54,14 @@ struct Result {
   int32_t status = STATUS_DONE;
   std::vector<double> values;  // the assembled array TDSP_COMP
   std::vector<std::string> output_lines;  // error lines the run wrote to standard output
+  // Lines for standard error (array bound diagnostics), kept here instead
+  // when the kernel is quiet.
+  std::vector<std::string> diagnostic_lines;
+  // Node envelopes (REQUEST_MODE 3, node families): per item, the step of
+  // the maximum and the step of the minimum of the requested component, the
+  // steps whose six components fill the item's twelve values. The first
+  // step wins a tie.
+  std::vector<int32_t> extreme_steps;
 };
 
 // Entries of TDSP_COMP that a request fills.
@@ -68,6 +76,12 @@ class RESPCORE_API Kernel {
   Kernel& operator=(Kernel&&) noexcept;
 
   Result run(const Request& request);
+
+  // A quiet kernel writes nothing to standard output or standard error: the
+  // error lines of a run reach the caller through Result::output_lines and
+  // the bound diagnostics through Result::diagnostic_lines. Off by default.
+  void set_quiet(bool quiet);
+  bool quiet() const;
 
   // The raw request, with the arguments of the exported C entry. TDSP_COMP
   // must hold the entries the request fills.

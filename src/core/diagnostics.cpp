@@ -8,10 +8,32 @@
 
 namespace respcore {
 
+namespace {
+// The quiet kernel whose call runs on this thread, if any.
+thread_local Diagnostics* t_quiet_sink = nullptr;
+}  // namespace
+
+DiagnosticScope::DiagnosticScope(Diagnostics& D) : previous_(t_quiet_sink) {
+  t_quiet_sink = D.quiet ? &D : nullptr;
+}
+
+DiagnosticScope::~DiagnosticScope() { t_quiet_sink = previous_; }
+
+void print_diagnostic(std::string_view line) {
+  if (t_quiet_sink != nullptr) {
+    t_quiet_sink->diagnostic_lines.emplace_back(line);
+    return;
+  }
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fputc('\n', stderr);
+}
+
 void report_bound_failure(const char* name, int64_t value, int64_t lo, int64_t hi) {
-  std::fprintf(stderr, "array bound exceeded: %s subscript %lld bound %lld:%lld\n", name,
-               static_cast<long long>(value), static_cast<long long>(lo),
-               static_cast<long long>(hi));
+  char line[256];
+  std::snprintf(line, sizeof line, "array bound exceeded: %s subscript %lld bound %lld:%lld", name,
+                static_cast<long long>(value), static_cast<long long>(lo),
+                static_cast<long long>(hi));
+  print_diagnostic(line);
 }
 
 int64_t checked_count(int64_t elem_size, int64_t n1, int64_t n2, int64_t n3) {
@@ -26,8 +48,10 @@ int64_t checked_count(int64_t elem_size, int64_t n1, int64_t n2, int64_t n3) {
 }
 
 void print_line(Diagnostics& D, std::string_view line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
+  if (!D.quiet) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+  }
   D.output_lines.emplace_back(line);
 }
 

@@ -16,13 +16,39 @@ namespace respcore {
 
 // What one kernel has written: the lines it put on standard output during
 // the current call, and the element message sink (unit 78).
+//
+// A quiet kernel writes nothing to the process's streams: its error lines
+// are only recorded, and the bound diagnostics and other standard-error
+// lines of its calls are kept in DIAGNOSTIC_LINES, so that a caller (a
+// Python session, a tool that writes CSV) decides where they go.
 struct Diagnostics {
   std::vector<std::string> output_lines;
   std::string messages;
+  bool quiet = false;
+  std::vector<std::string> diagnostic_lines;
 };
 
-// Writes LINE and a newline to standard output and records it.
+// Writes LINE and a newline to standard output (unless D is quiet) and
+// records it.
 void print_line(Diagnostics& D, std::string_view line);
+
+// A line for standard error: written there, or kept in the diagnostic lines
+// of the quiet kernel that runs on this thread.
+void print_diagnostic(std::string_view line);
+
+// While one of these lives, the standard-error lines of this thread go to D
+// if D is quiet. Kernels run one call at a time on a thread, so one sink per
+// thread suffices.
+class DiagnosticScope {
+ public:
+  explicit DiagnosticScope(Diagnostics& D);
+  ~DiagnosticScope();
+  DiagnosticScope(const DiagnosticScope&) = delete;
+  DiagnosticScope& operator=(const DiagnosticScope&) = delete;
+
+ private:
+  Diagnostics* previous_;
+};
 
 // Appends LINE and a newline to the message sink (unit 78).
 void write_message(Diagnostics& D, std::string_view line);

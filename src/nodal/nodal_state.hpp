@@ -37,6 +37,9 @@ struct NodalState {
   // One dof's history at a time, for the node histories; kept between calls
   // while it is small.
   std::vector<double, DefaultInitAllocator<double>> HIST;
+  // Node envelopes: the step of the maximum and of the minimum of each item,
+  // as the scan found them; kept after the call for the C++ API.
+  std::vector<int32_t> extreme_steps;
 
   void end_call() {
     ISER.clear();

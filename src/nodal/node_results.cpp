@@ -168,6 +168,9 @@ void DISP_VELO_ACCEL(NodalMotion& M, NodeSkew& S, Tdsp& TDSP, VecRef<int32_t> IN
           extreme_steps([&](int64_t s) { return NO(C, s); }, R.NUM_STEPS, smax, smin);
         SMAX(k) = smax;
         SMIN(k) = smin;
+        M.state.extreme_steps.resize(2 * static_cast<size_t>(R.NUM_ITEMS), 0);
+        M.state.extreme_steps[2 * static_cast<size_t>(k - 1)] = static_cast<int32_t>(smax);
+        M.state.extreme_steps[2 * static_cast<size_t>(k - 1) + 1] = static_cast<int32_t>(smin);
       } else if (mode == 3) {
         for (int32_t r = 1; r <= K; ++r) {
           TDSP(r, 2 * (k - 1) + 1) = DISP_NO(r, 1);

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <new>
 #include <stdexcept>
+#include <string>
 
 #include "archive/section_access.hpp"
 #include "archive/units.hpp"
@@ -249,6 +250,9 @@ int32_t run_request(KernelState& K, const char* K_FNAME, int32_t name_length, in
                     double* TDSP_COMP, const int32_t* INUM_SERIAL, const int32_t* INUM_ELEMNT,
                     int32_t axis_flag, const CallerExtents& extents) {
   K.diag.output_lines.clear();
+  K.diag.diagnostic_lines.clear();
+  K.nodal.extreme_steps.clear();
+  const DiagnosticScope diagnostics(K.diag);
   const EntryArgs args{K_FNAME,   name_length, elem_type,   result_comp,  hist_case,
                        num_steps, num_items,   step_no,     request_mode, product_index,
                        mode_no,   TDSP_COMP,   INUM_SERIAL, INUM_ELEMNT,  axis_flag};
@@ -258,10 +262,10 @@ int32_t run_request(KernelState& K, const char* K_FNAME, int32_t name_length, in
   } catch (const FatalStop&) {
     status = 1;
   } catch (const std::bad_alloc&) {
-    std::fprintf(stderr, "respcore: an array of the request is too large to make\n");
+    print_diagnostic("respcore: an array of the request is too large to make");
     status = 2;
   } catch (const std::exception& e) {
-    std::fprintf(stderr, "respcore: internal error: %s\n", e.what());
+    print_diagnostic(std::string("respcore: internal error: ") + e.what());
     status = 2;
   }
   try {

@@ -82,8 +82,13 @@ Result Kernel::run(const Request& q) {
                            q.request_mode, q.product_index, q.mode_no, res.values.data(),
                            q.serials.data(), q.elements.data(), q.axis_flag, ext);
   res.output_lines = state_->diag.output_lines;
+  res.diagnostic_lines = state_->diag.diagnostic_lines;
+  if (q.request_mode == 3) res.extreme_steps = state_->nodal.extreme_steps;
   return res;
 }
+
+void Kernel::set_quiet(bool quiet) { state_->diag.quiet = quiet; }
+bool Kernel::quiet() const { return state_->diag.quiet; }
 
 int32_t Kernel::request(const char* name, int32_t name_length, int32_t elem_type,
                         int32_t result_comp, int32_t hist_case, int32_t num_steps,

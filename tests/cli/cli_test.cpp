@@ -328,6 +328,8 @@ TEST(Cli, EnvelopeHoldsTheExtremesOfTheHistories) {
     for (int c = 1; c <= 6; ++c) h.push_back(kernel_values(9, c, node, 1000));
     const auto mx = std::max_element(h[0].begin(), h[0].end()) - h[0].begin();
     const auto mn = std::min_element(h[0].begin(), h[0].end()) - h[0].begin();
+    EXPECT_EQ(j["items"][k]["max_step"].num, static_cast<double>(mx + 1)) << "node " << node;
+    EXPECT_EQ(j["items"][k]["min_step"].num, static_cast<double>(mn + 1)) << "node " << node;
     const auto at_max = json_numbers(j["items"][k]["max"]), at_min = json_numbers(j["items"][k]["min"]);
     for (size_t c = 0; c < 6; ++c) {
       EXPECT_DOUBLE_EQ(at_max[c], h[c][static_cast<size_t>(mx)]) << "node " << node << " comp " << c + 1;
@@ -337,6 +339,19 @@ TEST(Cli, EnvelopeHoldsTheExtremesOfTheHistories) {
   const ToolRun csv = tool().run("envelope " + tool().base() + " -t node-displacement -i 19-24 -c x -f csv");
   ASSERT_EQ(csv.code, 0);
   EXPECT_EQ(formats::parse_csv(csv.out).size(), 13u);
+
+  // An element's envelope is the extremes of its history and their first steps.
+  const ToolRun b = tool().run("envelope " + tool().base() + " -t beam -i 2,5 -c My-j -f csv");
+  ASSERT_EQ(b.code, 0) << b.err;
+  const auto rows = formats::parse_csv(b.out);
+  ASSERT_EQ(rows.size(), 5u);
+  EXPECT_EQ(rows[0], (std::vector<std::string>{"serial", "number", "extreme", "step", "My-j"}));
+  for (size_t i = 1; i < rows.size(); ++i) {
+    const auto h = kernel_values(13, 11, std::stoi(rows[i][0]), 1000);
+    const auto it = rows[i][2] == "max" ? std::max_element(h.begin(), h.end()) : std::min_element(h.begin(), h.end());
+    EXPECT_EQ(std::stoi(rows[i][3]), it - h.begin() + 1) << i;
+    EXPECT_EQ(std::stod(rows[i][4]), *it) << i;
+  }
 }
 
 TEST(Cli, PlotIsAWellFormedSvgOfTheHistory) {
@@ -392,14 +407,15 @@ TEST(Cli, BadArgumentsGiveOneLineAndExitCodeTwo) {
       {"history " + b + " --type beam --item 1 --comp 35", "row 35 is not one of beam's"},
       {"history " + b + " --type beam --item 1 --comp corner1", "is a snapshot selector here"},
       {"history " + b + " --type beam --item 1 --comp 5 --case 3", "case 3 is not in the archive"},
-      {"history " + b + " --type beam --item 1 --comp 5 --steps 1001", "exceeds the 1000 steps stored"},
+      {"history " + b + " --type beam --item 1 --comp 5 --steps 1001", "exceed the 1000 steps stored"},
       {"history " + b + " --type beam --item 0 --comp 5", "bad item '0'"},
       {"history " + b + " --type beam --item 1 --comp 5 -f xml", "unknown format 'xml'"},
       {"history " + b + " --type beam --comp 5", "--item is required"},
       {"history " + b + " --type beam --item 1 --comp 5 --colour red", "colour"},
       {"snapshot " + b + " --type beam --items 1-3 --comp N --step 0", "--step must be"},
       {"snapshot " + b + " --type truss --items 3-1 --comp N --step 2", "bad item range '3-1'"},
-      {"envelope " + b + " --type beam --items 1 --comp N", "envelopes are node results"},
+      {"envelope " + b + " --type beam --items 1 --comp N", "is a snapshot selector here"},
+      {"envelope " + b + " --type node-velocity --items 1 --comp warp", "one of the six components"},
       {"history " + b + " --type beam --item 1 --comp 5 --product D.X.K", "cannot be named in a request"},
       {"history " + b + " --type truss --item 1 --comp N-i --absolute", "node results only"},
       {"", "subcommand is required"},
@@ -493,6 +509,15 @@ TEST(Cli, ErrorLinesOfTheKernelStillShow) {
   EXPECT_NE(r.out.find("   ERROR READ-F IN RESP CORE , ID_M, ID_S=THIF"), std::string::npos) << r.out;
   EXPECT_TRUE(one_line(r.err)) << r.err;
   EXPECT_NE(r.err.find("the kernel reported"), std::string::npos) << r.err;
+
+  // Quiet: standard output holds the CSV alone; the lines go to standard
+  // error, each with its item, also when one call served several items.
+  const ToolRun q = tool().run("snapshot " + dir + "/frame -t beam -i 2,3 -c My --step 5 -f csv --quiet");
+  EXPECT_EQ(q.code, 1);
+  EXPECT_EQ(q.out, "serial,number,end-i,end-j\n2,2,0,0\n3,3,0,0\n");
+  for (const char* item : {"item 2:", "item 3:"}) {
+    EXPECT_NE(q.err.find(std::string(item) + "    ERROR READ-F IN RESP CORE , ID_M, ID_S=BEAM      3\n"), std::string::npos) << q.err;
+  }
 }
 
 }  // namespace
