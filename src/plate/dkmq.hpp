@@ -34,10 +34,6 @@ namespace respcore {
 // increment itself, BB * (3/2) * A.
 inline constexpr double kSideIncrementFactor = 1.5;
 
-// Rows of the transverse shear stresses in a stress block.
-inline constexpr int32_t kShearRowYZ = 7;
-inline constexpr int32_t kShearRowXZ = 8;
-
 // Side data of the element (sides k = 1..4 from node k to the next).
 struct DkmqGeom {
   double XK[4] = {}, YK[4] = {};  // next node minus this node

@@ -201,8 +201,8 @@ void DKMTLMT_STR(const PlateContext& C, DkmtSaved& S, int32_t& NNODE, VecRef<dou
     block[3] = (cm3(DM, 1, 1) * ex + cm3(DM, 1, 2) * ey) * K;
     block[4] = (cm3(DM, 2, 1) * ex + cm3(DM, 2, 2) * ey) * K;
     block[5] = cm3(DM, 3, 3) * exy * K;
-    block[6] = g2 * S.e9 * cm2(SC, 1, 1);
-    block[7] = g1 * S.e8 * cm2(SC, 2, 2);
+    block[kShearRowYZ - 1] = g2 * S.e9 * cm2(SC, 1, 1);
+    block[kShearRowXZ - 1] = g1 * S.e8 * cm2(SC, 2, 2);
   } else {
     // The isotropic bending rows carry D0 once more on top of the D0 that DB
     // holds; results were produced that way.
@@ -211,8 +211,8 @@ void DKMTLMT_STR(const PlateContext& C, DkmtSaved& S, int32_t& NNODE, VecRef<dou
     block[3] = (cm3(DB, 1, 1) * ex + cm3(DB, 1, 2) * ey) * K;
     block[4] = (cm3(DB, 2, 1) * ex + cm3(DB, 2, 2) * ey) * K;
     block[5] = cm3(DB, 3, 3) * exy * K;
-    block[6] = S.Gs * g2 * cm2(SC, 1, 1);
-    block[7] = S.Gs * g1 * cm2(SC, 2, 2);
+    block[kShearRowYZ - 1] = S.Gs * g2 * cm2(SC, 1, 1);
+    block[kShearRowXZ - 1] = S.Gs * g1 * cm2(SC, 2, 2);
   }
   for (int p = 0; p < 5; ++p)
     for (int c = 0; c < 8; ++c) ST(8 * p + c + 1) = block[c];

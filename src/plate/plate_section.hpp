@@ -22,6 +22,11 @@
 
 namespace respcore {
 
+// Rows of the transverse shear pair in a stress block: every plate routine
+// delivers the yz member first.
+inline constexpr int32_t kShearRowYZ = 7;
+inline constexpr int32_t kShearRowXZ = 8;
+
 struct PlateSection {
   double Dm[3][3] = {};   // membrane, (xx, yy, xy) by (xx, yy, xy); Dm[i][j] is row i+1, column j+1
   double Dbs[3][3] = {};  // bending: curvature to the block's rows 4-6
@@ -37,8 +42,8 @@ struct PlateSection {
       block[i] = Dm[i][0] * eps[0] + Dm[i][1] * eps[1] + Dm[i][2] * eps[2];
       block[i + 3] = Dbs[i][0] * kappa[0] + Dbs[i][1] * kappa[1] + Dbs[i][2] * kappa[2];
     }
-    block[7] = Ds[0][0] * gxz_gyz[0] + Ds[0][1] * gxz_gyz[1];
-    block[6] = Ds[1][0] * gxz_gyz[0] + Ds[1][1] * gxz_gyz[1];
+    block[kShearRowXZ - 1] = Ds[0][0] * gxz_gyz[0] + Ds[0][1] * gxz_gyz[1];
+    block[kShearRowYZ - 1] = Ds[1][0] * gxz_gyz[0] + Ds[1][1] * gxz_gyz[1];
   }
 };
 
