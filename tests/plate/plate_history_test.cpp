@@ -167,5 +167,165 @@ TEST(PlateReleases, StressesIgnoreTheReleasedMotion) {
   }
 }
 
+// Forces are the stored matrix times the motion by equation, turned to
+// element axes (and to the user's); the many-items and the envelope forms
+// return the rows of the history form.
+TEST(PlateAssembly, ForcesAndTheThreeRequestModes) {
+  for (const Case c : {Case{4, 0, 2, true}, Case{3, 1, 2, false}}) {
+    ArchiveFixture f;
+    std::vector<std::array<double, 3>> cord;
+    PlateRecord r = record(c, cord);
+    const int neq = 6 * c.nodes;
+    for (int i = 1; i <= neq; ++i)
+      for (int j = 1; j <= neq; ++j) r.forces.push_back((j - 2 * i) / 7.0);
+    const Field fl = sum(rigid({1e-3, 2e-3, -1e-3, 3e-4, 2e-4, -1e-4}), bending(1e-3, 2e-3, 0));
+    write_plate(f, c, r, cord, {fl, membrane(1e-3, 2e-3, 0, 0)});
+    const auto rows = history_rows(f, 3, 1, 94, 2);
+    std::vector<double> d;
+    const auto xy = local_nodes(c.nodes);
+    for (size_t n = 0; n < xy.size(); ++n) {
+      const Dof6 m = node_motion(fl, xy[n][0], xy[n][1], offset_of(c, n));
+      d.insert(d.end(), m.begin(), m.end());
+    }
+    const auto q = axes();
+    const double t = (c.moved ? kAngle : 0.0) / 180 * 3.141592653589793;
+    for (int k = 0; k < 2 * c.nodes; ++k) {
+      Row3 g{}, l{};
+      for (int a = 0; a < 3; ++a)
+        for (int i = 0; i < neq; ++i) g[a] += r.forces[i * neq + 3 * k + a] * d[i];
+      for (int a = 0; a < 3; ++a) l[a] = q[a][0] * g[0] + q[a][1] * g[1] + q[a][2] * g[2];
+      const Row3 want = {std::cos(t) * l[0] + std::sin(t) * l[1], -std::sin(t) * l[0] + std::cos(t) * l[1], l[2]};
+      for (int a = 0; a < 3; ++a) EXPECT_NEAR(rows[3 * k + a][0], want[a], 1e-12) << 3 * k + a + 1;
+    }
+    for (int i = neq; i < 24; ++i) EXPECT_EQ(rows[i][0], 0.0);
+
+    Kernel k;
+    for (int step = 1; step <= 2; ++step)
+      for (int C = 1; C <= 20; ++C) {
+        Request q2 = f.request(3, C, 1);
+        q2.request_mode = 2;
+        q2.step_no = step;
+        const auto v = k.run(q2).values;
+        ASSERT_EQ(v.size(), C < 7 ? 4u : 5u);
+        for (size_t n = 0; n < v.size(); ++n)  // one step or two in the force product
+          EXPECT_NEAR(v[n], rows[C < 7 ? C - 1 + 6 * n : C + 17 + 14 * n][step - 1], 1e-15) << C;
+      }
+    Request q3 = f.request(3, 9, 1);
+    q3.request_mode = 3;
+    q3.num_items = 2;
+    q3.serials = {1, 1};
+    q3.elements = {1, 1};
+    const auto v3 = k.run(q3).values;
+    ASSERT_EQ(v3.size(), 24u);
+    for (int i = 0; i < 24; ++i) EXPECT_NEAR(v3[i], i < 12 ? rows[i % 6][0] : 0.0, 1e-15) << i;
+  }
+}
+
+// The general form ("J.W.U") applies the record's own matrices: forces as
+// stored on the motion by equation, stress blocks on the element-axis motion
+// at the offset points, fibres by the record's factors and thickness per
+// point; form 1 takes the shear forces from the moment gradient.
+TEST(GeneralPlate, RecordsBuiltFromTheTestsOwnMatrices) {
+  ArchiveFixture f("J.W.U");
+  auto q = axes();  // as the record's four-byte reals hold them
+  for (auto& row : q)
+    for (double& v : row) v = static_cast<float>(v);
+  struct El { std::vector<std::array<double, 2>> xy; double top; int form; Row3 off; };
+  const std::vector<El> els = {{local_nodes(4), 0.5, 0, {0.125, -0.25, 0.375}},
+                               {local_nodes(3), 0.5, 2, {0, 0, 0}},
+                               {{{0, 0}, {2, 0}, {2, 1}, {0, 1}}, 0.0, 1, {0, 0, 0}}};
+  const std::array<double, 5> thk = {0.375, 0.25, 0.5, 0.125, 0.75};
+  std::vector<std::array<double, 3>> cord;
+  std::vector<Dof6> motion;
+  std::vector<GeneralPlateRecord> recs;
+  std::vector<std::vector<double>> m8s;
+  for (const El& e : els) {
+    GeneralPlateRecord g;
+    const int nn = static_cast<int>(e.xy.size()), neq = 6 * nn;
+    for (int n = 0; n < nn; ++n) {
+      const Row3 p = to_global({e.xy[n][0], e.xy[n][1], 0.0});
+      cord.push_back({p[0] - e.off[0], p[1] - e.off[1], p[2] - e.off[2]});
+      g.nodes.push_back(static_cast<double>(cord.size()));
+      for (int k = 1; k <= 6; ++k) g.lm.push_back(6.0 * (cord.size() - 1) + k);
+      g.offsets[3 * n] = e.off[0], g.offsets[3 * n + 1] = e.off[1], g.offsets[3 * n + 2] = e.off[2];
+      Dof6 m;
+      for (int k = 0; k < 6; ++k) m[k] = 1e-3 * std::sin(3.0 * cord.size() + k);
+      motion.push_back(m);
+    }
+    g.offset_switch = e.off[2] != 0.0 ? 1 : 0;
+    g.thk = e.form == 1 ? std::array<double, 5>{0.375, 0.25, 0.5, 0.5, 0.25} : thk;
+    g.axes = q;
+    g.top = e.top;
+    g.bottom = -0.4;
+    g.form = e.form;
+    for (int i = 0; i < neq * neq; ++i) g.forc.push_back((i % 5) - 2.0);
+    std::vector<double> m8;  // the same 8 rows at every point
+    for (int rr = 0; rr < 8; ++rr)
+      for (int i = 0; i < neq; ++i) m8.push_back(((rr + 1) * (i + 3) % 7 - 3) / 4.0);
+    for (int p = 0; p <= nn; ++p) g.strs.insert(g.strs.end(), m8.begin(), m8.end());
+    recs.push_back(g);
+    m8s.push_back(m8);
+  }
+  write_motion(f, {motion});
+  f.writer().node_coordinates(cord);
+  f.writer().general_plate_records(3, recs);
+  f.write();
+
+  Kernel k;
+  size_t first = 0;
+  for (size_t e = 0; e < els.size(); ++e) {
+    Request rq = f.request(3, 1, 1);
+    rq.product_index = 6;
+    rq.serials = {static_cast<int32_t>(e + 1)};
+    std::vector<double> rows(94);
+    for (int r = 1; r <= 94; ++r) {
+      rq.result_comp = r;
+      rows[r - 1] = k.run(rq).values.at(0);
+    }
+    const int nn = static_cast<int>(els[e].xy.size()), neq = 6 * nn;
+    std::vector<double> d, loc(neq);
+    for (int n = 0; n < nn; ++n) d.insert(d.end(), motion[first + n].begin(), motion[first + n].end());
+    for (int i = 0; i < 24; ++i) {
+      double want = 0.0;
+      for (int j = 0; j < neq && i < neq; ++j) want += recs[e].forc[j * neq + i] * d[j];
+      EXPECT_NEAR(rows[i], want, 1e-15) << "element " << e + 1 << " force " << i + 1;
+    }
+    for (int n = 0; n < nn; ++n) {
+      const double* u = &d[6 * n];
+      const Row3 r = recs[e].offset_switch == 1 ? els[e].off : Row3{};
+      const Row3 ug = {u[0] + u[4] * r[2] - u[5] * r[1], u[1] + u[5] * r[0] - u[3] * r[2],
+                       u[2] + u[3] * r[1] - u[4] * r[0]};
+      for (int a = 0; a < 3; ++a)
+        for (int b = 0; b < 3; ++b) {
+          loc[6 * n + a] += q[a][b] * ug[b];
+          loc[6 * n + 3 + a] += q[a][b] * u[3 + b];
+        }
+    }
+    double S[8] = {};
+    for (int rr = 0; rr < 8; ++rr)
+      for (int i = 0; i < neq; ++i) S[rr] += m8s[e][rr * neq + i] * loc[i];
+    for (int p = 0; p < 5; ++p) {
+      const double t = recs[e].thk[p], top = els[e].top;
+      Block b{};
+      for (int c = 0; c < 3; ++c) {
+        b[c] = S[c] + 2 * top * S[c + 3];
+        b[c + 3] = S[c] + 2 * static_cast<double>(-0.4f) * S[c + 3];
+        b[c + 6] = S[c] * t;
+        b[c + 9] = top == 0.0 ? -t * t * S[c + 3] / 6 : 0.0;
+      }
+      b[12] = S[7] * t, b[13] = S[6] * t;
+      // thk^2 = 0.0625 + 0.09375 x: the moments grow linearly along x.
+      if (els[e].form == 1) b[12] = 0.09375 / 6 * S[3], b[13] = 0.09375 / 6 * S[5];
+      for (int i = 0; i < 14; ++i) {
+        const double want = p == nn + 1 ? 0.0 : b[i];
+        // The gradient sees the node positions through the four-byte axes.
+        const double tol = els[e].form == 1 && i >= 12 ? 1e-6 * std::fabs(want) : 1e-12;
+        EXPECT_NEAR(rows[24 + 14 * p + i], want, tol) << "element " << e + 1 << " point " << p + 1 << " row " << i + 1;
+      }
+    }
+    first += nn;
+  }
+}
+
 }  // namespace
 }  // namespace respcore::testing::plate
