@@ -66,7 +66,8 @@ std::vector<float> GeneralPlateRecord::words() const {
   put(w, 35, lm, "general plate");
   // FORC_DISP: a column of 24 words per equation; STRS_DISP behind it, 24
   // words per stress row.
-  for (size_t k = 0; k < forc.size(); ++k) w[58 + 24 * (k / neq) + k % neq] = static_cast<float>(forc[k]);
+  for (size_t k = 0; k < forc.size(); ++k)
+    w[58 + 24 * (k / neq) + k % neq] = static_cast<float>(forc[k]);
   for (size_t k = 0; k < strs.size(); ++k)
     w[58 + 24 * neq + 24 * (k / neq) + k % neq] = static_cast<float>(strs[k]);
   w[kWords - 1] = static_cast<float>(form);
@@ -83,7 +84,8 @@ std::vector<double> PlateHighRecord::words() const {
   w[51] = static_cast<double>(nodes.size());
   put(w, 53, nodes, "high-order plate");
   put(w, 61, prop, "high-order plate");
-  put(w, 72, std::vector<double>{young, poisson, static_cast<double>(mat_type)}, "high-order plate");
+  put(w, 72, std::vector<double>{young, poisson, static_cast<double>(mat_type)},
+      "high-order plate");
   put(w, 75, mat_vals, "high-order plate");
   return w;
 }
@@ -91,7 +93,8 @@ std::vector<double> PlateHighRecord::words() const {
 Section& ArchiveWriter::plate_records(int32_t serial, const std::vector<PlateRecord>& records) {
   Section& s = second().add(sections::PLAT, serial, 2 * PlateRecord::kWords,
                             static_cast<int64_t>(records.size()));
-  for (size_t r = 0; r < records.size(); ++r) s.put_f64s(static_cast<int64_t>(r) + 1, 0, records[r].words());
+  for (size_t r = 0; r < records.size(); ++r)
+    s.put_f64s(static_cast<int64_t>(r) + 1, 0, records[r].words());
   return s;
 }
 
@@ -110,7 +113,8 @@ Section& ArchiveWriter::plate_high_records(int32_t serial,
                                            const std::vector<PlateHighRecord>& records) {
   Section& s = second().add(sections::PLTH, serial, 2 * PlateHighRecord::kWords,
                             static_cast<int64_t>(records.size()));
-  for (size_t r = 0; r < records.size(); ++r) s.put_f64s(static_cast<int64_t>(r) + 1, 0, records[r].words());
+  for (size_t r = 0; r < records.size(); ++r)
+    s.put_f64s(static_cast<int64_t>(r) + 1, 0, records[r].words());
   return s;
 }
 

@@ -47,19 +47,22 @@ struct PlateElement {
 // one; anything else runs no result rule.
 int32_t plate_variant(double code) {
   switch (trunc_i32(code)) {
-    case 0: return 2;
-    case 1: return 3;
-    case 2: return 4;
-    default: return 0;
+    case 0:
+      return 2;
+    case 1:
+      return 3;
+    case 2:
+      return 4;
+    default:
+      return 0;
   }
 }
 
 // Decodes SA into the element, its equation numbers, node records, offset
 // coordinates and offsets, its material and section (into the kernel's
 // material and plate state) and its release codes.
-PlateElement decode_record(Vec<double>& SA, PlateContext& P, ElementMaterial& M,
-                           Vec<int32_t>& LM, Vec<int32_t>& IIA, Mat<double>& XYZ_OFF,
-                           Vec<double>& RLS_CODE) {
+PlateElement decode_record(Vec<double>& SA, PlateContext& P, ElementMaterial& M, Vec<int32_t>& LM,
+                           Vec<int32_t>& IIA, Mat<double>& XYZ_OFF, Vec<double>& RLS_CODE) {
   PlateElement e;
   e.neq = std::max(trunc_i32(SA(601)), 0);
   e.ns = std::max(trunc_i32(SA(602)), 0);
@@ -110,8 +113,8 @@ PlateElement decode_record(Vec<double>& SA, PlateContext& P, ElementMaterial& M,
 
 // The formulation of the element at step S: the stress blocks ST(1..40).
 // A combination that no routine serves leaves ST as it was.
-void run_formulation(const PlateContext& P, PlateSaved& V, const PlateElement& e,
-                     VecRef<double> D, MatRef<double> XYZ, MatRef<double> TR, int32_t S) {
+void run_formulation(const PlateContext& P, PlateSaved& V, const PlateElement& e, VecRef<double> D,
+                     MatRef<double> XYZ, MatRef<double> TR, int32_t S) {
   VecRef<double> ST = V.st();
   MatRef<double> STRS(V.ST, 8, 5, "ST");
   int32_t nn = e.nnode;
@@ -215,8 +218,8 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
     TR.fill(0.0);
     double x[4], y[4], z[4];
     for (int i = 0; i < 4; ++i) x[i] = XYZ(1, i + 1), y[i] = XYZ(2, i + 1), z[i] = XYZ(3, i + 1);
-    QDCOS(VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"), VecRef<double>(z, 4, "Z"),
-          TR.ref(), nnode == 4 ? 4 : 1);
+    QDCOS(VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"), VecRef<double>(z, 4, "Z"), TR.ref(),
+          nnode == 4 ? 4 : 1);
 
     DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), e.neq, LM.ref(), IIA.ref(), nnode, 0);
     if (e.offset_sum > kOffsetTolerance)
@@ -248,7 +251,8 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
       const double* dn = DISP_NO.col(k);
       for (int32_t n = 0; n < 2 * nnode; ++n)
         for (int r = 0; r < 3; ++r)
-          D(3 * n + r + 1) = t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
+          D(3 * n + r + 1) =
+              t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
 
       run_formulation(P, V, e, D.ref(), XYZ.ref(), TR.ref(), k);
       for (int32_t i = 1; i <= 40; ++i) SIG(24 + i) = V.ST[i - 1];
@@ -271,8 +275,8 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
           THK.fill(MAT.PLATE_PROP[0]);
           if (nnode == 3) THK(5) = 0.0;
         }
-        COMPUTE_PLATE_STRAIN(P, V.strain, STRAIN.ref(), SIG.sub(25, 40), TR.ref(), THK.ref(),
-                             nnode, 0, k, nsteps, 0);
+        COMPUTE_PLATE_STRAIN(P, V.strain, STRAIN.ref(), SIG.sub(25, 40), TR.ref(), THK.ref(), nnode,
+                             0, k, nsteps, 0);
         MIX_STRESS_STRAIN(SIG.sub(25, 40), SIG.sub(65, 70), STRAIN.ref(), nnode,
                           half_top ? 0.5 : MAT.PLATE_PROP[8], -0.5, THK.ref(), MAT.plate_prop());
       }

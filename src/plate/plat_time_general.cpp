@@ -122,8 +122,8 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
       RECOV_DISP_OFFSET_TIME(DISP_NO.ref(), kMaxDof, nsteps, nnode, TR.ref(), OFFSET.ref());
     FORCE.fill(0.0);
     if (neq > 0 && nsteps > 0)
-      DGEMM('N', 'N', kMaxDof, nsteps, neq, 1.0, FORC_DISP.data(), kMaxDof, DISP_EQ.data(),
-            kMaxDof, 0.0, FORCE.data(), kMaxDof);
+      DGEMM('N', 'N', kMaxDof, nsteps, neq, 1.0, FORC_DISP.data(), kMaxDof, DISP_EQ.data(), kMaxDof,
+            0.0, FORCE.data(), kMaxDof);
 
     double t[3][3];
     for (int r = 0; r < 3; ++r)
@@ -135,7 +135,8 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
       const double* dn = DISP_NO.col(k);
       for (int32_t n = 0; n < 2 * nnode; ++n)
         for (int r = 0; r < 3; ++r)
-          D(3 * n + r + 1) = t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
+          D(3 * n + r + 1) =
+              t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
       for (int32_t m = 1; m <= nstress; ++m) {
         double s = 0.0;
         for (int32_t i = 1; i <= neq; ++i) s += STRS_DISP(m, i) * D(i);

@@ -37,13 +37,13 @@ constexpr int32_t ID_QUAD[4][4] = {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 9, 9, 9}, {8,
 // The four sub-elements of an element: their corners, axes and the turns
 // between their axes and the panel's.
 struct SubElements {
-  int32_t nnod = 0;     // 6 or 8
-  int32_t corners = 0;  // 3 or 4
-  int32_t node[4][4] = {};      // node[j][m]: corner m of sub j
-  double XYZ[4][12] = {};       // XYZ(3, corners) of sub j
-  double T[4][9] = {};          // T(3,3) of sub j, column-major
-  double TURN[4][3][3] = {};    // T_j PANEL_T': panel to sub axes
-  double Q[4][2][2] = {};       // in-plane part of PANEL_T T_j': sub to panel axes
+  int32_t nnod = 0;           // 6 or 8
+  int32_t corners = 0;        // 3 or 4
+  int32_t node[4][4] = {};    // node[j][m]: corner m of sub j
+  double XYZ[4][12] = {};     // XYZ(3, corners) of sub j
+  double T[4][9] = {};        // T(3,3) of sub j, column-major
+  double TURN[4][3][3] = {};  // T_j PANEL_T': panel to sub axes
+  double Q[4][2][2] = {};     // in-plane part of PANEL_T T_j': sub to panel axes
 
   MatRef<double> xyz(int j) { return MatRef<double>(XYZ[j], 3, corners, "XYZ"); }
   MatRef<double> t(int j) { return MatRef<double>(T[j], 3, 3, "T"); }
@@ -87,7 +87,8 @@ void PLATE_STF(const PlateContext& P, SubElements& E, MatRef<double> K) {
   for (int j = 0; j < 4; ++j) {
     if (E.corners == 4) {
       double x[4], y[4], z[4];
-      for (int m = 0; m < 4; ++m) x[m] = E.XYZ[j][3 * m], y[m] = E.XYZ[j][3 * m + 1], z[m] = E.XYZ[j][3 * m + 2];
+      for (int m = 0; m < 4; ++m)
+        x[m] = E.XYZ[j][3 * m], y[m] = E.XYZ[j][3 * m + 1], z[m] = E.XYZ[j][3 * m + 2];
       DKMQ_STF_WARP(P, 0, S, W, 24, VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"),
                     VecRef<double>(z, 4, "Z"), E.t(j), 1);
     } else {
@@ -190,8 +191,8 @@ void PLATE_STRESS_HIGH(const PlateContext& P, PlateSaved& V, SubElements& E,
 
 }  // namespace
 
-void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
-                Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT) {
+void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C, Tdsp& TDSP,
+                ItemList INUM_SERIAL, ItemList INUM_ELEMNT) {
   const int32_t nsteps = std::max(R.NUM_STEPS, 0);
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
   ElementMaterial& MAT = C.material;

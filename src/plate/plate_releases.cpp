@@ -19,10 +19,8 @@ int32_t released_components(double code) {
 
 void RECOV_RLS_PLATE(const PlateContext& C, int32_t PLATE_KIND, int32_t MEMB_KIND,
                      MatRef<double> DISP_NO_arg, int32_t ROWS, MatRef<double> XYZ,
-                     int32_t NUM_STEPS, int32_t NNODE, MatRef<double> TR,
-                     VecRef<double> RLS_CODE) {
-  if (NUM_STEPS <= 0 || (NNODE != 3 && NNODE != 4) || (PLATE_KIND != 0 && PLATE_KIND != 1))
-    return;
+                     int32_t NUM_STEPS, int32_t NNODE, MatRef<double> TR, VecRef<double> RLS_CODE) {
+  if (NUM_STEPS <= 0 || (NNODE != 3 && NNODE != 4) || (PLATE_KIND != 0 && PLATE_KIND != 1)) return;
   const int32_t nt = 6 * NNODE;
   // Kept freedoms first, released ones last, as the condensation orders them.
   int32_t order[24], nr = 0, nc = 0;
@@ -40,7 +38,8 @@ void RECOV_RLS_PLATE(const PlateContext& C, int32_t PLATE_KIND, int32_t MEMB_KIN
   MatRef<double> K(k, nt, nt, "STIF");
   if (NNODE == 4) {
     double x[4], y[4], z[4];
-    for (int32_t i = 0; i < 4; ++i) x[i] = XYZ(1, i + 1), y[i] = XYZ(2, i + 1), z[i] = XYZ(3, i + 1);
+    for (int32_t i = 0; i < 4; ++i)
+      x[i] = XYZ(1, i + 1), y[i] = XYZ(2, i + 1), z[i] = XYZ(3, i + 1);
     VecRef<double> X(x, 4, "X"), Y(y, 4, "Y"), Z(z, 4, "Z");
     MatRef<double> WORK(work, 24, 24, "WORK");
     if (PLATE_KIND == 0)
@@ -58,8 +57,7 @@ void RECOV_RLS_PLATE(const PlateContext& C, int32_t PLATE_KIND, int32_t MEMB_KIN
   for (int32_t b = 1; b <= nt; ++b)
     for (int32_t a = 1; a <= nt; ++a) KP(a, b) = K(order[a - 1] + 1, order[b - 1] + 1);
   MatRef<double> WORK1(w1, nr, nc + 1, "WORK1");
-  STCOND(nt, nr, KP, VecRef<double>(forc, nt, "FORC"), MatRef<double>(w, nr, nr, "WORK"), WORK1,
-         1);
+  STCOND(nt, nr, KP, VecRef<double>(forc, nt, "FORC"), MatRef<double>(w, nr, nr, "WORK"), WORK1, 1);
 
   MatRef<double> DISP_NO = as_shape(DISP_NO_arg, ROWS, NUM_STEPS);
   double t[3][3];
