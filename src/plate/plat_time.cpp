@@ -197,8 +197,9 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
   for (int64_t ie = 1; ie <= R.NUM_ITEMS; ++ie) {
     const double angle = EL_ANGLE(ie);
     if (!hnq) READING_ELEMENT_MATERIAL_DATA(A, MAT, INUM_ELEMNT(ie));
-    SA.fill(0.0);
-    A.read_f64(A.find(sections::PLAT, ID), INUM_SERIAL(ie), SA.ref(), kWords);
+    // An element whose record cannot be read keeps its rows at zero.
+    if (!A.read(A.find(sections::PLAT, ID), INUM_SERIAL(ie), SA.data(), int64_t{kWords} * 8))
+      continue;
     PlateElement e = decode_record(SA, P, MAT, LM, IIA, XYZ_OFF, RLS_CODE);
     const int32_t nnode = e.nnode;
 
@@ -235,6 +236,10 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
 
     // The forces of every step in one product, global axes.
     P14.fill(0.0);
+    if (int64_t{e.neq} * (1 + e.stride) > 600) {
+      report_bound_failure("P14", int64_t{e.neq} * (1 + e.stride), 1, 600);
+      e.ns = 0;
+    }
     for (int32_t i = 1; i <= e.neq; ++i)
       for (int32_t j = 1; j <= e.ns; ++j) P14(j, i) = SA(e.neq + int64_t{i - 1} * e.stride + j);
     FORCE.fill(0.0);

@@ -80,8 +80,10 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
   Vec<double> SIG("SIG", 200), D("D", kMaxDof), OUT("OUT", kRows);
 
   for (int64_t ie = 1; ie <= R.NUM_ITEMS; ++ie) {
+    // An element whose record cannot be read keeps its rows at zero.
     W.fill(0.0f);
-    A.read(A.find(sections::PLAT, ID), INUM_SERIAL(ie), W.data(), int64_t{kWords} * 4);
+    if (!A.read(A.find(sections::PLAT, ID), INUM_SERIAL(ie), W.data(), int64_t{kWords} * 4))
+      continue;
     auto word = [&](int32_t k) { return static_cast<double>(W(k)); };
 
     int32_t nnode = std::max(trunc_i32(word(1)), 0);

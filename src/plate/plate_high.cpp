@@ -210,8 +210,10 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
 
   for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
     READING_ELEMENT_MATERIAL_DATA(A, MAT, INUM_ELEMNT(p));
-    SA.fill(0.0);
-    A.read_f64(A.find(sections::PLTH, ID), INUM_SERIAL(p), SA.ref(), kWords);
+    // An element whose record cannot be read, or that is neither a six- nor
+    // an eight-node plate, keeps its rows at zero.
+    if (!A.read(A.find(sections::PLTH, ID), INUM_SERIAL(p), SA.data(), int64_t{kWords} * 8))
+      continue;
     int32_t neq = std::max(trunc_i32(SA(49)), 0);
     if (neq > kDof) {
       report_bound_failure("LM", neq, 1, kDof);
@@ -220,9 +222,8 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
     LM.fill(0);
     for (int32_t i = 1; i <= neq; ++i) LM(i) = trunc_i32(SA(i));
     auto TEMP = [&](int32_t r) { return SA(51 + r); };
-    const int32_t stored = trunc_i32(TEMP(1));
-    const int32_t nnod = stored == 8 ? 8 : 6;
-    if (stored != 6 && stored != 8) report_bound_failure("NNOD", stored, 6, 8);
+    const int32_t nnod = trunc_i32(TEMP(1));
+    if (nnod != 6 && nnod != 8) continue;
     for (int32_t i = 1; i <= 8; ++i) IIA(i) = trunc_i32(TEMP(1 + i));
     for (int k = 0; k < 11; ++k) MAT.PLATE_PROP[k] = TEMP(10 + k);
     MAT.MAT_YOUNG = TEMP(21);

@@ -53,7 +53,8 @@ PlateRecord write_plate(ArchiveFixture& f, const Case& c, const std::vector<Fiel
     r.lm.push_back(i + 1);
     for (int j = 0; j < neq; ++j) r.forces.push_back(i == j ? 1.0 : 0.0);
   }
-  r.young = kE, r.poisson = kNu, r.form = c.form;
+  if (r.young == 0.0) r.young = kE, r.poisson = kNu;
+  r.form = c.form;
   if (c.variant == 3)
     r.prop = {kT1, kT1, kB, kB, kB, kZ1, kZ2, kZ1, kZ2, 0.0, 1.0};
   else
@@ -163,6 +164,27 @@ TEST(PlateReleases, StressesIgnoreTheReleasedMotion) {
       EXPECT_NEAR(runs[1][i][1], runs[0][i][1], 1e-9 * (1 + std::fabs(runs[0][i][1]))) << i + 1;
       EXPECT_EQ(runs[2][i][1], runs[3][i][1]) << "codes 0, row " << i + 1;
     }
+  }
+}
+
+// Material axes at 90 degrees (the record holds degrees) make the material of
+// the quadrilateral that with its two directions exchanged: moduli and the
+// Poisson ratio that goes with them.
+TEST(PlateMaterialAxes, NinetyDegreesExchangesTheDirections) {
+  const Field fl = sum(bending(2e-3, -1e-3, 5e-4), membrane(1e-3, 2e-4, 0, 3e-4));
+  for (int variant : {2, 4}) {
+    std::vector<Rows> runs;
+    for (int turned = 0; turned < 2; ++turned) {
+      ArchiveFixture f;
+      PlateRecord r;
+      r.mat_type = 1, r.young = turned ? 1.5e5 : 0.9e5, r.poisson = turned ? 0.25 : 0.15;
+      r.mat_vals = {turned ? 0.9e5 : 1.5e5, 0, 0, 1e5, 0, 0, 4e4, turned ? 2.5e4 : 3e4, turned ? 3e4 : 2.5e4};
+      r.angle = turned ? 90.0 : 0.0;
+      write_plate(f, Case{4, 0, variant, false}, {fl}, r);
+      runs.push_back(history_rows(f, 3, 1, 94, 1));
+    }
+    for (int i = 24; i < 94; ++i)
+      EXPECT_NEAR(runs[1][i][0], runs[0][i][0], 1e-9 * (1 + std::fabs(runs[0][i][0]))) << i + 1;
   }
 }
 
