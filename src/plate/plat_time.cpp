@@ -191,7 +191,9 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
   Mat<double> P14("P14", kMaxDof, kMaxDof);
   Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps), DISP_NO("DISP_NO", kMaxDof, nsteps);
   Mat<double> FORCE("FORCE", kMaxDof, nsteps);
-  Vec<double> SIG("SIG", 200), D("D", kMaxDof), FOC("FOC", kMaxDof), OUT("OUT", kRows);
+  double sig[200];
+  VecRef<double> SIG(sig, 200, "SIG");
+  Vec<double> D("D", kMaxDof);
   Vec<double> THK("THK", 5), STRAIN("STRAIN", 30);
 
   for (int64_t ie = 1; ie <= R.NUM_ITEMS; ++ie) {
@@ -250,9 +252,9 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
     double t[3][3];
     for (int r = 0; r < 3; ++r)
       for (int c = 0; c < 3; ++c) t[r][c] = TR(r + 1, c + 1);
-    ItemRows rows(TDSP, R, kRows, ie);
+    ItemRows rows(TDSP, R, kRows, 24, 40, ie);
     for (int32_t k = 1; k <= nsteps; ++k) {
-      SIG.fill(0.0);
+      std::fill(sig, sig + 200, 0.0);
       const double* dn = DISP_NO.col(k);
       for (int32_t n = 0; n < 2 * nnode; ++n)
         for (int r = 0; r < 3; ++r)
@@ -260,11 +262,10 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
               t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
 
       run_formulation(P, V, e, D.ref(), XYZ.ref(), TR.ref(), k);
-      for (int32_t i = 1; i <= 40; ++i) SIG(24 + i) = V.ST[i - 1];
+      std::copy(V.ST, V.ST + 40, sig + 24);
       if (nnode == 4) {
-        TRTONO(SIG.ref(), 6, 8);
-        if (e.variant == 3)
-          for (int32_t i = 1; i <= 40; ++i) V.ST[i - 1] = SIG(24 + i);
+        TRTONO(SIG, 6, 8);
+        if (e.variant == 3) std::copy(sig + 24, sig + 64, V.ST);
       } else if (e.variant == 4) {
         CURVED_EXPOLATE(SIG.sub(25, 40), 3);
       }
@@ -274,7 +275,7 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
         for (int p = 0; p < 5; ++p)
           plate_result_block(SIG.sub(25 + 8 * p, 8), SIG.sub(65 + 14 * p, 14), T);
       } else if (e.variant == 3) {
-        stiffened_blocks(V.st(), SIG.ref(), MAT.PLATE_PROP);
+        stiffened_blocks(V.st(), SIG, MAT.PLATE_PROP);
       } else if (e.variant == 4) {
         if (k == 1) {
           THK.fill(MAT.PLATE_PROP[0]);
@@ -287,15 +288,11 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
       }
 
       // Forces to element axes; rows past the element's nodes are cleared.
-      for (int32_t j = 1; j <= kMaxDof; ++j) FOC(j) = FORCE(j, k);
-      for (int32_t j = 1; j <= kMaxDof; ++j) SIG(j) = 0.0;
-      GLOTOLOC_FOC(FOC.ref(), SIG.sub(1, kMaxDof), 6 * nnode, TR.ref());
+      GLOTOLOC_FOC(VecRef<double>(FORCE.col(k), kMaxDof, "FORCE"), SIG.sub(1, kMaxDof), 6 * nnode,
+                    TR.ref());
       if (std::fabs(angle) > kAngleTolerance)
         TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(nnode, angle, SIG.sub(1, 134));
-
-      for (int32_t r = 1; r <= 24; ++r) OUT(r) = SIG(r);
-      for (int32_t r = 25; r <= kRows; ++r) OUT(r) = SIG(r + 40);
-      rows.put(k, OUT.ref());
+      rows.put(k, sig);
     }
   }
 }

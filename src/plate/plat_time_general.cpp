@@ -77,7 +77,9 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
   Mat<double> FORC_DISP("FORC_DISP", kMaxDof, kMaxDof), STRS_DISP("STRS_DISP", kMaxStress, kMaxDof);
   Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps), DISP_NO("DISP_NO", kMaxDof, nsteps);
   Mat<double> FORCE("FORCE", kMaxDof, nsteps);
-  Vec<double> SIG("SIG", 200), D("D", kMaxDof), OUT("OUT", kRows);
+  double sig[200];
+  VecRef<double> SIG(sig, 200, "SIG");
+  Vec<double> D("D", kMaxDof);
 
   for (int64_t ie = 1; ie <= R.NUM_ITEMS; ++ie) {
     // An element whose record cannot be read keeps its rows at zero.
@@ -130,10 +132,10 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
     double t[3][3];
     for (int r = 0; r < 3; ++r)
       for (int c = 0; c < 3; ++c) t[r][c] = TR(r + 1, c + 1);
-    ItemRows rows(TDSP, R, kRows, ie);
+    ItemRows rows(TDSP, R, kRows, 24, 40, ie);
     for (int32_t k = 1; k <= nsteps; ++k) {
-      SIG.fill(0.0);
-      for (int32_t j = 1; j <= neq; ++j) SIG(j) = FORCE(j, k);
+      std::fill(sig, sig + 200, 0.0);
+      std::copy(FORCE.col(k), FORCE.col(k) + neq, sig);
       const double* dn = DISP_NO.col(k);
       for (int32_t n = 0; n < 2 * nnode; ++n)
         for (int r = 0; r < 3; ++r)
@@ -145,16 +147,14 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
         SIG(24 + m) += s;
       }
       if (nnode == 4)
-        TRTONO(SIG.ref(), 6, 8);
+        TRTONO(SIG, 6, 8);
       else
         CURVED_EXPOLATE(SIG.sub(25, 40), 3);
       MIX_STRESS(SIG.sub(25, 40), SIG.sub(65, 70), nnode, MAT.PLATE_PROP[8], MAT.PLATE_PROP[9],
                  THK.ref());
       if (form == 1) COMPUTE_SHEAR_FORCE(SIG.sub(65, 70), XYZ.ref(), TR.ref(), nnode);
 
-      for (int32_t r = 1; r <= 24; ++r) OUT(r) = SIG(r);
-      for (int32_t r = 25; r <= kRows; ++r) OUT(r) = SIG(r + 40);
-      rows.put(k, OUT.ref());
+      rows.put(k, sig);
     }
   }
 }

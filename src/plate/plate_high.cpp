@@ -204,7 +204,8 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
   Mat<double> XYZ("XYZ", 3, 9), K("SK", 54, 54), STRS("STRS", kDof, kDof), C9("C9", 6, kDof);
   Mat<double> DISP_EQ("DISP_EQ", kDof, nsteps), DISP_NO("DISP_NO", kDof, nsteps);
   Mat<double> FORCE("FORCE", kDof, nsteps), U9("U9", 6, nsteps);
-  Vec<double> SIG("SIG", 300), OUT("OUT", kRows);
+  double sig[300];
+  VecRef<double> SIG(sig, 300, "SIG");
   double DISP_LOCAL[54], ST[72], SUB[4][40];
   SubElements E;
 
@@ -273,10 +274,10 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
               6);
     }
 
-    ItemRows rows(TDSP, R, kRows, p);
+    ItemRows rows(TDSP, R, kRows, kDof, 72, p);
     for (int32_t s = 1; s <= nsteps; ++s) {
-      SIG.fill(0.0);
-      for (int32_t r = 1; r <= kDof; ++r) SIG(r) = FORCE(r, s);
+      std::fill(sig, sig + 300, 0.0);
+      std::copy(FORCE.col(s), FORCE.col(s) + kDof, sig);
       const double* dn = DISP_NO.col(s);
       const double* d9 = U9.col(s);
       for (int32_t q = 0; q < 18; ++q) {
@@ -285,15 +286,13 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
           DISP_LOCAL[3 * q + r] = PT[r][0] * g[0] + PT[r][1] * g[1] + PT[r][2] * g[2];
       }
       PLATE_STRESS_HIGH(P, V, E, DISP_LOCAL, ST, SUB, s);
-      for (int32_t k = 1; k <= 72; ++k) SIG(kDof + k) = ST[k - 1];
+      std::copy(ST, ST + 72, sig + kDof);
       VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
       for (int32_t b = 0; b <= nnod; ++b)
         plate_result_block(SIG.sub(kDof + 1 + 8 * b, 8), SIG.sub(121 + 14 * b, 14), T);
       LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
 
-      for (int32_t r = 1; r <= kDof; ++r) OUT(r) = SIG(r);
-      for (int32_t r = kDof + 1; r <= kRows; ++r) OUT(r) = SIG(r + 72);
-      rows.put(s, OUT.ref());
+      rows.put(s, sig);
     }
   }
 }

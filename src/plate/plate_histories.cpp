@@ -13,25 +13,27 @@ PlateSaved& plate_saved(PlateState& S) {
   return *S.saved;
 }
 
-ItemRows::ItemRows(Tdsp& TDSP, const RunContext& R, int32_t nrows, int64_t item)
-    : TDSP_(TDSP), nrows_(nrows), item_(item), history_(R.REQUEST_MODE == 1) {
+ItemRows::ItemRows(Tdsp& TDSP, const RunContext& R, int32_t nrows, int32_t last, int32_t gap,
+                   int64_t item)
+    : TDSP_(TDSP), nrows_(nrows), last_(last), gap_(gap), item_(item),
+      history_(R.REQUEST_MODE == 1) {
   if (!history_) return;
   // A row the family does not deliver stays zero.
   if (R.RESULT_COMP >= 1 && R.RESULT_COMP <= nrows) comp_ = R.RESULT_COMP;
   if (comp_ > 0 && TDSP.allocated() && R.NUM_STEPS <= TDSP.cols()) row_ = TDSP.row(comp_);
 }
 
-void ItemRows::put(int64_t s, VecRef<double> ROWS) {
+void ItemRows::put(int64_t s, const double* SIG) {
   if (history_) {
     if (comp_ == 0) return;
     if (row_ != nullptr && s >= 1)
-      row_[s - 1] = ROWS(comp_);
+      row_[s - 1] = SIG[source(comp_) - 1];
     else
-      TDSP_(comp_, s) = ROWS(comp_);
+      TDSP_(comp_, s) = SIG[source(comp_) - 1];
     return;
   }
   if (s != 1) return;
-  for (int32_t r = 1; r <= nrows_; ++r) TDSP_(r, item_) = ROWS(r);
+  for (int32_t r = 1; r <= nrows_; ++r) TDSP_(r, item_) = SIG[source(r) - 1];
 }
 
 void read_node_coordinates(ArchiveReader A, VecRef<int32_t> IIA, int32_t N, MatRef<double> XYZ) {

@@ -37,18 +37,21 @@ struct PlateSaved {
 // The plate state's saved data, made on first use.
 PlateSaved& plate_saved(PlateState& S);
 
-// Where the rows of one item go. Under REQUEST_MODE 1 only the row that the
-// request returns is ever read, so step s of that row goes to column s;
-// under any other mode the first step's rows go to the item's column.
+// Where the rows of one item go. Row r of a step is SIG(r) up to row LAST,
+// SIG(r + GAP) behind it. Under REQUEST_MODE 1 only the row that the request
+// returns is ever read, so step s of that row goes to column s; under any
+// other mode the first step's rows go to the item's column.
 class ItemRows {
  public:
-  ItemRows(Tdsp& TDSP, const RunContext& R, int32_t nrows, int64_t item);
-  // ROWS(1..nrows) of step S.
-  void put(int64_t s, VecRef<double> ROWS);
+  ItemRows(Tdsp& TDSP, const RunContext& R, int32_t nrows, int32_t last, int32_t gap, int64_t item);
+  // The rows of step S from SIG(1..), which holds nrows + gap values.
+  void put(int64_t s, const double* SIG);
 
  private:
+  int32_t source(int32_t r) const { return r <= last_ ? r : r + gap_; }
+
   Tdsp& TDSP_;
-  int32_t nrows_;
+  int32_t nrows_, last_, gap_;
   int64_t item_;
   int32_t comp_ = 0;       // the row of REQUEST_MODE 1, 0 when none is delivered
   double* row_ = nullptr;  // its storage, when all steps fit
