@@ -62,7 +62,7 @@ PlateArchive make_archive(const std::string& name, int nx, int ny, int32_t nstep
   w.history_cases({{2, 1, nsteps, 0, 0}});
   std::vector<std::array<double, 3>> xyz;
   if (high) {
-    xyz = {{0, 0, 0}, {2, 0, 0}, {2, 1.5, 0}, {0, 1.5, 0},
+    xyz = {{0, 0, 0}, {2, 0, 0},    {2, 1.5, 0}, {0, 1.5, 0},
            {1, 0, 0}, {2, 0.75, 0}, {1, 1.5, 0}, {0, 0.75, 0}};
     a.nodes = {{1, 2, 3, 4, 5, 6, 7, 8}};
   } else {

@@ -289,7 +289,7 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
 
       // Forces to element axes; rows past the element's nodes are cleared.
       GLOTOLOC_FOC(VecRef<double>(FORCE.col(k), kMaxDof, "FORCE"), SIG.sub(1, kMaxDof), 6 * nnode,
-                    TR.ref());
+                   TR.ref());
       if (std::fabs(angle) > kAngleTolerance)
         TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(nnode, angle, SIG.sub(1, 134));
       rows.put(k, sig);

@@ -15,7 +15,11 @@ PlateSaved& plate_saved(PlateState& S) {
 
 ItemRows::ItemRows(Tdsp& TDSP, const RunContext& R, int32_t nrows, int32_t last, int32_t gap,
                    int64_t item)
-    : TDSP_(TDSP), nrows_(nrows), last_(last), gap_(gap), item_(item),
+    : TDSP_(TDSP),
+      nrows_(nrows),
+      last_(last),
+      gap_(gap),
+      item_(item),
       history_(R.REQUEST_MODE == 1) {
   if (!history_) return;
   // A row the family does not deliver stays zero.

@@ -178,7 +178,8 @@ TEST(PlateMaterialAxes, NinetyDegreesExchangesTheDirections) {
       ArchiveFixture f;
       PlateRecord r;
       r.mat_type = 1, r.young = turned ? 1.5e5 : 0.9e5, r.poisson = turned ? 0.25 : 0.15;
-      r.mat_vals = {turned ? 0.9e5 : 1.5e5, 0, 0, 1e5, 0, 0, 4e4, turned ? 2.5e4 : 3e4, turned ? 3e4 : 2.5e4};
+      r.mat_vals = {turned ? 0.9e5 : 1.5e5, 0, 0, 1e5, 0, 0, 4e4, turned ? 2.5e4 : 3e4,
+                    turned ? 3e4 : 2.5e4};
       r.angle = turned ? 90.0 : 0.0;
       write_plate(f, Case{4, 0, variant, false}, {fl}, r);
       runs.push_back(history_rows(f, 3, 1, 94, 1));
