@@ -166,4 +166,77 @@ struct SkewSystem {
   std::array<double, 9> matrix{};
 };
 
+// --- Plate records ---
+
+// PLAT: 660 doubles, a three- or four-node plate. LM the NEQ equation numbers
+// (at most 24); FORCES the force matrix P14(NS, NEQ) by columns (force rows
+// of the element's nodes, six per node, on the displacements by equation);
+// NODES the node records (three, or four; a fourth equal to the third makes
+// a triangle); NNODE the stored node count (0: as many as NODES);
+// OFFSET_XYZ the node coordinates with their offsets (without offsets, the
+// nodes' own coordinates), one triple per node; PROP the section values
+// PLATE_PROP(1..11); the material; the release flag and a code per node;
+// FORM the formulation (0 thick, 1 thin, +2 with the drilling membrane);
+// the scale flag and its eight factors; ANGLE the material axes in degrees.
+struct PlateRecord {
+  static constexpr int32_t kWords = 660;
+  std::vector<double> lm;
+  int32_t ns = 24;
+  std::vector<double> forces;
+  std::vector<double> nodes;
+  double nnode = 0.0;
+  std::vector<std::array<double, 3>> offset_xyz;
+  std::array<double, 11> prop{};
+  double young = 0.0;
+  double poisson = 0.0;
+  int32_t mat_type = 0;
+  std::array<double, 9> mat_vals{};
+  int32_t release_flag = 0;
+  std::array<double, 4> release_codes{};
+  int32_t form = 0;
+  int32_t scale_flag = 0;
+  std::array<double, 8> scale{};
+  double angle = 0.0;
+  RESPCORE_API std::vector<double> words() const;
+};
+
+// PLAT under the tag "J.W.U": 1595 four-byte reals. NODES the node records
+// (3 or 4, their count is NNODE and NEQ = 6 NNODE); THK the thickness at the
+// five result points; OFFSET_SWITCH 1 when OFFSETS (a triple per node) apply;
+// AXES the element axes TR, row r axis r in global components; TOP, BOTTOM
+// the fibre factors; LM the NEQ equation numbers; FORC the force matrix
+// FORC_DISP(NEQ, NEQ) by columns; STRS the stress matrix (8 NNODE + 8 rows,
+// NEQ columns) row by row, on the element-axis nodal displacements; FORM
+// the formulation word.
+struct GeneralPlateRecord {
+  static constexpr int32_t kWords = 1595;
+  std::vector<double> nodes;
+  std::array<double, 5> thk{};
+  int32_t offset_switch = 0;
+  std::array<double, 12> offsets{};
+  std::array<std::array<double, 3>, 3> axes{};
+  double top = 0.5;
+  double bottom = -0.5;
+  std::vector<double> lm;
+  std::vector<double> forc;
+  std::vector<double> strs;
+  int32_t form = 0;
+  RESPCORE_API std::vector<float> words() const;
+};
+
+// PLTH: 83 doubles, a six- or eight-node plate: LM the NEQ equation numbers
+// (at most 48), NODES the node records (corners, then midsides), PROP the
+// section values PLATE_PROP(1..11) and the material.
+struct PlateHighRecord {
+  static constexpr int32_t kWords = 83;
+  std::vector<double> lm;
+  std::vector<double> nodes;
+  std::array<double, 11> prop{};
+  double young = 0.0;
+  double poisson = 0.0;
+  int32_t mat_type = 0;
+  std::array<double, 9> mat_vals{};
+  RESPCORE_API std::vector<double> words() const;
+};
+
 }  // namespace respcore

@@ -193,6 +193,10 @@ class RESPCORE_API ArchiveWriter {
   Section& wall_beam_records(int32_t serial, const std::vector<WallBeamRecord>& records);
   Section& solid_records(int32_t serial, const std::vector<SolidRecord>& records);
   Section& solid_high_records(int32_t serial, const std::vector<SolidHighRecord>& records);
+  // Plate records (PLAT; under the tag "J.W.U" the general form; PLTH).
+  Section& plate_records(int32_t serial, const std::vector<PlateRecord>& records);
+  Section& general_plate_records(int32_t serial, const std::vector<GeneralPlateRecord>& records);
+  Section& plate_high_records(int32_t serial, const std::vector<PlateHighRecord>& records);
   // Node coordinates (CORD, serial 3), node 1 first.
   Section& node_coordinates(const std::vector<std::array<double, 3>>& xyz);
   // Element table (ELMT, serial 3): per element its words, the material

@@ -1,19 +1,62 @@
-// Families whose history is not built yet: the dispatch reaches them and
-// they leave TDSP as it is.
-#include "run/histories.hpp"
+// The pieces the plate histories share.
+#include "plate/plate_histories.hpp"
+
+#include "recovery/point_extrapolation.hpp"
 
 namespace respcore {
 
-void PLAT_TIME(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&, ItemList,
-               ItemList, VecRef<double>) {}
+PlateState::PlateState() = default;
+PlateState::~PlateState() = default;
 
-void PLAT_TIME_GNRL(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&,
-                    ItemList, ItemList) {}
+PlateSaved& plate_saved(PlateState& S) {
+  if (!S.saved) S.saved = std::make_unique<PlateSaved>();
+  return *S.saved;
+}
 
-void PLATE_HIGH(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&, ItemList,
-                ItemList) {}
+ItemRows::ItemRows(Tdsp& TDSP, const RunContext& R, int32_t nrows, int32_t last, int32_t gap,
+                   int64_t item)
+    : TDSP_(TDSP),
+      nrows_(nrows),
+      last_(last),
+      gap_(gap),
+      item_(item),
+      history_(R.REQUEST_MODE == 1) {
+  if (!history_) return;
+  // A row the family does not deliver stays zero.
+  if (R.RESULT_COMP >= 1 && R.RESULT_COMP <= nrows) comp_ = R.RESULT_COMP;
+  if (comp_ > 0 && TDSP.allocated() && R.NUM_STEPS <= TDSP.cols()) row_ = TDSP.row(comp_);
+}
 
-void PLATE_HIGH_GNRL(const RunContext&, ArchiveReader, NodalMotion&, ContinuumParts&, Tdsp&,
-                     ItemList, ItemList) {}
+void ItemRows::put(int64_t s, const double* SIG) {
+  if (history_) {
+    if (comp_ == 0) return;
+    if (row_ != nullptr && s >= 1)
+      row_[s - 1] = SIG[source(comp_) - 1];
+    else
+      TDSP_(comp_, s) = SIG[source(comp_) - 1];
+    return;
+  }
+  if (s != 1) return;
+  for (int32_t r = 1; r <= nrows_; ++r) TDSP_(r, item_) = SIG[source(r) - 1];
+}
+
+void read_node_coordinates(ArchiveReader A, VecRef<int32_t> IIA, int32_t N, MatRef<double> XYZ) {
+  const SectionRef cord = A.find(sections::CORD, 3);
+  for (int32_t i = 1; i <= N; ++i) {
+    double xyz[3];
+    if (!A.read(cord, IIA(i), xyz, sizeof xyz)) continue;
+    for (int j = 1; j <= 3; ++j) XYZ(j, i) = xyz[j - 1];
+  }
+}
+
+void plate_result_block(VecRef<double> S, VecRef<double> R, VecRef<double> T) {
+  for (int c = 1; c <= 3; ++c) {
+    R(c) = S(c) + S(c + 3);
+    R(c + 3) = S(c) - S(c + 3);
+  }
+  CONVERT(S, R.sub(R.lo() + 6, 8), T);
+}
+
+void TRTONO_TOT(VecRef<double> V) { TRTONO(V, 0, 8); }
 
 }  // namespace respcore

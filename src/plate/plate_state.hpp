@@ -3,10 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "core/arrays.hpp"
 
 namespace respcore {
+
+struct PlateSaved;  // plate/plate_histories.hpp
 
 struct PlateState {
   // Section data of the current plate element, set by the plate history
@@ -28,6 +31,13 @@ struct PlateState {
   double COORD_TYPE = 0.0;
   double COORD_VALS[9] = {};
   int32_t COORD_ASSIGNED = 0;
+
+  // What the plate histories keep between the steps of an element and from
+  // one element to the next (the formulations' set-ups, the last stress
+  // blocks), made by the first plate history that runs.
+  std::unique_ptr<PlateSaved> saved;
+  PlateState();
+  ~PlateState();
 };
 
 }  // namespace respcore

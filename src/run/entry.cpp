@@ -166,7 +166,7 @@ void dispatch(KernelState& K, ArchiveReader A, ItemList serial, ItemList elemnt,
       break;
     case 3:
       if (general)
-        PLAT_TIME_GNRL(R, A, M, P, TDSP, serial, elemnt);
+        PLAT_TIME_GNRL(R, A, M, P, TDSP, serial);
       else
         PLAT_TIME(R, A, M, P, TDSP, serial, elemnt, angle);
       break;

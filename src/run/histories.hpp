@@ -40,7 +40,7 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
 void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C, Tdsp& TDSP,
                ItemList INUM_SERIAL, ItemList INUM_ELEMNT, VecRef<double> EL_ANGLE);
 void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
-                    Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT);
+                    Tdsp& TDSP, ItemList INUM_SERIAL);
 // High-order plane stress and plane strain (ELEM_TYPE 5, 6).
 void PLANE_STRESS_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,
                        Tdsp& TDSP, ItemList INUM_SERIAL, ItemList INUM_ELEMNT);
