@@ -193,6 +193,12 @@ class RESPCORE_API ArchiveWriter {
   Section& wall_beam_records(int32_t serial, const std::vector<WallBeamRecord>& records);
   Section& solid_records(int32_t serial, const std::vector<SolidRecord>& records);
   Section& solid_high_records(int32_t serial, const std::vector<SolidHighRecord>& records);
+  // Plane element records: PSTR or PSRN (three- and four-node), PSTH or
+  // PSRH (six- and eight-node); NAME is the section.
+  Section& plane_records(const SectionName& name, int32_t serial,
+                         const std::vector<PlaneRecord>& records);
+  Section& plane_high_records(const SectionName& name, int32_t serial,
+                              const std::vector<PlaneHighRecord>& records);
   // Node coordinates (CORD, serial 3), node 1 first.
   Section& node_coordinates(const std::vector<std::array<double, 3>>& xyz);
   // Element table (ELMT, serial 3): per element its words, the material
