@@ -12,7 +12,8 @@ namespace {
 // The material block: PLATE_PROP(1..11), E, nu, the type, nine values, from
 // word FIRST (from 1) of W.
 void put_material(std::vector<double>& w, size_t first, const PlaneMaterial& m) {
-  std::copy(m.plate_prop.begin(), m.plate_prop.end(), w.begin() + static_cast<std::ptrdiff_t>(first - 1));
+  std::copy(m.plate_prop.begin(), m.plate_prop.end(),
+            w.begin() + static_cast<std::ptrdiff_t>(first - 1));
   w[first + 10] = m.young;
   w[first + 11] = m.poisson;
   w[first + 12] = m.type;
@@ -23,7 +24,8 @@ template <class Record>
 Section& add_plane_records(ArchiveFile& f, const SectionName& name, int32_t serial,
                            const std::vector<Record>& records) {
   Section& s = f.add(name, serial, 2 * Record::kWords, static_cast<int64_t>(records.size()));
-  for (size_t r = 0; r < records.size(); ++r) s.put_f64s(static_cast<int64_t>(r) + 1, 0, records[r].words());
+  for (size_t r = 0; r < records.size(); ++r)
+    s.put_f64s(static_cast<int64_t>(r) + 1, 0, records[r].words());
   return s;
 }
 

@@ -68,7 +68,8 @@ void decode_record(VecRef<double> SA, ElementMaterial& m, HighElement& E, Vec<in
 void read_node_coordinates(ArchiveReader A, Vec<int32_t>& IIA, int32_t NNOD, Mat<double>& XYZ) {
   XYZ.fill(0.0);
   const SectionRef cord = A.find(sections::CORD, 3);
-  for (int32_t k = 1; k <= NNOD; ++k) A.read_f64(cord, IIA(k), VecRef<double>(XYZ.col(k), 3, "XYZ"), 3);
+  for (int32_t k = 1; k <= NNOD; ++k)
+    A.read_f64(cord, IIA(k), VecRef<double>(XYZ.col(k), 3, "XYZ"), 3);
 }
 
 // The step's four stress and four strain rows of each point of a plane
@@ -123,7 +124,8 @@ struct StrainRows {
     std::fill(std::begin(STRAIN_GLOBAL), std::end(STRAIN_GLOBAL), 0.0);
     PLANE_STRAIN_STRAIN_TIME(C, NNOD, s, VecRef<double>(STRESS_LOCAL, 100, "STRESS_LOCAL"),
                              VecRef<double>(STRAIN_LOCAL, 100, "STRAIN_LOCAL"));
-    if (AXIS_FLAG == 1) find_panel_plane(TRAN, C.plane.PANEL_PLANE, C.plane.SINE_PANEL, C.plane.COSINE_PANEL);
+    if (AXIS_FLAG == 1)
+      find_panel_plane(TRAN, C.plane.PANEL_PLANE, C.plane.SINE_PANEL, C.plane.COSINE_PANEL);
     if (AXIS_FLAG == 0 || AXIS_FLAG == 1) {
       rows_of(STRAIN_LOCAL, NNOD, TRAN, false);
       for (int32_t k = 1; k <= kStrainRows; ++k) STRAIN_GLOBAL_TIME(k, s) = SRL[k - 1];
@@ -152,8 +154,9 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
   Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", kStrainRows, strain ? nsteps : 0);
   double tran[9] = {}, SIG[200], DISP_LOCAL[48] = {}, STRS_GAUSS[27];
   MatRef<double> TRAN(tran, 3, 3, "TRAN");
-  StrainRows rows{C, AXIS_FLAG, product_is(A.state, "H.N.Q") || product_is(A.state, "J.W.U"),
-                  {}, {}, {}, {}, {}};
+  StrainRows rows{C,  AXIS_FLAG, product_is(A.state, "H.N.Q") || product_is(A.state, "J.W.U"),
+                  {}, {},        {},
+                  {}, {}};
 
   for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
     const int32_t element = INUM_ELEMNT(p);

@@ -24,9 +24,9 @@ struct PointWork {
 
 void b_at(ContinuumParts& C, int32_t ELEM_NO, PointWork& P, double XI, double ETA, double ZETA,
           MatRef<double> CN, int32_t NNODE) {
-  B_BUB(C.diag, ELEM_NO, C.continuum.PLANE_TYPE, P.B(), P.DET, MatRef<double>(P.cartd, 2, 10, "CARTD"),
-        VecRef<double>(P.shape, 10, "SHAPE"), VecRef<double>(P.gpcod, 3, "GPCOD"), XI, ETA, ZETA, CN,
-        NNODE, 2, kNstrs, 0, 0);
+  B_BUB(C.diag, ELEM_NO, C.continuum.PLANE_TYPE, P.B(), P.DET,
+        MatRef<double>(P.cartd, 2, 10, "CARTD"), VecRef<double>(P.shape, 10, "SHAPE"),
+        VecRef<double>(P.gpcod, 3, "GPCOD"), XI, ETA, ZETA, CN, NNODE, 2, kNstrs, 0, 0);
 }
 
 // Panel coordinates CN(2,8) and the material matrix D(4,4) of the element.

@@ -30,7 +30,8 @@ void PLANE_STRAIN_STRAIN_TIME(ContinuumParts& C, int32_t NNOD, int32_t STEP, Vec
   const double* d = S.DD_INV;
   for (int32_t p = 0; p <= NNOD; ++p) {
     const double s1 = STRESS(3 * p + 1), s2 = STRESS(3 * p + 2), s3 = STRESS(3 * p + 3);
-    for (int32_t i = 0; i < 3; ++i) STRAIN(3 * p + 1 + i) = d[i] * s1 + d[i + 3] * s2 + d[i + 6] * s3;
+    for (int32_t i = 0; i < 3; ++i)
+      STRAIN(3 * p + 1 + i) = d[i] * s1 + d[i + 3] * s2 + d[i + 6] * s3;
   }
 }
 
@@ -126,7 +127,8 @@ void turn_panel_tensors(VecRef<double> TMP, MatRef<double> PANEL_T, int32_t NNOD
 }
 
 void deliver_plane_rows(const RunContext& R, Tdsp& TDSP, int64_t ITEM, MatRef<double> SSIG,
-                        int32_t NROWS, MatRef<double> STRAIN, int32_t STRAIN_ROW0, int32_t NSTRAIN) {
+                        int32_t NROWS, MatRef<double> STRAIN, int32_t STRAIN_ROW0,
+                        int32_t NSTRAIN) {
   if (R.REQUEST_MODE == 1) {
     // Only row RESULT_COMP of TDSP reaches the caller in this mode.
     const int32_t c = R.RESULT_COMP;

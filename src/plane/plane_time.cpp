@@ -133,8 +133,8 @@ struct PstrWork {
 
 // The strain-state block of step S: strains, and with global results the
 // turned stresses.
-void strain_block(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s,
-                  MatRef<double> SSIG, MatRef<double> STRAIN_GLOBAL_TIME) {
+void strain_block(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, MatRef<double> SSIG,
+                  MatRef<double> STRAIN_GLOBAL_TIME) {
   PlaneState& PS = K.C.plane;
   VecRef<double> SIG(W.SIG, kSigWords, "SIG");
   MatRef<double> PANEL_T(W.PANEL_T, 3, 3, "PANEL_T");
@@ -257,8 +257,8 @@ void pstr_step(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, MatRe
     TRTONO_3NODE_STRES(SIG, 3);
   } else if (NNOD == 4) {
     if (s == 1) W.section = plane_section(K.P, kind, E.MAT_ANGLE);
-    DKMQ_STR_WARP_GNRL(W.section, PS.dkmq, 1, NNOD, DISP_LOCAL, MatRef<double>(W.STRESS_OUT, 8, 5,
-                       "STRESS_OUT"), XYZ, PANEL_T, s, 0);
+    DKMQ_STR_WARP_GNRL(W.section, PS.dkmq, 1, NNOD, DISP_LOCAL,
+                       MatRef<double>(W.STRESS_OUT, 8, 5, "STRESS_OUT"), XYZ, PANEL_T, s, 0);
     for (int32_t p = 0; p < 5; ++p)
       for (int32_t c = 0; c < 3; ++c) W.SIG[12 + 3 * p + c] = W.STRESS_OUT[8 * p + c];
     TRTONO(SIG, 3, 3);
@@ -306,7 +306,10 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
   const bool strain_family = R.ELEM_TYPE == 2;
   const SectionName& section = strain_family ? sections::PSRN : sections::PSTR;
 
-  PstrCall K{R, C, PlateContext{C.diag, C.material, C.plate, C.continuum.compliance}, AXIS_FLAG,
+  PstrCall K{R,
+             C,
+             PlateContext{C.diag, C.material, C.plate, C.continuum.compliance},
+             AXIS_FLAG,
              tagged(A.state),
              product_is(A.state, "H.N.Q") || product_is(A.state, "K.4.V") ||
                  product_is(A.state, "Z.B.T") || product_is(A.state, "J.W.U")};
@@ -333,7 +336,8 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
                   std::max(E.nnod_read, 0), 0);
 
     double X[4], Y[4], Z[4];
-    for (int32_t k = 1; k <= 4; ++k) X[k - 1] = XYZ(1, k), Y[k - 1] = XYZ(2, k), Z[k - 1] = XYZ(3, k);
+    for (int32_t k = 1; k <= 4; ++k)
+      X[k - 1] = XYZ(1, k), Y[k - 1] = XYZ(2, k), Z[k - 1] = XYZ(3, k);
     std::fill(std::begin(W.PANEL_T), std::end(W.PANEL_T), 0.0);
     QDCOS(VecRef<double>(X, 4, "X"), VecRef<double>(Y, 4, "Y"), VecRef<double>(Z, 4, "Z"),
           MatRef<double>(W.PANEL_T, 3, 3, "PANEL_T"), E.NNOD == 3 ? 1 : 4);
