@@ -53,7 +53,7 @@ TEST(PlaneHighMatrices, CentreStressRowsGiveDEps) {
     const M3 Q = turn(0.3, 0.6);
     Mat<double> XYZ("XYZ", 3, 8), STR("STR", 60, 16), TRAN("TRAN", 3, 3);
     const auto xy = local_nodes(nn);
-    for (int i = 0; i < 24; ++i)
+    for (int i = 0; i < 3 * nn; ++i)
       XYZ(i % 3 + 1, i / 3 + 1) = mul(Q, {xy[i / 3][0], xy[i / 3][1], 0})[i % 3];
     for (int i = 0; i < 9; ++i) TRAN(i / 3 + 1, i % 3 + 1) = Q[i % 3][i / 3];
     PLANE_QUAD8_STR_BUB(C, 1, STR.ref(), nn, XYZ.ref(), TRAN.ref());
