@@ -127,24 +127,29 @@ INSTANTIATE_TEST_SUITE_P(Plane, Fields,
 // A strain-state quadrilateral does not refresh the panel displacements: in
 // a fresh kernel its rows are zero; after a stress-state quadrilateral, in
 // the same call or an earlier one, it applies its own material and geometry
-// to that element's last panel displacements.
+// to that element's last panel displacements. An element of another kind
+// has zero rows and refreshes nothing either.
 TEST(PlaneStrainQuad, RebuildsFromTheLastRefreshedDisplacements) {
   PlaneModel m;
   Material a, b;
   b.E = 7.0e4, b.nu = 0.2;
   const PanelField pf{turn(0.4, 0.9), {0, 1, 2}};
   std::vector<PlaneRecord> recs;
-  for (int e = 0; e < 3; ++e) {
+  for (int e = 0; e < 4; ++e) {  // kinds 1, 0, 1 and one of its own, 2
     m.place(4, e == 1 ? pf.Q : turn(-1.1, 0.3), e == 1 ? pf.C : V3{-1.0 * e, 0, 4});
-    recs.push_back(low_record(m, e == 1 ? a : b, e == 1 ? 0 : 1));
+    recs.push_back(low_record(m, e == 1 ? a : b, e == 1 ? 0 : e == 3 ? 2 : 1));
   }
   m.a.writer().plane_records(sections::PSRN, 3, recs);
   m.write(pf.field(), 3);
   Kernel k;
-  const auto first = rows_of(k, m.request(2, 1, 3, 0), 52);
-  for (size_t r = 12; r < 52; ++r)
-    for (const double v : first[r]) EXPECT_EQ(v, 0.0) << "row " << r + 1;
+  auto zeros = [&](int item, size_t from) {
+    const auto z = rows_of(k, m.request(2, item, 3, 0), 52);
+    for (size_t r = from; r < 52; ++r)
+      for (const double v : z[r]) EXPECT_EQ(v, 0.0) << item << " row " << r + 1;
+  };
+  zeros(1, 12);
   rows_of(k, m.request(2, 2, 3, 0), 1);
+  zeros(4, 0);  // the kind of its own: zero rows, and nothing refreshed
   const auto rows = rows_of(k, m.request(2, 3, 3, 0), 52);
   const V3 e = pf.eps(0, 0), sg = stress_of(b, {3 * e[0], 3 * e[1], 3 * e[2]}, 1);
   const double want[8] = {sg[0],    sg[1],    sg[2], b.nu * (sg[0] + sg[1]),
