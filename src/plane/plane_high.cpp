@@ -18,6 +18,7 @@
 // ELEM_TYPE 6: 25..60 four stress rows a point (xx, yy, zz, xy), 61..96 four
 // strain rows a point.
 #include <algorithm>
+#include <vector>
 
 #include "nodal/disp_equation.hpp"
 #include "numeric/blas.hpp"
@@ -116,8 +117,9 @@ struct StrainRows {
     }
   }
 
-  void step(double* SIG, int32_t NNOD, int32_t s, MatRef<double> TRAN, MatRef<double> SSIG,
-            MatRef<double> STRAIN_GLOBAL_TIME) {
+  // The rows of step S into the columns SSIG (from row 25) and STRAIN.
+  void step(double* SIG, int32_t NNOD, int32_t s, MatRef<double> TRAN, double* SSIG,
+            double* STRAIN) {
     const int32_t npts = NNOD + 1;
     std::copy(SIG + 24, SIG + 24 + 3 * npts, STRESS_LOCAL);
     std::fill(std::begin(STRAIN_LOCAL), std::end(STRAIN_LOCAL), 0.0);
@@ -128,10 +130,10 @@ struct StrainRows {
       find_panel_plane(TRAN, C.plane.PANEL_PLANE, C.plane.SINE_PANEL, C.plane.COSINE_PANEL);
     if (AXIS_FLAG == 0 || AXIS_FLAG == 1) {
       rows_of(STRAIN_LOCAL, NNOD, TRAN, false);
-      for (int32_t k = 1; k <= kStrainRows; ++k) STRAIN_GLOBAL_TIME(k, s) = SRL[k - 1];
+      std::copy(SRL, SRL + kStrainRows, STRAIN);
     }
     rows_of(STRESS_LOCAL, NNOD, TRAN, true);
-    for (int32_t k = 1; k <= kStrainRows; ++k) SSIG(24 + k, s) = SRL[k - 1];
+    std::copy(SRL, SRL + kStrainRows, SSIG + 24);
   }
 };
 
@@ -150,8 +152,12 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
   Mat<double> STRS("STRS", kStrsRows, kMaxEq);
   Mat<double> DISP_EQ("DISP_EQ", kMaxEq, nsteps);
   Mat<double> DISP_NO("DISP_NO", kMaxEq, nsteps);
-  Mat<double> SSIG("SSIG", nrows, nsteps);
-  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", kStrainRows, strain ? nsteps : 0);
+  // One row of a long history (REQUEST_MODE 1) is combined from the step's
+  // inputs: its step tables need one column.
+  const bool affine = R.REQUEST_MODE == 1 && nsteps > kAffineSteps;
+  const int32_t ncols = affine ? 1 : nsteps;
+  Mat<double> SSIG("SSIG", nrows, ncols);
+  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", kStrainRows, strain ? ncols : 0);
   double tran[9] = {}, SIG[200], DISP_LOCAL[48] = {}, STRS_GAUSS[27];
   MatRef<double> TRAN(tran, 3, 3, "TRAN");
   StrainRows rows{C,  AXIS_FLAG, product_is(A.state, "H.N.Q") || product_is(A.state, "J.W.U"),
@@ -170,16 +176,11 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
     STRS.fill(0.0);
     PLANE_STRAIN_HIGH_STRS(C, element, E.NNOD, STRS.ref(), XYZ.ref(), TRAN);
 
-    // The force rows of every step in one product.
-    SSIG.fill(0.0);
-    if (E.NEQ > 0 && nsteps > 0)
-      DGEMM('N', 'N', 24, nsteps, E.NEQ, 1.0, STRS.data(), kStrsRows, DISP_EQ.data(), kMaxEq, 0.0,
-            SSIG.data(), nrows);
-
+    // Step S from the displacements DISP into the columns SSIG and STRAIN.
     const int32_t NPT = plane_high_points(E.NNOD);
-    for (int32_t s = 1; s <= nsteps; ++s) {
+    auto run = [&](int32_t s, const double* disp, double* ssig, double* strain_col) {
       std::fill(std::begin(SIG), std::end(SIG), 0.0);
-      panel_displacements(tran, RawVec<double>(DISP_NO.col(s), 1), RawVec<double>(DISP_LOCAL, 1),
+      panel_displacements(tran, RawVec<const double>(disp, 1), RawVec<double>(DISP_LOCAL, 1),
                           E.NNOD);
       // The integration-point stresses, staged behind row 27, carried to the
       // centre and the nodes from row 25.
@@ -190,15 +191,53 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
       STRESS_RECOVERY_PLANE(sig.sub(25, 176), VecRef<double>(STRS_GAUSS, 27, "STRS_GAUSS"), 3, NPT,
                             E.NNOD + 1, 1);
       if (strain)
-        rows.step(SIG, E.NNOD, s, TRAN, SSIG.ref(), STRAIN_GLOBAL_TIME.ref());
+        rows.step(SIG, E.NNOD, s, TRAN, ssig, strain_col);
       else
-        for (int32_t r = 25; r <= 51; ++r) SSIG(r, s) = SIG[r - 1];
+        std::copy(SIG + 24, SIG + 51, ssig + 24);
+    };
+    if (!affine) {
+      // The force rows of every step in one product.
+      SSIG.fill(0.0);
+      if (E.NEQ > 0 && nsteps > 0)
+        DGEMM('N', 'N', 24, nsteps, E.NEQ, 1.0, STRS.data(), kStrsRows, DISP_EQ.data(), kMaxEq, 0.0,
+              SSIG.data(), nrows);
+      for (int32_t s = 1; s <= nsteps; ++s)
+        run(s, DISP_NO.col(s), SSIG.col(s), strain ? STRAIN_GLOBAL_TIME.col(s) : nullptr);
+      deliver_plane_rows(R, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), 60,
+                         strain ? kStrainRows : 0);
+      continue;
     }
-    deliver_plane_rows(R, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), 60,
-                       strain ? kStrainRows : 0);
+
+    // One row over many steps: a force row is one row of the product; the
+    // other rows, after the element's set-up at the first step, are affine
+    // in the panel displacements.
+    const int32_t c = R.RESULT_COMP;
+    const bool strain_row = strain && c > nrows && c <= nrows + kStrainRows;
+    double* ssig = SSIG.col(1);
+    double strain_col[kStrainRows] = {};
+    const bool stress_row = c > 24 && c <= nrows;
+    auto step = [&](int32_t s, const double* disp) {
+      run(s, disp, ssig, strain_col);
+      return strain_row ? strain_col[c - nrows - 1] : stress_row ? ssig[c - 1] : 0.0;
+    };
+    std::vector<double> row(static_cast<size_t>(nsteps));
+    row[0] = step(1, DISP_NO.col(1));
+    if (c >= 1 && c <= 24) {
+      if (E.NEQ > 0)
+        DGEMV('T', E.NEQ, nsteps, 1.0, DISP_EQ.data(), kMaxEq, STRS.data() + (c - 1), kStrsRows,
+              0.0, row.data(), 1);
+    } else if (stress_row || strain_row) {
+      const double* D = DISP_NO.data();
+      auto input = [&](int32_t k, int64_t s) { return D[(k - 1) + kMaxEq * (s - 1)]; };
+      affine_history(
+          6 * E.NNOD, [&](const double* x) { return step(2, x); }, input, 2, nsteps,
+          row.data() + 1);
+    } else {
+      continue;
+    }
+    TDSP.put_row(c, row.data(), 1, nsteps);
   }
 }
-
 }  // namespace
 
 void PLANE_STRESS_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumParts& C,

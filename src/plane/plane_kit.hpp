@@ -6,6 +6,7 @@
 // and then the nodes. Six-component points are (xx, yy, zz, xy, yz, zx).
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "core/arrays.hpp"
@@ -61,6 +62,34 @@ void panel_displacements(const double* T, In DISP, Out LOCAL, int32_t NNOD) {
       const double v1 = DISP(r + 1), v2 = DISP(r + 2), v3 = DISP(r + 3);
       for (int32_t i = 0; i < 3; ++i) LOCAL(r + 1 + i) = T[i] * v1 + T[i + 3] * v2 + T[i + 6] * v3;
     }
+  }
+}
+
+// The history of one row of an element whose step is affine in its NIN
+// inputs (at most 64; the inputs of step s are INPUT(k, s), k = 1..NIN):
+// VALUE(x) runs a later step of the element on the input column x and gives
+// the row. The step is run once without input and once for each input, and
+// OUT(s - FIRST) for s = FIRST..LAST is the affine combination. A long history
+// of one row then costs a few products per step instead of the element's
+// formulation; the values agree with the step's own to rounding.
+inline constexpr int32_t kAffineSteps = 64;  // histories longer than this are combined
+template <class Value, class Input>
+void affine_history(int32_t NIN, Value value, Input input, int64_t FIRST, int64_t LAST,
+                    double* OUT) {
+  double x[64] = {}, coef[64];
+  int32_t used[64], nused = 0;
+  NIN = std::min(std::max(NIN, 0), 64);
+  const double base = value(x);
+  for (int32_t k = 0; k < NIN; ++k) {
+    x[k] = 1.0;
+    coef[nused] = value(x) - base;
+    x[k] = 0.0;
+    if (coef[nused] != 0.0) used[nused++] = k + 1;
+  }
+  for (int64_t s = FIRST; s <= LAST; ++s) {
+    double v = base;
+    for (int32_t u = 0; u < nused; ++u) v += coef[u] * input(used[u], s);
+    OUT[s - FIRST] = v;
   }
 }
 

@@ -23,6 +23,7 @@
 // delivers 32 rows and from row 33 four strain rows a point.
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "nodal/disp_equation.hpp"
 #include "numeric/blas.hpp"
@@ -131,10 +132,18 @@ struct PstrWork {
   PlateSection section;
 };
 
+// The columns of one step: the step vector's 32 rows (the force product's
+// rows on entry), the 24 displacements of DISP_NO and the 20 strain rows.
+struct StepColumns {
+  double* ssig;
+  const double* disp;
+  double* strain;
+};
+
 // The strain-state block of step S: strains, and with global results the
 // turned stresses.
-void strain_block(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, MatRef<double> SSIG,
-                  MatRef<double> STRAIN_GLOBAL_TIME) {
+void strain_block(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s,
+                  const StepColumns& io) {
   PlaneState& PS = K.C.plane;
   VecRef<double> SIG(W.SIG, kSigWords, "SIG");
   MatRef<double> PANEL_T(W.PANEL_T, 3, 3, "PANEL_T");
@@ -153,7 +162,7 @@ void strain_block(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, Ma
                            STRAIN_LOCAL);
 
   auto store_strains = [&] {
-    for (int32_t k = 1; k <= 4 * npts; ++k) STRAIN_GLOBAL_TIME(k, s) = W.STRAIN_GLOBAL[k - 1];
+    for (int32_t k = 1; k <= 4 * npts; ++k) io.strain[k - 1] = W.STRAIN_GLOBAL[k - 1];
   };
   // The five triples from SIG row R0 as panel tensors in TMP, turned to global.
   VecRef<double> TMP(W.TMP, 30, "TMP");
@@ -204,15 +213,14 @@ void strain_block(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, Ma
     double rows[4];
     for (int32_t n = 0; n < 5; ++n) {
       if (!plane_rows_of(PS.PANEL_PLANE, nu, W.TMP + 6 * n, rows)) continue;
-      for (int32_t i = 0; i < 4; ++i) SSIG(13 + 4 * n + i, s) = rows[i];
+      for (int32_t i = 0; i < 4; ++i) io.ssig[12 + 4 * n + i] = rows[i];
     }
   }
 }
 
-// Step S of the element. SSIG(., s) holds the rows of the force product on
-// entry.
-void pstr_step(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, MatRef<double> DISP_NO,
-               MatRef<double> SSIG, MatRef<double> STRAIN_GLOBAL_TIME) {
+// Step S of the element, on its columns: IO.SSIG holds the rows of the force
+// product on entry.
+void pstr_step(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, const StepColumns& io) {
   PlaneState& PS = K.C.plane;
   VecRef<double> SIG(W.SIG, kSigWords, "SIG");
   MatRef<double> PANEL_T(W.PANEL_T, 3, 3, "PANEL_T");
@@ -223,8 +231,8 @@ void pstr_step(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, MatRe
 
   // 1. The product's rows, and the column cleared for what this step stores.
   std::fill(std::begin(W.SIG), std::end(W.SIG), 0.0);
-  for (int32_t r = 1; r <= E.nrow; ++r) W.SIG[r - 1] = SSIG(r, s);
-  for (int32_t r = 1; r <= kSsigRows; ++r) SSIG(r, s) = 0.0;
+  std::copy(io.ssig, io.ssig + E.nrow, W.SIG);
+  std::fill(io.ssig, io.ssig + kSsigRows, 0.0);
 
   // 2. Global forces: the third value of a node acts as a moment about the
   // panel normal, and is dropped after the turn.
@@ -247,7 +255,7 @@ void pstr_step(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, MatRe
       (NNOD == 4 && kind == 0) || (NNOD == 3 && E.DRILL_FLAG == 1 && (kind == 0 || kind == 1));
   // DISP_NO has 24 rows, six for each of at most four nodes.
   if (refresh)
-    panel_displacements(W.PANEL_T, RawVec<double>(DISP_NO.col(s), 1), DISP_LOCAL.raw(), NNOD);
+    panel_displacements(W.PANEL_T, RawVec<const double>(io.disp, 1), DISP_LOCAL.raw(), NNOD);
 
   // 4. Stresses rebuilt from the panel displacements.
   VecRef<double> OUT(W.STRESS_OUT, 40, "STRESS_OUT");
@@ -265,32 +273,29 @@ void pstr_step(PstrCall& K, const PlaneElement& E, PstrWork& W, int32_t s, MatRe
   }
 
   // 5. The strain state.
-  if (kind == 1) strain_block(K, E, W, s, SSIG, STRAIN_GLOBAL_TIME);
+  if (kind == 1) strain_block(K, E, W, s, io);
 
   // 6. Storing.
   if (kind == 0) {
     if (std::fabs(E.ANGLE) <= 1.0e-5) {
       if (K.AXIS_FLAG == 0) LOCPANEL(SIG, PANEL_T, 2);
-      for (int32_t r = 1; r <= 27; ++r) SSIG(r, s) = W.SIG[r - 1];
+      std::copy(W.SIG, W.SIG + 27, io.ssig);
     } else {
       // Global forces beside stresses in the user's axes.
       std::copy(W.SIG, W.SIG + 12, W.FORCE_SAVE);
       LOCPANEL(SIG, PANEL_T, 2);
       TRANSFORM_PLANE_RESULT_TO_USER_LOCAL_AXIS(NNOD, E.ANGLE, SIG);
-      for (int32_t r = 1; r <= 27; ++r) SSIG(r, s) = W.SIG[r - 1];
-      if (K.AXIS_FLAG == 1)
-        for (int32_t r = 1; r <= 12; ++r) SSIG(r, s) = W.FORCE_SAVE[r - 1];
+      std::copy(W.SIG, W.SIG + 27, io.ssig);
+      if (K.AXIS_FLAG == 1) std::copy(W.FORCE_SAVE, W.FORCE_SAVE + 12, io.ssig);
     }
   } else if (kind == 1) {
     if (K.AXIS_FLAG == 0) LOCPANEL(SIG, PANEL_T, 2);
-    for (int32_t r = 1; r <= 12; ++r) SSIG(r, s) = W.SIG[r - 1];
+    std::copy(W.SIG, W.SIG + 12, io.ssig);
     if (!K.hnq_jwu) {
       for (int32_t p = 0; p < 5; ++p) {
         const double a = W.SIG[12 + 3 * p], b = W.SIG[13 + 3 * p], c = W.SIG[14 + 3 * p];
-        SSIG(13 + 4 * p, s) = a;
-        SSIG(14 + 4 * p, s) = b;
-        SSIG(15 + 4 * p, s) = c;
-        SSIG(16 + 4 * p, s) = K.C.material.MAT_POISSON * (a + b);
+        double* out = io.ssig + 12 + 4 * p;
+        out[0] = a, out[1] = b, out[2] = c, out[3] = K.C.material.MAT_POISSON * (a + b);
       }
     }
   }
@@ -314,6 +319,11 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
              product_is(A.state, "H.N.Q") || product_is(A.state, "K.4.V") ||
                  product_is(A.state, "Z.B.T") || product_is(A.state, "J.W.U")};
 
+  // One row of a long history (REQUEST_MODE 1) is combined from the step's
+  // inputs: its step tables need one column.
+  const bool affine = R.REQUEST_MODE == 1 && nsteps > kAffineSteps;
+  const int32_t ncols = affine ? 1 : nsteps;
+  const int32_t nrows = strain_family ? kSsigRows : 27;
   Vec<double> SSL("SSL", kSslWords);
   Vec<int32_t> LM("LM", kMaxEq);
   Vec<int32_t> IIA("IIA", 4);
@@ -321,8 +331,8 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
   Mat<double> STRS("STRS", kMaxRow, kMaxEq);
   Mat<double> DISP_EQ("DISP_EQ", kMaxEq, nsteps);
   Mat<double> DISP_NO("DISP_NO", kMaxEq, nsteps);
-  Mat<double> SSIG("SSIG", kSsigRows, nsteps);
-  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", kStrainRows, nsteps);
+  Mat<double> SSIG("SSIG", kSsigRows, ncols);
+  Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", kStrainRows, ncols);
   PstrWork W;
 
   for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
@@ -343,19 +353,54 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
           MatRef<double>(W.PANEL_T, 3, 3, "PANEL_T"), E.NNOD == 3 ? 1 : 4);
     std::copy(XYZ.data(), XYZ.data() + 12, W.XYZ);
 
-    // The force rows of every step in one product, into SSIG's columns.
-    SSIG.fill(0.0);
-    if (E.nrow > 0 && E.neq > 0 && nsteps > 0)
-      DGEMM('N', 'N', E.nrow, nsteps, E.neq, 1.0, STRS.data(), kMaxRow, DISP_EQ.data(), kMaxEq, 0.0,
-            SSIG.data(), kSsigRows);
-    for (int32_t s = 1; s <= nsteps; ++s)
-      pstr_step(K, E, W, s, DISP_NO.ref(), SSIG.ref(), STRAIN_GLOBAL_TIME.ref());
+    if (!affine) {
+      // The force rows of every step in one product, into SSIG's columns.
+      SSIG.fill(0.0);
+      if (E.nrow > 0 && E.neq > 0 && nsteps > 0)
+        DGEMM('N', 'N', E.nrow, nsteps, E.neq, 1.0, STRS.data(), kMaxRow, DISP_EQ.data(), kMaxEq,
+              0.0, SSIG.data(), kSsigRows);
+      for (int32_t s = 1; s <= nsteps; ++s)
+        pstr_step(K, E, W, s, {SSIG.col(s), DISP_NO.col(s), STRAIN_GLOBAL_TIME.col(s)});
+      deliver_plane_rows(R, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kSsigRows,
+                         strain_family ? 4 * (E.NNOD + 1) : 0);
+      continue;
+    }
 
-    if (strain_family)
-      deliver_plane_rows(R, TDSP, p, SSIG.ref(), kSsigRows, STRAIN_GLOBAL_TIME.ref(), kSsigRows,
-                         4 * (E.NNOD + 1));
-    else
-      deliver_plane_rows(R, TDSP, p, SSIG.ref(), 27, STRAIN_GLOBAL_TIME.ref(), 0, 0);
+    // One row over many steps. The step is affine in the element's
+    // displacements x = (DISP_EQ, DISP_NO) of the step: the first and last
+    // steps run as they are (the element's set-up, and what it leaves to the
+    // next element), the others are the combination.
+    const int32_t c = R.RESULT_COMP;
+    const bool strain_row = strain_family && c > kSsigRows && c <= kSsigRows + 4 * (E.NNOD + 1);
+    const int32_t neq = E.neq, nin = neq + 6 * E.NNOD;
+    double* ssig = SSIG.col(1);
+    double* strain = STRAIN_GLOBAL_TIME.col(1);
+    auto step = [&](int32_t s, const double* x) {
+      std::fill(ssig, ssig + kSsigRows, 0.0);
+      for (int32_t k = 0; k < neq; ++k)
+        for (int32_t r = 0; r < E.nrow; ++r) ssig[r] += STRS.col(k + 1)[r] * x[k];
+      pstr_step(K, E, W, s, {ssig, x + neq, strain});
+      return strain_row ? strain[c - kSsigRows - 1] : c >= 1 && c <= nrows ? ssig[c - 1] : 0.0;
+    };
+    double x[2 * kMaxEq] = {};
+    auto column = [&](int64_t s) {
+      std::copy(DISP_EQ.col(s), DISP_EQ.col(s) + neq, x);
+      std::copy(DISP_NO.col(s), DISP_NO.col(s) + 6 * E.NNOD, x + neq);
+      return x;
+    };
+    std::vector<double> row(static_cast<size_t>(nsteps));
+    row[0] = step(1, column(1));
+    const double *EQ = DISP_EQ.data(), *NO = DISP_NO.data();
+    auto input = [&](int32_t k, int64_t s) {
+      return k <= neq ? EQ[(k - 1) + kMaxEq * (s - 1)] : NO[(k - neq - 1) + kMaxEq * (s - 1)];
+    };
+    const bool filled = (c >= 1 && c <= nrows) || strain_row;
+    if (filled)
+      affine_history(
+          nin, [&](const double* xin) { return step(2, xin); }, input, 2, nsteps - 1,
+          row.data() + 1);
+    row[static_cast<size_t>(nsteps - 1)] = step(nsteps, column(nsteps));
+    if (filled) TDSP.put_row(c, row.data(), 1, nsteps);
   }
 }
 
