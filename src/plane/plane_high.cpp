@@ -174,7 +174,12 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
     read_node_coordinates(A, IIA, E.NNOD, XYZ);
     DISP_EQUATION(M, kMaxEq, DISP_EQ.ref(), DISP_NO.ref(), E.NEQ, LM.ref(), IIA.ref(), E.NNOD, 0);
     STRS.fill(0.0);
-    PLANE_STRAIN_HIGH_STRS(C, element, E.NNOD, STRS.ref(), XYZ.ref(), TRAN);
+    if (strain) {
+      PLANE_STRAIN_HIGH_STRS(C, element, E.NNOD, STRS.ref(), XYZ.ref(), TRAN);
+    } else {
+      PLANE_STRESS_HIGH_STRS(C, element, E.NNOD, STRS.ref(), XYZ.ref());
+      plane_high_axes(XYZ.ref(), E.NNOD, TRAN);
+    }
 
     // Step S from the displacements DISP into the columns SSIG and STRAIN.
     const int32_t NPT = plane_high_points(E.NNOD);

@@ -111,14 +111,17 @@ void PLANE_QUAD8_STR_BUB(ContinuumParts& C, int32_t ELEM_NO, MatRef<double> STR,
   }
 }
 
-void PLANE_STRAIN_HIGH_STRS(ContinuumParts& C, int32_t ELEM_NO, int32_t NNOD, MatRef<double> STRS,
-                            MatRef<double> XYZ, MatRef<double> TRAN) {
+void plane_high_axes(MatRef<double> XYZ, int32_t NNOD, MatRef<double> TRAN) {
   double X[4], Y[4], Z[4];
   for (int32_t k = 1; k <= 4; ++k) X[k - 1] = XYZ(1, k), Y[k - 1] = XYZ(2, k), Z[k - 1] = XYZ(3, k);
   TRAN.fill(0.0);
   QDCOS(VecRef<double>(X, 4, "X"), VecRef<double>(Y, 4, "Y"), VecRef<double>(Z, 4, "Z"), TRAN,
         NNOD == 8 ? 4 : 1);
+}
 
+void PLANE_STRAIN_HIGH_STRS(ContinuumParts& C, int32_t ELEM_NO, int32_t NNOD, MatRef<double> STRS,
+                            MatRef<double> XYZ, MatRef<double> TRAN) {
+  plane_high_axes(XYZ, NNOD, TRAN);
   double sk[24 * 24], work[24 * 24], str[60 * 2 * kMaxNode] = {};
   MatRef<double> SK(sk, 24, 24, "SK"), STR(str, 60, 2 * kMaxNode, "STR");
   QUAD8_STF(C, ELEM_NO, SK, MatRef<double>(work, 24, 24, "WORK"), NNOD, XYZ, TRAN, 1);

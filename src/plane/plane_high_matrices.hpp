@@ -40,11 +40,14 @@ void QUAD8_STF(ContinuumParts& C, int32_t ELEM_NO, MatRef<double> SK, MatRef<dou
 void PLANE_QUAD8_STR_BUB(ContinuumParts& C, int32_t ELEM_NO, MatRef<double> STR, int32_t NNODE,
                          MatRef<double> XYZ, MatRef<double> TRAN);
 
+// The panel axes of the element as rows of TRAN: the quadrilateral rule on
+// nodes 1..4 for eight nodes, the triangle rule on nodes 1..3 otherwise.
+void plane_high_axes(MatRef<double> XYZ, int32_t NNOD, MatRef<double> TRAN);
+
 // STRS(60,48): rows 1 .. 24 the global stiffness on the global translations
 // of each node (columns 6(b-1)+1..3), rows 25 onward the stress rows of
 // PLANE_QUAD8_STR_BUB on the panel freedoms (columns 6(b-1)+1, 2). TRAN
-// receives the panel axes (the quadrilateral rule on nodes 1..4 for eight
-// nodes, the triangle rule otherwise); the plane stress form keeps them.
+// receives the panel axes; the plane stress form keeps them to itself.
 void PLANE_STRAIN_HIGH_STRS(ContinuumParts& C, int32_t ELEM_NO, int32_t NNOD, MatRef<double> STRS,
                             MatRef<double> XYZ, MatRef<double> TRAN);
 void PLANE_STRESS_HIGH_STRS(ContinuumParts& C, int32_t ELEM_NO, int32_t NNOD, MatRef<double> STRS,

@@ -110,7 +110,6 @@ bool tagged(const ArchiveState& A) { return product_is(A, "H.N.Q") || product_is
 
 // What the steps of one call share.
 struct PstrCall {
-  const RunContext& R;
   ContinuumParts& C;
   PlateContext P;
   int32_t AXIS_FLAG;
@@ -311,10 +310,7 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
   const bool strain_family = R.ELEM_TYPE == 2;
   const SectionName& section = strain_family ? sections::PSRN : sections::PSTR;
 
-  PstrCall K{R,
-             C,
-             PlateContext{C.diag, C.material, C.plate, C.continuum.compliance},
-             AXIS_FLAG,
+  PstrCall K{C, PlateContext{C.diag, C.material, C.plate, C.continuum.compliance}, AXIS_FLAG,
              tagged(A.state),
              product_is(A.state, "H.N.Q") || product_is(A.state, "K.4.V") ||
                  product_is(A.state, "Z.B.T") || product_is(A.state, "J.W.U")};
