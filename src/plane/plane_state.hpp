@@ -19,15 +19,16 @@ struct PlaneState {
   VecRef<double> disp_local() { return VecRef<double>(DISP_LOCAL, 24, "DISP_LOCAL"); }
 
   // The global plane the last strain-state panel lay in (1 xy, 2 xz, 3 yz)
-  // and the direction of its first axis in that plane; a panel parallel to
-  // no global plane keeps them.
+  // and the direction of its first axis in that plane, for the three- and
+  // four-node and the high-order plane strain histories alike; a panel
+  // parallel to no global plane keeps them.
   int32_t PANEL_PLANE = 0;
   double SINE_PANEL = 0.0;
   double COSINE_PANEL = 0.0;
 
   // PLANE_STRAIN_STRAIN_TIME: the plane-strain matrix of the element, formed
-  // at its first step (its couplings with the shear are only ever written by
-  // the orthotropic form), and its inverse.
+  // at its first step, and its inverse. The isotropic form leaves the
+  // couplings with the shear as they were; the orthotropic form clears them.
   double DD[9] = {};
   double DD_INV[9] = {};
 
