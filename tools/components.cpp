@@ -232,6 +232,8 @@ const ComponentTable& component_table(int elem_type) {
     // Plane strain keeps four stress components a point, the out-of-plane
     // one last; its many-items form steps through them three at a time, so
     // only the forces have selector names (larger selectors by number).
+    // (Global results under the products "H.N.Q" and "J.W.U" order them by
+    // the panel's global plane instead: xx, yy, zz, xy in the xy plane.)
     m[2] = continuum_table({4, {"sx", "sy", "sxy", "sz"}, {"ex", "ey", "ez", "exy"}, 0});
     m[2].numbered_selectors = true;
     m[3] = plate_table(4);

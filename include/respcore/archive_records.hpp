@@ -132,6 +132,54 @@ struct SolidHighRecord {
   RESPCORE_API std::vector<double> words() const;
 };
 
+// ---------------------------------------------------------------- plane elements
+
+// The material and section words of a plane element record: PLATE_PROP(1..11)
+// (the first the thickness), Young's modulus, Poisson's ratio, the type
+// (1 orthotropic) and nine further values.
+struct PlaneMaterial {
+  std::array<double, 11> plate_prop{};
+  double young = 0.0;
+  double poisson = 0.0;
+  int32_t type = 0;
+  std::array<double, 9> vals{};
+};
+
+// PSTR (plane stress) and PSRN (plane strain): 725 doubles. LM the NEQ
+// equation numbers, six per node (at most 24); STRS(NROW, NEQ) by columns
+// behind them (at most 27 rows: a force triple per node, then the stress
+// triples of the centre and the nodes); then NEQ and NROW at words 673, 674
+// and the element block from word 676: the node count, four node numbers
+// (a fourth of 0 or equal to the third makes a triangle), the coordinates of
+// the four nodes, the material, the option (PLANE_KIND 0 stress state, 1
+// strain state, plus 100 with drilling freedoms) and the material angle in
+// degrees.
+struct PlaneRecord {
+  static constexpr int32_t kWords = 725;
+  std::vector<double> lm;
+  int32_t nrow = 27;
+  std::vector<double> strs;
+  int32_t nodes_count = 4;
+  std::array<double, 4> nodes{};
+  std::array<std::array<double, 3>, 4> xyz{};
+  PlaneMaterial material;
+  int32_t option = 0;
+  double angle = 0.0;
+  RESPCORE_API std::vector<double> words() const;
+};
+
+// PSTH (plane stress) and PSRH (plane strain) of the six- and eight-node
+// elements: 83 doubles. LM the NEQ equation numbers, six per node (at most
+// 48), NEQ at word 49, and from word 52 the node count, eight node numbers
+// (records of the node coordinates, section CORD) and the material.
+struct PlaneHighRecord {
+  static constexpr int32_t kWords = 83;
+  std::vector<double> lm;
+  std::vector<double> nodes;
+  PlaneMaterial material;
+  RESPCORE_API std::vector<double> words() const;
+};
+
 // MATL: 13 doubles: the material number, Young's modulus, Poisson's ratio,
 // the type flag (1 orthotropic) and nine further values.
 struct MaterialRecord {

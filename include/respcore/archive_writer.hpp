@@ -197,6 +197,12 @@ class RESPCORE_API ArchiveWriter {
   Section& plate_records(int32_t serial, const std::vector<PlateRecord>& records);
   Section& general_plate_records(int32_t serial, const std::vector<GeneralPlateRecord>& records);
   Section& plate_high_records(int32_t serial, const std::vector<PlateHighRecord>& records);
+  // Plane element records: PSTR or PSRN (three- and four-node), PSTH or
+  // PSRH (six- and eight-node); NAME is the section.
+  Section& plane_records(const SectionName& name, int32_t serial,
+                         const std::vector<PlaneRecord>& records);
+  Section& plane_high_records(const SectionName& name, int32_t serial,
+                              const std::vector<PlaneHighRecord>& records);
   // Node coordinates (CORD, serial 3), node 1 first.
   Section& node_coordinates(const std::vector<std::array<double, 3>>& xyz);
   // Element table (ELMT, serial 3): per element its words, the material

@@ -17,7 +17,6 @@ namespace respcore {
 // Axis 1 is a normalised, axis 2 is b less its component along axis 1,
 // normalised, axis 3 is axis 1 cross axis 2. Coincident or collinear nodes
 // divide by zero and the axes carry the result; nothing is reported.
-void QDCOS(VecRef<double> X, VecRef<double> Y, VecRef<double> Z, MatRef<double> PANEL_T,
-           int32_t N);
+void QDCOS(VecRef<double> X, VecRef<double> Y, VecRef<double> Z, MatRef<double> PANEL_T, int32_t N);
 
 }  // namespace respcore

@@ -8,7 +8,8 @@ void LOCPANEL(VecRef<double> SIG, MatRef<double> PANEL_T, int32_t N) {
     for (int j = 0; j < 3; ++j) t[i][j] = PANEL_T(i + 1, j + 1);
   for (int k = 0; k < 2 * N; ++k) {
     const double v[3] = {SIG(3 * k + 1), SIG(3 * k + 2), SIG(3 * k + 3)};
-    for (int i = 0; i < 3; ++i) SIG(3 * k + i + 1) = t[i][0] * v[0] + t[i][1] * v[1] + t[i][2] * v[2];
+    for (int i = 0; i < 3; ++i)
+      SIG(3 * k + i + 1) = t[i][0] * v[0] + t[i][1] * v[1] + t[i][2] * v[2];
   }
 }
 
