@@ -156,6 +156,20 @@ int64_t ArchiveReader::read_run(const SectionRef& s, int64_t index, int64_t coun
   return read_records(units, s.unit, record_of(s, index), count, nbytes, dst, &ok);
 }
 
+PinnedSection ArchiveReader::pin(const SectionRef& s) const {
+  return PinnedSection{unit_connection(units, s.unit), s.first};
+}
+
+int64_t ArchiveReader::read_run(const PinnedSection& s, int64_t index, int64_t count,
+                                int64_t nbytes, void* dst, std::vector<char>& ok) {
+  int64_t rec = 0;
+  if (__builtin_add_overflow(s.first, index - 1, &rec)) {
+    ok.assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
+    return 0;
+  }
+  return read_records(s.conn, rec, count, nbytes, dst, &ok);
+}
+
 int64_t ArchiveReader::readable(const SectionRef& s, int64_t nbytes) const {
   int64_t last = 0;
   if (__builtin_sub_overflow(unit_last_record(units, s.unit, nbytes), s.first - 1, &last)) return 0;

@@ -110,12 +110,25 @@ bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nby
   return pread_all(c->file->fd, dst, nbytes, off);
 }
 
+Connection unit_connection(const UnitTable& U, int32_t unit) {
+  const Connection* c = connection(U, unit);
+  return c == nullptr ? Connection{} : *c;
+}
+
 int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
                      void* dst, std::vector<char>* ok) {
-  ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
   const Connection* conn = connection(U, unit);
-  if (count <= 0 || conn == nullptr) return 0;
-  const Connection& c = *conn;
+  if (conn == nullptr) {
+    ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
+    return 0;
+  }
+  return read_records(*conn, first, count, nbytes, dst, ok);
+}
+
+int64_t read_records(const Connection& c, int64_t first, int64_t count, int64_t nbytes, void* dst,
+                     std::vector<char>* ok) {
+  ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
+  if (count <= 0 || !c.file) return 0;
   if (nbytes < 0 || nbytes > c.reclen) return 0;
   // Records that exist lie in one contiguous span of the file.
   int64_t lo = std::max<int64_t>(first, 1);
@@ -129,16 +142,20 @@ int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, i
   if (hi < lo) return 0;
   const int64_t span_off = record_offset(lo, c.reclen);
   const int64_t span_len = (hi - lo) * c.reclen + nbytes;
-  std::vector<char> buf(static_cast<size_t>(checked_count(1, span_len)));
-  if (!pread_all(c.file->fd, buf.data(), span_len, span_off)) return 0;
-  int64_t n_ok = 0;
-  for (int64_t r = lo; r <= hi; ++r) {
-    std::memcpy(static_cast<char*>(dst) + (r - first) * nbytes, buf.data() + (r - lo) * c.reclen,
-                static_cast<size_t>(nbytes));
-    (*ok)[static_cast<size_t>(r - first)] = 1;
-    ++n_ok;
+  char* out = static_cast<char*>(dst) + (lo - first) * nbytes;
+  if (nbytes == c.reclen) {
+    // Whole records lie in the file as they lie in DST: one read, no copy.
+    if (!pread_all(c.file->fd, out, span_len, span_off)) return 0;
+  } else {
+    std::vector<char> buf(static_cast<size_t>(checked_count(1, span_len)));
+    if (!pread_all(c.file->fd, buf.data(), span_len, span_off)) return 0;
+    for (int64_t r = lo; r <= hi; ++r) {
+      std::memcpy(out + (r - lo) * nbytes, buf.data() + (r - lo) * c.reclen,
+                  static_cast<size_t>(nbytes));
+    }
   }
-  return n_ok;
+  std::fill(ok->begin() + (lo - first), ok->begin() + (hi - first) + 1, 1);
+  return hi - lo + 1;
 }
 
 namespace {

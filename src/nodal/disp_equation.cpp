@@ -9,14 +9,14 @@ namespace {
 // The displacements of the element's equations, row i from LM(i); with
 // support motion (and a constrained translation among the element's nodes)
 // rows are laid out six per node, and a constrained translation takes the
-// support motion of its node.
-void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, int32_t NLM,
-                         VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE) {
+// support motion of its node. MAKE(support) makes the fetch that receives
+// them.
+template <class Make>
+void fetch_rows(NodalMotion& M, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA,
+                int32_t NNODE, Make make) {
   const RunContext& R = M.run;
-  StepWork work(R);
-  const StepColumns cols = R.REQUEST_MODE == 1 ? StepColumns::AllSteps : StepColumns::OneStep;
   auto by_equation = [&](bool close_after) {
-    MotionFetch f(M, Quantity::Displacement, cols, false, work, DISP_EQ, NDOF, NLM);
+    MotionFetch f = make(false);
     for (int32_t i = 1; i <= NLM; ++i) f.dof(i, LM(i), 0, 0);
     f.finish();
     if (close_after) f.close_direct_file();
@@ -36,7 +36,7 @@ void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, i
     by_equation(true);
     return;
   }
-  MotionFetch f(M, Quantity::Displacement, cols, true, work, DISP_EQ, NDOF, NLM);
+  MotionFetch f = make(true);
   for (int32_t n = 1; n <= NNODE; ++n) {
     for (int32_t c = 1; c <= 6; ++c) {
       const int64_t row = 6 * (n - 1) + c;
@@ -55,6 +55,16 @@ void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, i
   }
   f.finish();
   f.close_direct_file();
+}
+
+void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, int32_t NLM,
+                         VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE) {
+  StepWork work(M.run);
+  const StepColumns cols =
+      M.run.REQUEST_MODE == 1 ? StepColumns::AllSteps : StepColumns::OneStep;
+  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support) {
+    return MotionFetch(M, Quantity::Displacement, cols, support, work, DISP_EQ, NDOF, NLM);
+  });
 }
 
 // DISP_NO(6(n-1)+r, j) := sum over c of T(r, c) DISP_EQ(6(n-1)+c, j) for the
@@ -105,6 +115,24 @@ void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<
     else
       turn_node(DISP_EQ, DISP_NO, rec, n, nsteps, wall);
   }
+}
+
+bool DISP_ROW(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA,
+              int32_t NNODE, const double* COEF, double BASE, double* OUT) {
+  const RunContext& R = M.run;
+  if (R.REQUEST_MODE != 1 || !MotionFetch::combinable(R) || NDOF < 0 || NLM > NDOF ||
+      NNODE < 0 || NLM > LM.size())
+    return false;
+  // The layout by node reaches rows 6 NNODE (and a wall beam's 12 + NNODE).
+  const bool by_node = R.HIST_STORE == 2 && R.HAS_SUPPORT_MOTION == 1;
+  if (by_node && (6 * int64_t{NNODE} > std::min<int64_t>(NDOF, LM.size()) ||
+                  NNODE > IIA.size() ||
+                  (R.ELEM_TYPE == 14 && 12 + int64_t{NNODE} > std::min<int64_t>(NDOF, LM.size()))))
+    return false;
+  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support) {
+    return MotionFetch(M, Quantity::Displacement, support, COEF, NDOF, BASE, OUT);
+  });
+  return true;
 }
 
 }  // namespace respcore

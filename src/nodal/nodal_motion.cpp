@@ -1,6 +1,7 @@
 #include "nodal/nodal_motion.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace respcore {
@@ -158,6 +159,105 @@ MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t sum_r
   prepare(7);
 }
 
+MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, const double* coef,
+                         int64_t ncoef, double base, double* out)
+    : M_(M),
+      R_(M.run),
+      q_(q),
+      cols_(StepColumns::AllSteps),
+      support_(support),
+      sum_rows_(ncoef),
+      coef_(coef),
+      ncoef_(std::max<int64_t>(ncoef, 0)),
+      comb_(out) {
+  nsteps_ = std::max<int64_t>(R_.NUM_STEPS, 0);
+  std::fill(comb_, comb_ + nsteps_, base);
+  delivered_.assign(static_cast<size_t>(ncoef_), 0);
+  if (R_.HIST_STORE == 1) {
+    storage_ = Storage::Modal;
+    Modal& md = modal_.emplace();
+    md.mode_values = Mat<double>("MODE_VALS", ncoef_, R_.NUM_MODES);
+    // The coordinates are read at the end, once the coefficients are
+    // folded; the look-ups stay in their order.
+    mdsp_ = M.archive.pin(M.archive.find(sections::MDSP, 3));
+    md.mshp = M.archive.find(sections::MSHP, 3);
+    md.mode_row.assign(static_cast<size_t>(std::max(R_.NUM_MODES, 0)), 0.0);
+    return;
+  }
+  sink_ = [this](int64_t row, const double* values) { add_combined(row, values); };
+  prepare(7);
+}
+
+bool MotionFetch::combinable(const RunContext& R) {
+  if (R.HIST_STORE == 2) return true;
+  return R.HIST_STORE == 1 && R.NUM_STEPS >= 1 && R.NUM_STEPS <= R.NUM_STORED_STEPS;
+}
+
+void MotionFetch::add_combined(int64_t row, const double* values) {
+  if (row < 1 || row > ncoef_ || delivered_[static_cast<size_t>(row - 1)]) return;
+  delivered_[static_cast<size_t>(row - 1)] = 1;
+  const double c = coef_[row - 1];
+  double* y = comb_;
+  for (int64_t s = 0; s < nsteps_; ++s) y[s] += c * values[s];
+}
+
+void MotionFetch::finish_combined() {
+  // The coefficients folded into the mode shapes: C(m) = sum over the rows
+  // of COEF(r) times the value of mode m at row r.
+  Mat<double>& MV = modal_->mode_values;
+  const int64_t nm = MV.cols();
+  std::vector<double> c(static_cast<size_t>(nm), 0.0);
+  for (int64_t m = 1; m <= nm; ++m) {
+    const double* phi = MV.col(m);
+    double sum = 0.0;
+    for (int64_t r = 0; r < ncoef_; ++r) sum += coef_[r] * phi[r];
+    c[static_cast<size_t>(m - 1)] = sum;
+  }
+  const bool one_mode = R_.MODE_NO >= 1 && R_.MODE_NO <= R_.NUM_MODES;
+  const int64_t n = nsteps_;
+  double* y = comb_;
+  // A mode left out has zero coordinates: its term adds nothing, unless its
+  // coefficient is not finite.
+  for (int64_t m = 1; m <= nm; ++m) {
+    const double cm = c[static_cast<size_t>(m - 1)];
+    if ((one_mode && m != R_.MODE_NO) && !std::isfinite(cm)) {
+      for (int64_t s = 0; s < n; ++s) y[s] += cm * 0.0;
+    }
+  }
+  // The steps in blocks; within a block every selected mode adds its
+  // records, read as they lie in the archive (three values per step).
+  constexpr int64_t kBlock = 4096;
+  const int64_t k = static_cast<int64_t>(q_) - 1;
+  const int64_t nss = R_.NUM_STORED_STEPS;
+  std::vector<double> buf(static_cast<size_t>(3 * std::min(n, kBlock)));
+  std::vector<char> ok;
+  for (int64_t s0 = 0; s0 < n; s0 += kBlock) {
+    const int64_t cnt = std::min(kBlock, n - s0);
+    for (int64_t m = 1; m <= nm; ++m) {
+      if (one_mode && m != R_.MODE_NO) continue;
+      // Record index ((MODAL_SET - 1) NUM_MODES + m - 1) NUM_STORED_STEPS + s0 + 1.
+      int64_t index = 0;
+      const bool formed = !__builtin_mul_overflow(int64_t{R_.MODAL_SET} - 1, nm, &index) &&
+                          !__builtin_add_overflow(index, m - 1, &index) &&
+                          !__builtin_mul_overflow(index, nss, &index) &&
+                          !__builtin_add_overflow(index, s0 + 1, &index);
+      if (formed) {
+        M_.archive.read_run(mdsp_, index, cnt, 24, buf.data(), ok);
+      } else {
+        ok.assign(static_cast<size_t>(cnt), 0);
+      }
+      // A record that cannot be read is a zero coordinate.
+      double* v = buf.data() + k;
+      for (int64_t j = 0; j < cnt; ++j) {
+        if (!ok[static_cast<size_t>(j)]) v[3 * j] = 0.0;
+      }
+      const double cm = c[static_cast<size_t>(m - 1)];
+      double* ys = y + s0;
+      for (int64_t j = 0; j < cnt; ++j) ys[j] += cm * v[3 * j];
+    }
+  }
+}
+
 void MotionFetch::prepare(int64_t mode_rows) {
   nsteps_ = std::max<int64_t>(R_.NUM_STEPS, 0);
   ArchiveReader A = M_.archive;
@@ -283,6 +383,10 @@ void MotionFetch::deliver(const SectionRef& s, int64_t index, int64_t row) {
 }
 
 void MotionFetch::finish() {
+  if (comb_ != nullptr) {
+    if (storage_ == Storage::Modal) finish_combined();
+    return;
+  }
   if (storage_ == Storage::Modal)
     finish_modal();
   else if (storage_ == Storage::Direct && sink_ == nullptr && cols_ == StepColumns::AllSteps)

@@ -88,6 +88,21 @@ class MotionFetch {
   // for a modal case, when the fetch finishes).
   MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t sum_rows, HistorySink sink);
 
+  // All steps, combined into one history: OUT(s) := BASE + the sum over the
+  // rows r delivered of COEF(r) times the motion of r, for s = 1..NUM_STEPS
+  // (rows 1..NCOEF; a row delivered twice counts once). With modal storage
+  // the coefficients are first folded into the mode shapes of the rows, so
+  // that the steps cost one pass over the modal coordinates of the selected
+  // modes, read as they lie in the archive; the sums are then associated
+  // differently from the row-by-row road, which changes them by rounding.
+  // The caller makes sure that 1 <= NUM_STEPS <= NUM_STORED_STEPS for a
+  // modal case (see combinable()).
+  MotionFetch(NodalMotion& M, Quantity q, bool support, const double* coef, int64_t ncoef,
+              double base, double* out);
+  // Whether the case allows the combined road: its storage is direct, or
+  // modal with the steps wanted stored.
+  static bool combinable(const RunContext& R);
+
   // The motion of one dof into row ROW: EQUATION is its equation number (an
   // equation when positive); NODE and COMP (1..6) place a constrained dof in
   // the support motion.
@@ -105,6 +120,8 @@ class MotionFetch {
   void deliver_nothing(int64_t row);
   void finish_modal();
   void finish_columns();
+  void finish_combined();
+  void add_combined(int64_t row, const double* values);
 
   NodalMotion& M_;
   const RunContext& R_;
@@ -126,6 +143,13 @@ class MotionFetch {
     std::vector<double> mode_row;
   };
   std::optional<Modal> modal_;
+  // The combined road: the coefficients, the history formed, which rows
+  // were delivered, and the coordinates' section kept for the end.
+  const double* coef_ = nullptr;
+  int64_t ncoef_ = 0;
+  double* comb_ = nullptr;
+  std::vector<char> delivered_;
+  PinnedSection mdsp_;
   // Direct storage.
   SectionRef dmed_, mser_;
   int64_t support_rows_ = 0;

@@ -299,8 +299,14 @@ TEST(Cli, SnapshotMatchesHistoriesAtTheStep) {
       const int serial = static_cast<int>(j["items"][k]["serial"].num);
       const auto v = json_numbers(j["items"][k]["values"]);
       ASSERT_EQ(v.size(), 2u);
-      EXPECT_DOUBLE_EQ(v[0], kernel_values(13, row_i, serial, step)[step - 1]);
-      EXPECT_DOUBLE_EQ(v[1], kernel_values(13, row_j, serial, step)[step - 1]);
+      // A long history of one row is combined in another order than the
+      // step's own products: the two agree to rounding of the row's scale.
+      for (const auto& [value, row] : {std::pair{v[0], row_i}, std::pair{v[1], row_j}}) {
+        const auto h = kernel_values(13, row, serial, step);
+        double scale = 0.0;
+        for (double x : h) scale = std::max(scale, std::abs(x));
+        EXPECT_NEAR(value, h[step - 1], 1e-12 * scale);
+      }
     }
   }
   // Node results at a step past the first, and a truss in CSV.
