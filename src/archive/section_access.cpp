@@ -151,6 +151,11 @@ bool ArchiveReader::read_f64_at(const SectionRef& s, int64_t index, int64_t nbyt
   return read_record_f64_at(units, s.unit, record_of(s, index), nbytes, byte_offset, out);
 }
 
+bool ArchiveReader::read_part(const SectionRef& s, int64_t index, int64_t nbytes,
+                              int64_t byte_offset, void* dst, int64_t len) {
+  return read_record_part(units, s.unit, record_of(s, index), nbytes, byte_offset, dst, len);
+}
+
 int64_t ArchiveReader::read_run(const SectionRef& s, int64_t index, int64_t count, int64_t nbytes,
                                 void* dst, std::vector<char>& ok) {
   return read_records(units, s.unit, record_of(s, index), count, nbytes, dst, &ok);

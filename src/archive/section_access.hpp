@@ -72,6 +72,10 @@ class ArchiveReader {
   // double at BYTE_OFFSET is fetched into OUT.
   bool read_f64_at(const SectionRef& s, int64_t index, int64_t nbytes, int64_t byte_offset,
                    double& out);
+  // The outcome of a read of NBYTES from record INDEX, of which only the LEN
+  // bytes at BYTE_OFFSET are fetched into DST.
+  bool read_part(const SectionRef& s, int64_t index, int64_t nbytes, int64_t byte_offset, void* dst,
+                 int64_t len);
   // The first NBYTES of COUNT records from record INDEX on, record i at
   // DST + i * NBYTES, with one flag per record in OK; as COUNT single reads.
   int64_t read_run(const SectionRef& s, int64_t index, int64_t count, int64_t nbytes, void* dst,

@@ -199,6 +199,15 @@ bool read_record_f64_at(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
   return pread_all(c->file->fd, &out, 8, off + byte_offset);
 }
 
+bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,
+                      void* dst, int64_t len) {
+  const Connection* c = nullptr;
+  const int64_t off = readable_offset(U, unit, rec, nbytes, c);
+  if (off < 0) return false;
+  if (byte_offset < 0 || len <= 0 || byte_offset > nbytes - len) return true;
+  return pread_all(c->file->fd, dst, len, off + byte_offset);
+}
+
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {
   const Connection* c = connection(U, unit);
   if (c == nullptr || nbytes < 0 || nbytes > c->reclen || c->file->size < nbytes) return 0;

@@ -323,19 +323,20 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
   LineElementArrays& E = L.*T.arrays;
   const bool scaled = T.element_factor && product_is(A.state, "H.N.Q");
 
+  // One row of a long history (REQUEST_MODE 1) is combined from the
+  // displacement histories; the step tables are then made only for an
+  // element that cannot take that road.
+  const bool combined = R.REQUEST_MODE == 1 && R.NUM_STEPS > kCombinedSteps &&
+                        R.RESULT_COMP >= 1 && R.RESULT_COMP <= kLineRows;
   // DISP_EQUATION is asked for no node-axis copy, so it needs no storage.
-  Mat<double> DISP_EQ("DISP_EQ", T.dof, R.NUM_STEPS);
+  Mat<double> DISP_EQ("DISP_EQ", T.dof, combined ? 0 : R.NUM_STEPS);
   MatRef<double> DISP_NO(nullptr, 0, 0, "DISP_NO");
-  Mat<double> SSIG("SSIG", kLineRows, R.NUM_STEPS);
+  Mat<double> SSIG("SSIG", kLineRows, combined ? 0 : R.NUM_STEPS);
   Mat<double> RST_INITIAL("RST_INITIAL", 0, 0);
   const bool has_initial =
       line_detail::read_initial_forces(R, A, T.initial, T.dof, INUM_SERIAL, RST_INITIAL);
 
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
-  // One row of a long history (REQUEST_MODE 1) is combined from the
-  // displacement histories.
-  const bool combined = R.REQUEST_MODE == 1 && R.NUM_STEPS > kCombinedSteps &&
-                        R.RESULT_COMP >= 1 && R.RESULT_COMP <= kLineRows;
   for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
     const int32_t serial = INUM_SERIAL(p);
     LineRecord rec = read_record(T, A, E, ID, serial);
@@ -344,6 +345,10 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
       unpack_matrix(T, E, rec);
       const double* init = has_initial ? RST_INITIAL.col(p) : nullptr;
       if (one_row(T, R, M, E, rec, IIA, init, scaled, TDSP)) continue;
+    }
+    if (DISP_EQ.cols() != R.NUM_STEPS) {
+      DISP_EQ.resize(T.dof, R.NUM_STEPS);
+      SSIG.resize(kLineRows, R.NUM_STEPS);
     }
     DISP_EQUATION(M, T.dof, DISP_EQ.ref(), DISP_NO, rec.NEQ, E.LM.ref(), IIA, 2, 1);
     line_detail::remove_initial_state(R, A, IT, T.inactive_kind, serial, rec.NEQ, E.LM.ref(),

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "numeric/combine.hpp"
+
 namespace respcore {
 
 namespace {
@@ -171,7 +173,7 @@ MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, const double*
       ncoef_(std::max<int64_t>(ncoef, 0)),
       comb_(out) {
   nsteps_ = std::max<int64_t>(R_.NUM_STEPS, 0);
-  std::fill(comb_, comb_ + nsteps_, base);
+  base_ = base;
   delivered_.assign(static_cast<size_t>(ncoef_), 0);
   if (R_.HIST_STORE == 1) {
     storage_ = Storage::Modal;
@@ -184,7 +186,6 @@ MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, const double*
     md.mode_row.assign(static_cast<size_t>(std::max(R_.NUM_MODES, 0)), 0.0);
     return;
   }
-  sink_ = [this](int64_t row, const double* values) { add_combined(row, values); };
   prepare(7);
 }
 
@@ -193,12 +194,42 @@ bool MotionFetch::combinable(const RunContext& R) {
   return R.HIST_STORE == 1 && R.NUM_STEPS >= 1 && R.NUM_STEPS <= R.NUM_STORED_STEPS;
 }
 
-void MotionFetch::add_combined(int64_t row, const double* values) {
+void MotionFetch::add_combined(int64_t row, const SectionRef* s, int64_t index) {
   if (row < 1 || row > ncoef_ || delivered_[static_cast<size_t>(row - 1)]) return;
   delivered_[static_cast<size_t>(row - 1)] = 1;
-  const double c = coef_[row - 1];
-  double* y = comb_;
-  for (int64_t s = 0; s < nsteps_; ++s) y[s] += c * values[s];
+  if (s != nullptr) records_.push_back({row, s, index});
+}
+
+void MotionFetch::finish_combined_direct() {
+  // Each row's history is the whole record read as one: a record that cannot
+  // hold the steps gives zeros. The steps go in blocks, and the rows in
+  // groups of four, so that the block of the sum and the blocks read stay in
+  // cache while the group adds its part.
+  constexpr int64_t kBlock = 16384;
+  constexpr int32_t kGroup = 4;
+  const int64_t n = nsteps_;
+  const int64_t block = std::min(n, kBlock);
+  std::vector<double>& buf = M_.state.row_buffer;
+  buf.resize(static_cast<size_t>(kGroup * block));
+  const auto nrec = static_cast<int64_t>(records_.size());
+  for (int64_t s0 = 0; s0 < n; s0 += kBlock) {
+    const int64_t cnt = std::min(kBlock, n - s0);
+    std::fill(comb_ + s0, comb_ + s0 + cnt, base_);
+    for (int64_t g = 0; g < nrec; g += kGroup) {
+      const double* x[kGroup];
+      double c[kGroup];
+      const auto k = static_cast<int32_t>(std::min<int64_t>(kGroup, nrec - g));
+      for (int32_t i = 0; i < k; ++i) {
+        const RowRecord& r = records_[static_cast<size_t>(g + i)];
+        double* h = buf.data() + i * block;
+        if (!M_.archive.read_part(*r.section, r.index, n * 8, s0 * 8, h, cnt * 8))
+          std::fill(h, h + cnt, 0.0);
+        x[i] = h;
+        c[i] = coef_[r.row - 1];
+      }
+      add_combination(comb_ + s0, x, c, k, cnt, 1);
+    }
+  }
 }
 
 void MotionFetch::finish_combined() {
@@ -216,6 +247,7 @@ void MotionFetch::finish_combined() {
   const bool one_mode = R_.MODE_NO >= 1 && R_.MODE_NO <= R_.NUM_MODES;
   const int64_t n = nsteps_;
   double* y = comb_;
+  std::fill(y, y + n, base_);
   // A mode left out has zero coordinates: its term adds nothing, unless its
   // coefficient is not finite.
   for (int64_t m = 1; m <= nm; ++m) {
@@ -251,9 +283,8 @@ void MotionFetch::finish_combined() {
       for (int64_t j = 0; j < cnt; ++j) {
         if (!ok[static_cast<size_t>(j)]) v[3 * j] = 0.0;
       }
-      const double cm = c[static_cast<size_t>(m - 1)];
-      double* ys = y + s0;
-      for (int64_t j = 0; j < cnt; ++j) ys[j] += cm * v[3 * j];
+      const double* x[1] = {v};
+      add_combination(y + s0, x, &c[static_cast<size_t>(m - 1)], 1, cnt, 3);
     }
   }
 }
@@ -304,6 +335,18 @@ void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp)
   }
   if (storage_ != Storage::Direct) {
     deliver_nothing(row);
+    return;
+  }
+  if (comb_ != nullptr) {
+    // The combined road reads the rows' records at the end.
+    if (support_ && equation == 0 && comp <= 3) {
+      const int64_t r = find_support_row(M_.state.ISER, support_rows_, node, comp);
+      add_combined(row, r > 0 ? &mser_ : nullptr, record_index(q_, false, r));
+    } else if (equation > 0) {
+      add_combined(row, &dmed_, record_index(q_, support_, equation));
+    } else {
+      add_combined(row, nullptr, 0);
+    }
     return;
   }
   if (support_ && equation == 0 && comp <= 3) {
@@ -384,7 +427,12 @@ void MotionFetch::deliver(const SectionRef& s, int64_t index, int64_t row) {
 
 void MotionFetch::finish() {
   if (comb_ != nullptr) {
-    if (storage_ == Storage::Modal) finish_combined();
+    if (storage_ == Storage::Modal)
+      finish_combined();
+    else if (storage_ == Storage::Direct)
+      finish_combined_direct();
+    else
+      std::fill(comb_, comb_ + nsteps_, base_);
     return;
   }
   if (storage_ == Storage::Modal)

@@ -121,7 +121,7 @@ class MotionFetch {
   void finish_modal();
   void finish_columns();
   void finish_combined();
-  void add_combined(int64_t row, const double* values);
+  void add_combined(int64_t row, const SectionRef* s, int64_t index);
 
   NodalMotion& M_;
   const RunContext& R_;
@@ -148,8 +148,18 @@ class MotionFetch {
   const double* coef_ = nullptr;
   int64_t ncoef_ = 0;
   double* comb_ = nullptr;
+  double base_ = 0.0;
   std::vector<char> delivered_;
   PinnedSection mdsp_;
+  // Direct storage: the history record of each row, read at the end in
+  // blocks of steps.
+  struct RowRecord {
+    int64_t row;
+    const SectionRef* section;
+    int64_t index;
+  };
+  std::vector<RowRecord> records_;
+  void finish_combined_direct();
   // Direct storage.
   SectionRef dmed_, mser_;
   int64_t support_rows_ = 0;
