@@ -36,15 +36,20 @@ TEST(Entry, DirectStorageCodeThreeActsAsTwo) {
   EXPECT_EQ(r.values, (std::vector<double>{21, 22, 23, 24}));
 }
 
-TEST(Entry, HistoryModeTakesTheFirstItemOnly) {
-  ArchiveFixture a;
-  one_node(a, 2, 3);
-  Kernel k;
-  auto q = a.request(9, 1, 3);
-  q.num_items = 7;
-  q.elements = {2, 1, 1, 1, 1, 1, 1};
-  q.serials = std::vector<int32_t>(7, 1);
-  EXPECT_EQ(k.run(q).values, (std::vector<double>{41, 42, 43}));
+// The element form of the case (THLG) takes the element records of serial
+// 4, except under the two tags that have no such form.
+TEST(Entry, ElementFormTwoReadsSerialFourExceptUnderTwoTags) {
+  for (const auto& [tag, index, serial] : {std::tuple{"P.R.W", 1, 4}, {"H.N.Q", 4, 3}, {"J.W.U", 6, 3}}) {
+    ArchiveFixture a(tag);
+    for (int s = 3; s <= 4; ++s) a.writer().truss_records(s, {{{1, 2}, 4, {double(s), 0, 0, 0, 0, double(s), 0, 0}}});
+    a.writer().element_forms({2});
+    one_node(a, 2, 1);
+    Kernel k;
+    auto q = a.request(12, 1, 1);
+    q.product_index = index;
+    // (s u2 - s u1) / 2 at step 1, u1 = 11 and u2 = 21.
+    EXPECT_EQ(k.run(q).values, std::vector<double>{5.0 * serial}) << tag;
+  }
 }
 
 TEST(Entry, FamiliesOutsideTheTableCallNothing) {
