@@ -105,67 +105,34 @@ inline Material orthotropic() {
   return m;
 }
 
-// Compliance, written down from the engineering constants.
+// Compliance from the engineering constants (the isotropic material being
+// the orthotropic one with equal constants); the elastic matrix is its
+// inverse.
 inline M6 compliance(const Material& m) {
+  const bool o = m.type == 1;
+  const double E1 = m.E, E2 = o ? m.vals[0] : m.E, E3 = o ? m.vals[3] : m.E;
+  const double n12 = m.nu, n13 = o ? m.vals[1] : m.nu, n23 = o ? m.vals[4] : m.nu;
+  const M3 a = {{{1 / E1, -n12 / E1, -n13 / E1}, {-n12 / E1, 1 / E2, -n23 / E2}, {-n13 / E1, -n23 / E2, 1 / E3}}};
   M6 c{};
-  if (m.type == 1) {
-    const double E1 = m.E, E2 = m.vals[0], E3 = m.vals[3];
-    const double n12 = m.nu, n13 = m.vals[1], n23 = m.vals[4];
-    const double a[3][3] = {{1 / E1, -n12 / E1, -n13 / E1},
-                            {-n12 / E1, 1 / E2, -n23 / E2},
-                            {-n13 / E1, -n23 / E2, 1 / E3}};
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 3; ++j) c[i + 6 * j] = a[i][j];
-    for (int i = 0; i < 3; ++i) c[(3 + i) * 7] = 1.0 / m.vals[6 + i];
-  } else {
-    const double G = m.E / (2 * (1 + m.nu));
-    for (int i = 0; i < 3; ++i) {
-      for (int j = 0; j < 3; ++j) c[i + 6 * j] = (i == j ? 1.0 : -m.nu) / m.E;
-      c[(3 + i) * 7] = 1.0 / G;
-    }
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) c[i + 6 * j] = a[i][j];
+    c[(3 + i) * 7] = 1.0 / (o ? m.vals[6 + i] : m.E / (2 * (1 + m.nu)));
   }
   return c;
 }
 
-// Elastic matrix: Lame form for the isotropic material, the inverse of the
-// compliance (by Gauss elimination with pivoting) for the orthotropic one.
 inline M6 elastic(const Material& m) {
+  const M6 c = compliance(m);
+  M3 a;
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) a[i][j] = c[i + 6 * j];
+  const M3 cof = cofactor(a);
   M6 d{};
-  if (m.type != 1) {
-    const double lam = m.E * m.nu / ((1 + m.nu) * (1 - 2 * m.nu));
-    const double mu = m.E / (2 * (1 + m.nu));
-    for (int i = 0; i < 3; ++i) {
-      for (int j = 0; j < 3; ++j) d[i + 6 * j] = lam + (i == j ? 2 * mu : 0.0);
-      d[(3 + i) * 7] = mu;
-    }
-    return d;
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) d[i + 6 * j] = cof[j][i] / det3(a);
+    d[(3 + i) * 7] = 1.0 / c[(3 + i) * 7];
   }
-  M6 a = compliance(m);
-  M6 inv{};
-  for (int i = 0; i < 6; ++i) inv[i * 7] = 1.0;
-  for (int k = 0; k < 6; ++k) {
-    int piv = k;
-    for (int i = k + 1; i < 6; ++i)
-      if (std::fabs(a[i + 6 * k]) > std::fabs(a[piv + 6 * k])) piv = i;
-    for (int j = 0; j < 6; ++j) {
-      std::swap(a[k + 6 * j], a[piv + 6 * j]);
-      std::swap(inv[k + 6 * j], inv[piv + 6 * j]);
-    }
-    const double p = a[k + 6 * k];
-    for (int j = 0; j < 6; ++j) {
-      a[k + 6 * j] /= p;
-      inv[k + 6 * j] /= p;
-    }
-    for (int i = 0; i < 6; ++i) {
-      if (i == k) continue;
-      const double f = a[i + 6 * k];
-      for (int j = 0; j < 6; ++j) {
-        a[i + 6 * j] -= f * a[k + 6 * j];
-        inv[i + 6 * j] -= f * inv[k + 6 * j];
-      }
-    }
-  }
-  return inv;
+  return d;
 }
 
 // The global stress of a constant strain (displacement gradient G), the
@@ -235,17 +202,9 @@ struct SolidModel {
   }
 };
 
-// Rows 1..NROWS of TDSP of one item over NSTEPS steps, each row through its
-// own REQUEST_MODE 1 request: rows[r-1][s-1].
-inline std::vector<std::vector<double>> all_rows(Kernel& k, Request r, int nrows) {
-  std::vector<std::vector<double>> rows;
-  for (int c = 1; c <= nrows; ++c) {
-    r.result_comp = c;
-    Result res = k.run(r);
-    EXPECT_EQ(res.status, STATUS_DONE);
-    rows.push_back(res.values);
-  }
-  return rows;
+// Rows 1..NROWS of one item: rows[r-1][s-1].
+inline std::vector<std::vector<double>> all_rows(Kernel& k, const Request& r, int nrows) {
+  return history_rows(k, r, nrows);
 }
 
 inline V6 point6(const std::vector<std::vector<double>>& rows, int row0, int s) {
