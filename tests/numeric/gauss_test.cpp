@@ -30,28 +30,6 @@ TEST(GaussTable, StoredConstantsHaveTheirExactBitPatterns) {
   EXPECT_EQ(bits(wt), 0x3fd64340f7e7b66eULL);
 }
 
-TEST(GaussTable, PointSelection) {
-  double xi = 1.0, wt = 1.0;
-  INTPT4(5, 3, xi, wt);  // unknown rule: the one-point rule
-  EXPECT_EQ(xi, 0.0);
-  EXPECT_EQ(wt, 2.0);
-  INTPT4(1, 7, xi, wt);
-  EXPECT_EQ(xi, 0.0);
-  EXPECT_EQ(wt, 2.0);
-  double x1 = 0.0, w1 = 0.0;
-  INTPT4(4, 1, x1, w1);
-  INTPT4(4, 9, xi, wt);  // out of range: the first point
-  EXPECT_EQ(xi, x1);
-  EXPECT_EQ(wt, w1);
-  EXPECT_LT(x1, -0.8);
-  INTPT4(2, 0, xi, wt);
-  EXPECT_LT(xi, 0.0);
-  INTPT4(3, -4, xi, wt);
-  EXPECT_LT(xi, 0.0);
-  INTPT4(3, 11, xi, wt);
-  EXPECT_GT(xi, 0.0);
-}
-
 // An NPT-point rule integrates every polynomial up to degree 2 NPT - 1
 // exactly over [-1, 1]; the tolerance is what the 15-digit constants allow.
 TEST(GaussTable, RulesIntegratePolynomialsOfTheirDegree) {
