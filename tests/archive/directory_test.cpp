@@ -1,16 +1,17 @@
 // Section look-ups in the archive's directories: every status, every error
 // line, the chaining of blocks and the two directory forms.
+#include "archive/directory.hpp"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
 #include <fstream>
 
-#include "archive/directory.hpp"
 #include "archive/units.hpp"
-#include "run/kernel_state.hpp"
 #include "respcore/archive_writer.hpp"
 #include "respcore/kernel.hpp"
+#include "run/kernel_state.hpp"
 #include "support/temp_dir.hpp"
 
 namespace respcore {
@@ -37,8 +38,8 @@ Lookup plain(KernelState& K, const std::string& path, const char* t, int32_t ser
   Lookup r;
   int32_t first = -1;
   ::testing::internal::CaptureStdout();
-  READ_F(K.reader(), 63, path, static_cast<int32_t>(path.size()), code, tag(t), serial, first, r.reclen,
-         r.nrec, r.status);
+  READ_F(K.reader(), 63, path, static_cast<int32_t>(path.size()), code, tag(t), serial, first,
+         r.reclen, r.nrec, r.status);
   r.out = ::testing::internal::GetCapturedStdout();
   r.first = first;
   return r;
@@ -47,8 +48,8 @@ Lookup plain(KernelState& K, const std::string& path, const char* t, int32_t ser
 Lookup wide(KernelState& K, const std::string& path, const char* t, int32_t serial) {
   Lookup r;
   ::testing::internal::CaptureStdout();
-  READ_F_8(K.reader(), 32, path, static_cast<int32_t>(path.size()), 2, tag(t), serial, r.first, r.reclen,
-           r.nrec, r.status);
+  READ_F_8(K.reader(), 32, path, static_cast<int32_t>(path.size()), 2, tag(t), serial, r.first,
+           r.reclen, r.nrec, r.status);
   r.out = ::testing::internal::GetCapturedStdout();
   return r;
 }

@@ -1,11 +1,12 @@
 // Section access through the archive reader: file names by product tag, the
 // found rule, the direct-file digits, the form of the archive and the
 // element material.
+#include "archive/section_access.hpp"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "archive/section_access.hpp"
 #include "archive/units.hpp"
 #include "respcore/archive_writer.hpp"
 #include "run/kernel_state.hpp"
@@ -46,7 +47,8 @@ TEST(SectionAccess, OnlyAMissingSectionIsNotFound) {
   const SectionRef thlg = A.find(sections::THLG, 1);  // no first file
   EXPECT_TRUE(thlg.found());
   EXPECT_FALSE(A.read(thlg, 1, &v, 4));
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "   ERROR READ-F IN RESP CORE , ID_M, ID_S=THLG      1\n");
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+            "   ERROR READ-F IN RESP CORE , ID_M, ID_S=THLG      1\n");
 }
 
 TEST(SectionAccess, DirectFileDigits) {
@@ -71,7 +73,8 @@ TEST(SectionAccess, DirectFileDigits) {
   ::testing::internal::CaptureStdout();
   EXPECT_EQ(third(3), -1.0);
   EXPECT_FALSE(A.find_direct(sections::DSPL, 1, 9).found());
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "   ERROR READ-F IN RESP CORE , ID_M, ID_S=DMED      1\n");
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+            "   ERROR READ-F IN RESP CORE , ID_M, ID_S=DMED      1\n");
 }
 
 // The first file decides the form of the whole archive; once a 64-bit
@@ -112,7 +115,8 @@ TEST(SectionAccess, ElementMaterial) {
   const std::string base = dir.file("m");
   ArchiveWriter w(base);
   w.element_table({{7}, {9}, {8}});
-  w.materials({{7, 2.0e5, 0.3, 1, {1, 2, 3, 4, 5, 6, 7, 8, 9}}, {9, 7.0e4, 0.25, 0, {0, 0, 0, 0, 0, 0, 0, 0, 0.5}}});
+  w.materials({{7, 2.0e5, 0.3, 1, {1, 2, 3, 4, 5, 6, 7, 8, 9}},
+               {9, 7.0e4, 0.25, 0, {0, 0, 0, 0, 0, 0, 0, 0, 0.5}}});
   w.write();
   KernelState K;
   set_base(K, base);

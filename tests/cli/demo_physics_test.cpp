@@ -47,7 +47,8 @@ const DemoArchive& undamped() {
 // Global axes; ITEMS (serial, number) at STEP (REQUEST_MODE 2), or one item
 // over all steps with the node motion STEP_NO selects.
 std::vector<double> run(Kernel& k, const DemoArchive& a, int type, int comp, int hist_case,
-                        const std::vector<std::pair<int, int>>& items, int step_no = 1, int mode = 1) {
+                        const std::vector<std::pair<int, int>>& items, int step_no = 1,
+                        int mode = 1) {
   Request r;
   r.base = a.summary.base;
   r.elem_type = type;
@@ -57,17 +58,19 @@ std::vector<double> run(Kernel& k, const DemoArchive& a, int type, int comp, int
   r.num_items = static_cast<int32_t>(items.size());
   r.step_no = step_no;
   r.request_mode = mode;
-  for (const auto& [serial, number] : items) r.serials.push_back(serial), r.elements.push_back(number);
+  for (const auto& [serial, number] : items)
+    r.serials.push_back(serial), r.elements.push_back(number);
   Result res = k.run(r);
   EXPECT_EQ(res.status, 0);
   EXPECT_TRUE(res.output_lines.empty());
   return res.values;
 }
-std::vector<double> node_history(Kernel& k, const DemoArchive& a, int type, int node, int comp, int hist_case,
-                                 int step_no = 1) {
+std::vector<double> node_history(Kernel& k, const DemoArchive& a, int type, int node, int comp,
+                                 int hist_case, int step_no = 1) {
   return run(k, a, type, comp, hist_case, {{node, node}}, step_no);
 }
-std::vector<double> element_history(Kernel& k, const DemoArchive& a, const Member& m, int row, int hist_case) {
+std::vector<double> element_history(Kernel& k, const DemoArchive& a, const Member& m, int row,
+                                    int hist_case) {
   return run(k, a, m.elem_type, row, hist_case, {{m.serial, m.number}});
 }
 
@@ -78,21 +81,23 @@ double peak(const std::vector<double>& v) {
 }
 
 // All members of one family at one step: by serial, selector C at both ends.
-std::map<int, std::array<double, 2>> at_step(Kernel& k, const DemoArchive& a, int type, int c, int step,
-                                             int hist_case) {
+std::map<int, std::array<double, 2>> at_step(Kernel& k, const DemoArchive& a, int type, int c,
+                                             int step, int hist_case) {
   std::vector<std::pair<int, int>> items;
   for (const Member& m : a.model.members)
     if (m.elem_type == type) items.push_back({m.serial, m.number});
   const auto v = run(k, a, type, c, hist_case, items, step, 2);
   std::map<int, std::array<double, 2>> out;
   EXPECT_EQ(v.size(), 2 * items.size());
-  for (size_t i = 0; i < items.size() && 2 * i + 1 < v.size(); ++i) out[items[i].first] = {v[2 * i], v[2 * i + 1]};
+  for (size_t i = 0; i < items.size() && 2 * i + 1 < v.size(); ++i)
+    out[items[i].first] = {v[2 * i], v[2 * i + 1]};
   return out;
 }
 
 // Rows 1..12 of every beam (1..4 of every truss) at one step, by serial:
 // selector c gives rows c and c + 6 of a beam, rows 2c - 1 and 2c of a truss.
-std::map<int, std::vector<double>> end_forces(Kernel& k, const DemoArchive& a, int type, int step, int hist_case) {
+std::map<int, std::vector<double>> end_forces(Kernel& k, const DemoArchive& a, int type, int step,
+                                              int hist_case) {
   std::map<int, std::vector<double>> rows;
   const bool beam = type == 13;
   for (int c = 1; c <= (beam ? 6 : 2); ++c)
@@ -108,10 +113,12 @@ std::map<int, std::vector<double>> end_forces(Kernel& k, const DemoArchive& a, i
 TEST(DemoPhysics, ModalAndDirectCasesGiveTheSameResponse) {
   const DemoArchive& a = shipped();
   Kernel k;
-  auto compare = [](const std::vector<double>& modal, const std::vector<double>& direct, const std::string& what) {
+  auto compare = [](const std::vector<double>& modal, const std::vector<double>& direct,
+                    const std::string& what) {
     ASSERT_EQ(modal.size(), direct.size()) << what;
     ASSERT_GT(peak(modal), 0.0) << what;
-    for (size_t s = 0; s < modal.size(); ++s) ASSERT_NEAR(modal[s], direct[s], 1e-9 * peak(modal)) << what << " step " << s + 1;
+    for (size_t s = 0; s < modal.size(); ++s)
+      ASSERT_NEAR(modal[s], direct[s], 1e-9 * peak(modal)) << what << " step " << s + 1;
   };
   // The roof: every component of all three quantities, all steps.
   const int roof = a.model.nodes.back().number;
@@ -124,11 +131,13 @@ TEST(DemoPhysics, ModalAndDirectCasesGiveTheSameResponse) {
     for (int step : {1, 333, 531}) {
       const auto direct = end_forces(k, a, elem_type, step, 2);
       for (const auto& [serial, rows] : end_forces(k, a, elem_type, step, 1))
-        compare(rows, direct.at(serial), "serial " + std::to_string(serial) + " step " + std::to_string(step));
+        compare(rows, direct.at(serial),
+                "serial " + std::to_string(serial) + " step " + std::to_string(step));
     }
   for (const Member* m : {&a.model.members.front(), &a.model.members.back()})
     for (int row = 1; row <= (m->elem_type == 13 ? 12 : 4); ++row)
-      compare(element_history(k, a, *m, row, 1), element_history(k, a, *m, row, 2), "row " + std::to_string(row));
+      compare(element_history(k, a, *m, row, 1), element_history(k, a, *m, row, 2),
+              "row " + std::to_string(row));
 }
 
 // Without damping the only horizontal forces on the frame are the inertia
@@ -159,7 +168,8 @@ TEST(DemoPhysics, UndampedBaseShearBalancesInertiaForcesAtEveryStep) {
       const double scale = peak(inertia);
       ASSERT_GT(scale, 100.0);  // a real earthquake response, in kN
       for (size_t s = 0; s < shear.size(); ++s) {
-        ASSERT_NEAR(shear[s], inertia[s], 1e-7 * scale) << "case " << hist_case << " direction " << dir << " step " << s + 1;
+        ASSERT_NEAR(shear[s], inertia[s], 1e-7 * scale)
+            << "case " << hist_case << " direction " << dir << " step " << s + 1;
       }
     }
   }
@@ -177,7 +187,8 @@ TEST(DemoPhysics, EndForcesFollowSlopeDeflectionOfTheNodeMotion) {
   for (const demo::Node& n : a.model.nodes) {
     for (int c = 0; c < 6; ++c) {
       const auto h = node_history(k, a, 9, n.number, c + 1, 1);
-      for (int s : steps) motion[n.number][static_cast<size_t>(c)].push_back(h[static_cast<size_t>(s - 1)]);
+      for (int s : steps)
+        motion[n.number][static_cast<size_t>(c)].push_back(h[static_cast<size_t>(s - 1)]);
     }
   }
   for (size_t q = 0; q < steps.size(); ++q) {
@@ -192,7 +203,9 @@ TEST(DemoPhysics, EndForcesFollowSlopeDeflectionOfTheNodeMotion) {
       auto local = [&](int node, int off) {
         std::array<double, 3> v{};
         for (int i = 0; i < 3; ++i) {
-          for (int j = 0; j < 3; ++j) v[static_cast<size_t>(i)] += m.axes[static_cast<size_t>(i)][static_cast<size_t>(j)] * motion[node][static_cast<size_t>(off + j)][q];
+          for (int j = 0; j < 3; ++j)
+            v[static_cast<size_t>(i)] += m.axes[static_cast<size_t>(i)][static_cast<size_t>(j)] *
+                                         motion[node][static_cast<size_t>(off + j)][q];
         }
         return v;
       };
@@ -243,8 +256,10 @@ TEST(DemoPhysics, CornerStressesMatchTheSectionFormula) {
       for (size_t end = 0; end < 2; ++end) {
         auto v = [&](int c) { return sel[c][m.serial][end]; };
         const double N = v(1), My = v(5), Mz = v(6);
-        const double worst = std::abs(N) / sec.A + std::abs(My) * sec.cz / sec.Iy + std::abs(Mz) * sec.cy / sec.Iz;
-        const double got = std::max({std::abs(v(14)), std::abs(v(15)), std::abs(v(16)), std::abs(v(17))});
+        const double worst =
+            std::abs(N) / sec.A + std::abs(My) * sec.cz / sec.Iy + std::abs(Mz) * sec.cy / sec.Iz;
+        const double got =
+            std::max({std::abs(v(14)), std::abs(v(15)), std::abs(v(16)), std::abs(v(17))});
         EXPECT_NEAR(got, worst, 1e-9 * worst + 1e-9) << "member " << m.number << " step " << step;
         EXPECT_NEAR(v(7), N / sec.A, 1e-9 * std::abs(N / sec.A) + 1e-9);
         const double ty = v(2) / sec.Avy, tz = v(3) / sec.Avz;
@@ -264,7 +279,8 @@ TEST(DemoPhysics, ModalStepIsExactForAStepLoad) {
     demo::exact_modal_step(w, z, h, p, p, q, v, acc);
     const double t = s * h;
     const double e = std::exp(-z * w * t);
-    const double exact = p / (w * w) * (1 - e * (std::cos(wd * t) + z / std::sqrt(1 - z * z) * std::sin(wd * t)));
+    const double exact =
+        p / (w * w) * (1 - e * (std::cos(wd * t) + z / std::sqrt(1 - z * z) * std::sin(wd * t)));
     ASSERT_NEAR(q, exact, 1e-12) << "step " << s;
   }
 }
@@ -280,7 +296,8 @@ TEST(DemoPhysics, GroundMotionIsConsistentThroughTheKernel) {
   for (int type : {9, 10, 11}) {
     const auto rel = node_history(k, a, type, node, 1, 1);
     const auto abs = node_history(k, a, type, node, 1, 1, 2);
-    for (size_t s = 0; s < rel.size(); ++s) ground[static_cast<size_t>(type - 9)].push_back(abs[s] - rel[s]);
+    for (size_t s = 0; s < rel.size(); ++s)
+      ground[static_cast<size_t>(type - 9)].push_back(abs[s] - rel[s]);
   }
   const double h = a.summary.dt;
   const auto& d = ground[0];
@@ -293,7 +310,8 @@ TEST(DemoPhysics, GroundMotionIsConsistentThroughTheKernel) {
   double a0 = 0, v0 = 0, d0 = 0;
   for (size_t s = 0; s < d.size(); ++s) {
     ASSERT_NEAR(vel[s] - v0, h * (a0 + acc[s]) / 2, 1e-9 * peak(vel)) << "step " << s + 1;
-    ASSERT_NEAR(d[s] - d0, h * (v0 + vel[s]) / 2 - h * h * (acc[s] - a0) / 12, 1e-9 * peak(d)) << "step " << s + 1;
+    ASSERT_NEAR(d[s] - d0, h * (v0 + vel[s]) / 2 - h * h * (acc[s] - a0) / 12, 1e-9 * peak(d))
+        << "step " << s + 1;
     a0 = acc[s];
     v0 = vel[s];
     d0 = d[s];

@@ -1,10 +1,11 @@
 // Element nodes read back from records written by the archive writer: node
 // lists, beam ends and nodes found through their equations.
+#include "mesh_records.hpp"
+
 #include <gtest/gtest.h>
 
 #include <map>
 
-#include "mesh_records.hpp"
 #include "respcore/archive_writer.hpp"
 #include "support/temp_dir.hpp"
 

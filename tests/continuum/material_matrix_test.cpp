@@ -44,10 +44,16 @@ TEST(MaterialMatrix, SolidAndAxisymmetric) {
   STRESS_STRAIN_MATRIX(K.diag, K.ELEM_MATERIAL, MatRef<double>(d, 6, 6, "D"));
   for (int i = 0; i < 6; ++i)
     for (int j = 0; j < 6; ++j)
-      EXPECT_NEAR(d[i + 6 * j], i < 3 && j < 3 ? (i == j ? kD11 : kLam) : i == j ? kG : 0.0, 1e-9) << i << "," << j;
+      EXPECT_NEAR(d[i + 6 * j],
+                  i < 3 && j < 3 ? (i == j ? kD11 : kLam)
+                  : i == j       ? kG
+                                 : 0.0,
+                  1e-9)
+          << i << "," << j;
   // Axisymmetric, through the element's rows: xx, yy, xy, hoop.
   CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d4, 4, 4, "D"), kE, kNu, 2, 4);
-  const double axy[4][4] = {{kD11, kLam, 0, kLam}, {kLam, kD11, 0, kLam}, {0, 0, kG, 0}, {kLam, kLam, 0, kD11}};
+  const double axy[4][4] = {
+      {kD11, kLam, 0, kLam}, {kLam, kD11, 0, kLam}, {0, 0, kG, 0}, {kLam, kLam, 0, kD11}};
   for (int i = 0; i < 4; ++i)
     for (int j = 0; j < 4; ++j) EXPECT_NEAR(d4[i + 4 * j], axy[i][j], 1e-9) << i << "," << j;
   material(K, 1);
@@ -74,12 +80,15 @@ TEST(MaterialMatrix, PlaneStressAndPlaneStrain) {
   CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 4, 4, "D"), kE, kNu, 1, 4);
   EXPECT_NEAR(d[0], kD11, 1e-9);
   EXPECT_NEAR(d[4], kLam, 1e-9);
-  K.ELEM_MATERIAL.MAT_VALS[1] = kNu, K.ELEM_MATERIAL.MAT_VALS[3] = kE;  // third direction as the others
-  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0, MatRef<double>(p, 3, 3, "D"));
+  K.ELEM_MATERIAL.MAT_VALS[1] = kNu,
+  K.ELEM_MATERIAL.MAT_VALS[3] = kE;  // third direction as the others
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0,
+                           MatRef<double>(p, 3, 3, "D"));
   EXPECT_NEAR(p[0], ps[0], 1e-9);
   EXPECT_NEAR(p[3], ps[1], 1e-9);
   EXPECT_NEAR(p[8], ps[2], 1e-9);
-  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 1, MatRef<double>(p, 3, 3, "D"));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 1,
+                           MatRef<double>(p, 3, 3, "D"));
   EXPECT_NEAR(p[0], kD11, 1e-9);
   EXPECT_NEAR(p[1], kLam, 1e-9);
 
@@ -87,9 +96,11 @@ TEST(MaterialMatrix, PlaneStressAndPlaneStrain) {
   CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d, 4, 4, "D"), kE, kNu, 0, 4);
   expect_inverse(d, 4, kO, 2);
   EXPECT_EQ(d[10], 4.0e4);
-  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0, MatRef<double>(p, 3, 3, "D"));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 0,
+                           MatRef<double>(p, 3, 3, "D"));
   expect_inverse(p, 3, kO, 2);
-  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 1, MatRef<double>(p, 3, 3, "D"));
+  STRESS_STRAIN_MATRIX_PLT(K.ELEM_MATERIAL, K.continuum.compliance, 1,
+                           MatRef<double>(p, 3, 3, "D"));
   double strain[3][3] = {};
   for (int i = 0; i < 2; ++i)
     for (int j = 0; j < 2; ++j) strain[i][j] = kO[i][j] - kO[i][2] * kO[2][j] / kO[2][2];

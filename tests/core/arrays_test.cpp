@@ -9,8 +9,8 @@ TEST(CheckedArrays, OutOfRangeReadGivesZeroAndWriteIsDropped) {
   Vec<double> v("SA", 3);
   v(1) = 1.5;
   ::testing::internal::CaptureStderr();
-  v(4) = 7.0;               // dropped
-  const double r = v(0);    // zero
+  v(4) = 7.0;             // dropped
+  const double r = v(0);  // zero
   const std::string err = ::testing::internal::GetCapturedStderr();
   EXPECT_EQ(r, 0.0);
   EXPECT_EQ(v(1), 1.5);

@@ -13,7 +13,7 @@
 namespace respcore::testing {
 namespace {
 
-using Rows = std::vector<std::vector<double>>;  // rows[r-1][s-1]
+using Rows = std::vector<std::vector<double>>;    // rows[r-1][s-1]
 using Motion = std::vector<std::vector<double>>;  // motion[e-1][s-1]
 
 std::vector<double> primes(size_t n) {
@@ -51,7 +51,8 @@ std::vector<double> matrix(int nrow, int neq, int nforce, std::initializer_list<
                       : 1000.0 + i + j;
   size_t next = static_cast<size_t>(nforce);
   for (const Block& b : blocks)
-    for (int i = b.first; i <= b.last; ++i) m[static_cast<size_t>((b.column - 1) * nrow + i - 1)] = p[next++];
+    for (int i = b.first; i <= b.last; ++i)
+      m[static_cast<size_t>((b.column - 1) * nrow + i - 1)] = p[next++];
   return m;
 }
 
@@ -92,7 +93,8 @@ void expect_rows(const Rows& got, const Rows& want, const std::string& what, dou
   ASSERT_EQ(got.size(), want.size());
   for (size_t r = 0; r < got.size(); ++r)
     for (size_t s = 0; s < got[r].size(); ++s)
-      EXPECT_NEAR(got[r][s], want[r][s], rel * std::fabs(want[r][s])) << what << " row " << r + 1 << " step " << s + 1;
+      EXPECT_NEAR(got[r][s], want[r][s], rel * std::fabs(want[r][s]))
+          << what << " row " << r + 1 << " step " << s + 1;
 }
 
 TEST(LineHistory, UnitDisplacementRowsByHand) {
@@ -143,12 +145,16 @@ TEST(LineHistory, PrismaticMemberRigidBodyStretchAndCantilever) {
   const double E = 210000.0, G = 80000.0, A = 0.02, Iy = 3.0e-4, Iz = 5.0e-4, J = 1.0e-4, L = 4.0;
   std::vector<double> k(26 * 12, 0.0);
   auto add = [&](int i, int j, double v) { k[static_cast<size_t>((j - 1) * 26 + i - 1)] += v; };
-  auto pair = [&](int i, int j, double c) { add(i, i, c), add(j, j, c), add(i, j, -c), add(j, i, -c); };
+  auto pair = [&](int i, int j, double c) {
+    add(i, i, c), add(j, j, c), add(i, j, -c), add(j, i, -c);
+  };
   pair(1, 7, E * A / L);
   pair(4, 10, G * J / L);
-  auto bending = [&](const int (&d)[4], double c, double s) {  // s: sign of the rotation terms
-    const double t[4][4] = {{12, s * 6 * L, -12, s * 6 * L}, {s * 6 * L, 4 * L * L, -s * 6 * L, 2 * L * L},
-                            {-12, -s * 6 * L, 12, -s * 6 * L}, {s * 6 * L, 2 * L * L, -s * 6 * L, 4 * L * L}};
+  auto bending = [&](const int(&d)[4], double c, double s) {  // s: sign of the rotation terms
+    const double t[4][4] = {{12, s * 6 * L, -12, s * 6 * L},
+                            {s * 6 * L, 4 * L * L, -s * 6 * L, 2 * L * L},
+                            {-12, -s * 6 * L, 12, -s * 6 * L},
+                            {s * 6 * L, 2 * L * L, -s * 6 * L, 4 * L * L}};
     for (int a = 0; a < 4; ++a)
       for (int b = 0; b < 4; ++b) add(d[a], d[b], c * t[a][b]);
   };
@@ -173,7 +179,8 @@ TEST(LineHistory, PrismaticMemberRigidBodyStretchAndCantilever) {
   beam_section(arch, {beam_words(rec)});
   arch.write();
   const Rows r = line_rows(arch, 13, 4);
-  const double N = E * A * delta / L, Pz = 3 * E * Iz * delta / (L * L * L), Py = 3 * E * Iy * delta / (L * L * L);
+  const double N = E * A * delta / L, Pz = 3 * E * Iz * delta / (L * L * L),
+               Py = 3 * E * Iy * delta / (L * L * L);
   // Rows 1..12 of each step: nothing; tension at both ends; the cantilever
   // with its root moment P L and no tip moment, in x-y, then in x-z with
   // the rotation about y opposite to the slope.
@@ -182,8 +189,10 @@ TEST(LineHistory, PrismaticMemberRigidBodyStretchAndCantilever) {
                               {0, 0, Pz, 0, Pz * L, 0, 0, 0, Pz},
                               {0, -Py, 0, 0, 0, -Py * L, 0, -Py}};
   for (int s = 0; s < 4; ++s)
-    for (int row = 0; row < 12; ++row) EXPECT_NEAR(r[row][s], want[s][row], 1e-9 * N) << s << " " << row + 1;
-  for (int row = 12; row < 34; ++row) EXPECT_NEAR(r[row][0], 0.0, 1e-9 * N) << "rigid, row " << row + 1;
+    for (int row = 0; row < 12; ++row)
+      EXPECT_NEAR(r[row][s], want[s][row], 1e-9 * N) << s << " " << row + 1;
+  for (int row = 12; row < 34; ++row)
+    EXPECT_NEAR(r[row][0], 0.0, 1e-9 * N) << "rigid, row " << row + 1;
   EXPECT_NEAR(r[12][1], E * delta / L, 1e-9);
   EXPECT_NEAR(r[19][1], E * delta / L, 1e-9);
 }
@@ -197,7 +206,8 @@ TEST(LineHistory, ElementFactorScalesEveryRowUnderItsTagOnly) {
     BeamRecord rec = beam();
     rec.factor = factor;
     beam_section(a, {beam_words(rec)});
-    beam_initial_forces(a, 1, {{1.5, -2.5, 3.5, -4.5, 5.5, -6.5, 7.5, -8.5, 9.5, -10.5, 11.5, -12.5}});
+    beam_initial_forces(a, 1,
+                        {{1.5, -2.5, 3.5, -4.5, 5.5, -6.5, 7.5, -8.5, 9.5, -10.5, 11.5, -12.5}});
     a.write();
     return line_rows(a, 13, 3, 1, std::string(tag) == "H.N.Q" ? 4 : 1);
   };
@@ -256,7 +266,8 @@ TEST(LineHistory, SupportMotionActsAsAnEquationWithThatHistory) {
     int type, neq, node;
     std::vector<int> fixed;  // dof (from 0) constrained, all at NODE
   };
-  for (const Variant& v : {Variant{13, 6, 77, {0}}, Variant{13, 12, 1234, {0, 6}}, Variant{14, 14, 31, {0}}}) {
+  for (const Variant& v :
+       {Variant{13, 6, 77, {0}}, Variant{13, 12, 1234, {0, 6}}, Variant{14, 14, 31, {0}}}) {
     auto run = [&](bool support) {
       ArchiveFixture a;
       Motion d = motion(v.neq + 1, 2);
@@ -277,11 +288,13 @@ TEST(LineHistory, SupportMotionActsAsAnEquationWithThatHistory) {
         rec.lm = lm;
         wall_beam_section(a, {wall_beam_words(rec)});
       }
-      if (support) support_motion(a, 1, {{5, 1}, {v.node, 1}, {v.node, 4}}, {{1, 1}, d.back(), {9, 9}}, 2);
+      if (support)
+        support_motion(a, 1, {{5, 1}, {v.node, 1}, {v.node, 4}}, {{1, 1}, d.back(), {9, 9}}, 2);
       a.write();
       return line_rows(a, v.type, 2);
     };
-    expect_rows(run(true), run(false), "type " + std::to_string(v.type) + " NEQ " + std::to_string(v.neq));
+    expect_rows(run(true), run(false),
+                "type " + std::to_string(v.type) + " NEQ " + std::to_string(v.neq));
   }
 }
 
@@ -290,8 +303,14 @@ TEST(LineHistory, ShortOrCorruptRecordsGiveZerosWithoutFailing) {
     ArchiveFixture a;
     a.direct_case(motion(14, 2));
     if (variant == 0) {
-      a.writer().second().add(sections::BEAM, 3, 200, 2).put_f64s(1, 0, std::vector<double>(100, 1.12));
-      a.writer().second().add(sections::WBMM, 3, 2000, 1).put_f64s(1, 0, std::vector<double>(1000, 1.14));
+      a.writer()
+          .second()
+          .add(sections::BEAM, 3, 200, 2)
+          .put_f64s(1, 0, std::vector<double>(100, 1.12));
+      a.writer()
+          .second()
+          .add(sections::WBMM, 3, 2000, 1)
+          .put_f64s(1, 0, std::vector<double>(1000, 1.14));
     } else {  // counts far beyond the arrays, in records of the right length
       std::vector<double> w(327, 1.0), ww(1053, 1.0);
       w[324] = 7.20, w[325] = 7.40, ww[1050] = 7.20, ww[1051] = 7.90;

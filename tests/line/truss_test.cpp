@@ -107,10 +107,12 @@ TEST(Truss, LateActivationAndItsPerCaseSwitch) {
   f2.write();
   const auto late = row(f2, 1, 1, 3);
   for (int s = 1; s <= 3; ++s)
-    EXPECT_NEAR(late[s - 1], 40.0 + kStiff * ((3 * s / 1000.0 - 0.002) - (s / 1000.0 - 0.0005)), 1e-9);
+    EXPECT_NEAR(late[s - 1], 40.0 + kStiff * ((3 * s / 1000.0 - 0.002) - (s / 1000.0 - 0.0005)),
+                1e-9);
   EXPECT_NEAR(row(f2, 1, 2, 3)[0], tension(1, 3, 1), 1e-9);
 
-  for (const std::vector<int32_t>& flags : {std::vector<int32_t>{1, 0}, std::vector<int32_t>{0, 1}}) {
+  for (const std::vector<int32_t>& flags :
+       {std::vector<int32_t>{1, 0}, std::vector<int32_t>{0, 1}}) {
     ArchiveFixture f1;
     archive(f1, 1, flags);
     f1.write();
@@ -136,14 +138,17 @@ TEST(Truss, ExtendedRecordNodesTakeTheirSupportMotion) {
   ext.truss.lm[6] = 1;  // x of node 2; node 1 is held
   ext.truss.strs.assign(48, 0.0);
   const double col1[4] = {kStiff, -kStiff, 1.0 / kA, 1.0 / kA}, col7[4] = {-kStiff, kStiff, 0, 0};
-  for (int i = 0; i < 4; ++i) ext.truss.strs[static_cast<size_t>(i)] = col1[i], ext.truss.strs[static_cast<size_t>(24 + i)] = col7[i];
+  for (int i = 0; i < 4; ++i)
+    ext.truss.strs[static_cast<size_t>(i)] = col1[i],
+    ext.truss.strs[static_cast<size_t>(24 + i)] = col7[i];
   ext.nodes_a = {77};
   ext.nodes_b = {78};
   a.writer().extended_truss_records(3, {ext});
   support_motion(a, 1, {{99, 1}, {77, 1}}, {{9, 9, 9}, h}, 3);
   a.write();
   const auto r = row(a, 1, 1, 3, 4);
-  for (int s = 0; s < 3; ++s) EXPECT_NEAR(r[static_cast<size_t>(s)], kStiff * (u[s] - h[s]), 1e-9) << s;
+  for (int s = 0; s < 3; ++s)
+    EXPECT_NEAR(r[static_cast<size_t>(s)], kStiff * (u[s] - h[s]), 1e-9) << s;
 }
 
 }  // namespace

@@ -94,7 +94,8 @@ TEST(NodeMotion, ModalSumsOfEachSetAndASingleMode) {
     for (int m = 1; m <= 2; ++m)
       for (int s = 1; s <= nss; ++s) {
         const auto c = coord(set, m, s);
-        mdsp.put_f64s(((set - 1) * 2 + m - 1) * nss + s, 0, std::vector<double>(c.begin(), c.end()));
+        mdsp.put_f64s(((set - 1) * 2 + m - 1) * nss + s, 0,
+                      std::vector<double>(c.begin(), c.end()));
       }
   std::vector<std::vector<double>> shapes;
   for (int e = 1; e <= 6; ++e) shapes.push_back({double(e), -double(e)});
@@ -112,7 +113,8 @@ TEST(NodeMotion, ModalSumsOfEachSetAndASingleMode) {
         for (int s = 1; s <= nss; ++s) {
           double expect = 0.0;
           for (int m = 1; m <= 2; ++m)
-            if (mode_no < 1 || mode_no > 2 || m == mode_no) expect += shapes[2][m - 1] * coord(set, m, s)[type - 9];
+            if (mode_no < 1 || mode_no > 2 || m == mode_no)
+              expect += shapes[2][m - 1] * coord(set, m, s)[type - 9];
           EXPECT_DOUBLE_EQ(r[s - 1], expect) << type << " " << set << " " << mode_no << " " << s;
         }
       }
@@ -133,7 +135,8 @@ TEST(NodeMotion, NodeTransformAndTheSeventhDof) {
   std::vector<double> up = identity_upper();
   up[0] = 2.0;
   up[1] = 3.0;
-  for (const auto& [tag, index, knows] : {std::tuple{"P.R.W", 1, true}, {"Q.L.D", 7, true}, {"U.K.Y", 3, false}})
+  for (const auto& [tag, index, knows] :
+       {std::tuple{"P.R.W", 1, true}, {"Q.L.D", 7, true}, {"U.K.Y", 3, false}})
     for (bool flag : {false, true}) {
       if (!knows && !flag) continue;
       ArchiveFixture a(tag);
@@ -144,10 +147,12 @@ TEST(NodeMotion, NodeTransformAndTheSeventhDof) {
       Kernel k;
       auto q = a.request(9, 7, 2);
       q.product_index = index;
-      EXPECT_EQ(k.run(q).values, flag && knows ? expect_record(21, 2) : std::vector<double>({0, 0})) << tag;
+      EXPECT_EQ(k.run(q).values, flag && knows ? expect_record(21, 2) : std::vector<double>({0, 0}))
+          << tag;
       if (!knows) continue;
       q.result_comp = 1;
-      EXPECT_EQ(k.run(q).values, (std::vector<double>{2 * 3001 + 3 * 6001, 2 * 3002 + 3 * 6002})) << tag;
+      EXPECT_EQ(k.run(q).values, (std::vector<double>{2 * 3001 + 3 * 6001, 2 * 3002 + 3 * 6002}))
+          << tag;
       q.result_comp = 2;
       EXPECT_EQ(k.run(q).values, expect_record(6, 2)) << tag;
     }

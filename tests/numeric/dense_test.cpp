@@ -14,7 +14,8 @@
 
 extern "C" {
 void dgetrf_(const int32_t*, const int32_t*, double*, const int32_t*, int32_t*, int32_t*);
-void dgetri_(const int32_t*, double*, const int32_t*, const int32_t*, double*, const int32_t*, int32_t*);
+void dgetri_(const int32_t*, double*, const int32_t*, const int32_t*, double*, const int32_t*,
+             int32_t*);
 }
 
 namespace respcore {
@@ -37,14 +38,18 @@ Dense random_matrix(std::mt19937& rng, int n, bool symmetric = false) {
   std::uniform_real_distribution<double> u(-1.0, 1.0);
   Dense a(static_cast<size_t>(n * n));
   for (int j = 0; j < n; ++j)
-    for (int i = 0; i < n; ++i) a[static_cast<size_t>(i + j * n)] = i == j ? n + 1.0 + std::fabs(u(rng)) : u(rng);
+    for (int i = 0; i < n; ++i)
+      a[static_cast<size_t>(i + j * n)] = i == j ? n + 1.0 + std::fabs(u(rng)) : u(rng);
   if (symmetric)
     for (int j = 0; j < n; ++j)
-      for (int i = 0; i < j; ++i) a[static_cast<size_t>(j + i * n)] = a[static_cast<size_t>(i + j * n)];
+      for (int i = 0; i < j; ++i)
+        a[static_cast<size_t>(j + i * n)] = a[static_cast<size_t>(i + j * n)];
   return a;
 }
 
-MatRef<double> view(Dense& a, int n, const char* name) { return MatRef<double>(a.data(), n, n, name); }
+MatRef<double> view(Dense& a, int n, const char* name) {
+  return MatRef<double>(a.data(), n, n, name);
+}
 
 TEST(Inverse, MatchesLapackAndTheClosedForms) {
   std::mt19937 rng(20240611);
@@ -54,7 +59,8 @@ TEST(Inverse, MatchesLapackAndTheClosedForms) {
     const Dense want = lapack_inverse(a, n);
     Dense inv(static_cast<size_t>(n * n), -99.0);
     INVERSE(K.diag, view(a, n, "A"), view(inv, n, "A_INV"), n);
-    for (size_t i = 0; i < inv.size(); ++i) EXPECT_NEAR(inv[i], want[i], 1e-13) << "n=" << n << " entry " << i;
+    for (size_t i = 0; i < inv.size(); ++i)
+      EXPECT_NEAR(inv[i], want[i], 1e-13) << "n=" << n << " entry " << i;
   }
   Dense a3 = {2.0, 0.0, 0.0, 0.0, 3.0, 0.0, 1.0, 0.0, 4.0};  // upper triangular, det 24
   double det = 0.0;
@@ -83,9 +89,11 @@ TEST(Inverse, ExactZeroPivotsArePatchedSilently) {
 // A 2x2 or 3x3 determinant at or below zero stops the run with the shape
 // message; a NaN one passes.
 TEST(Inverse, NonPositiveDeterminantOfTwoAndThreeStopsTheRun) {
-  const char* message = "\n JACOBIAN DETERMINANT OF ELEMENT NO.       0 IS LITTLE THAN ZERO.\n"
-                        " PLEASE CHECK THE SHAPE OF ELEMENT NO.      0.\n";
-  for (Dense a : {Dense{1, 2, 2, 4}, Dense{0, 1, 1, 0}, Dense{1, 0, 0, 0, 1, 0, 0, 0, 0}, Dense{0, 1, 0, 1, 0, 0, 0, 0, 1}}) {
+  const char* message =
+      "\n JACOBIAN DETERMINANT OF ELEMENT NO.       0 IS LITTLE THAN ZERO.\n"
+      " PLEASE CHECK THE SHAPE OF ELEMENT NO.      0.\n";
+  for (Dense a : {Dense{1, 2, 2, 4}, Dense{0, 1, 1, 0}, Dense{1, 0, 0, 0, 1, 0, 0, 0, 0},
+                  Dense{0, 1, 0, 1, 0, 0, 0, 0, 1}}) {
     const int n = a.size() == 4 ? 2 : 3;
     KernelState K;
     Dense inv(a.size());
@@ -117,20 +125,29 @@ TEST(Condensation, IsTheExplicitSchurComplement) {
     for (int c = 0; c <= nr; ++c)
       for (int i = 0; i < nc; ++i)
         for (int k = 0; k < nc; ++k)
-          g[static_cast<size_t>(c)][static_cast<size_t>(i)] += kinv[static_cast<size_t>(i + k * nc)] * (c < nr ? at(nr + k, c) : forc0[static_cast<size_t>(nr + k)]);
-    Dense st = st0, forc = forc0, work(static_cast<size_t>(nc * nc)), work1(static_cast<size_t>(nc * (nr + 1)));
-    STCOND(nt, nc, view(st, nt, "ST"), VecRef<double>(forc.data(), nt, "FORC"), MatRef<double>(work.data(), nc, nc, "WORK"),
+          g[static_cast<size_t>(c)][static_cast<size_t>(i)] +=
+              kinv[static_cast<size_t>(i + k * nc)] *
+              (c < nr ? at(nr + k, c) : forc0[static_cast<size_t>(nr + k)]);
+    Dense st = st0, forc = forc0, work(static_cast<size_t>(nc * nc)),
+          work1(static_cast<size_t>(nc * (nr + 1)));
+    STCOND(nt, nc, view(st, nt, "ST"), VecRef<double>(forc.data(), nt, "FORC"),
+           MatRef<double>(work.data(), nc, nc, "WORK"),
            MatRef<double>(work1.data(), nc, nr + 1, "WORK1"), 0);
     for (int c = 0; c <= nr; ++c)
-      for (int i = 0; i < nc; ++i) EXPECT_NEAR(work1[static_cast<size_t>(i + c * nc)], g[static_cast<size_t>(c)][static_cast<size_t>(i)], 1e-13);
+      for (int i = 0; i < nc; ++i)
+        EXPECT_NEAR(work1[static_cast<size_t>(i + c * nc)],
+                    g[static_cast<size_t>(c)][static_cast<size_t>(i)], 1e-13);
     for (int j = 0; j < nr; ++j) {
       for (int i = 0; i < nr; ++i) {
         double want = at(i, j);
-        for (int k = 0; k < nc; ++k) want -= at(i, nr + k) * g[static_cast<size_t>(j)][static_cast<size_t>(k)];
-        EXPECT_NEAR(st[static_cast<size_t>(i + j * nt)], want, 1e-13) << nc << " (" << i << "," << j << ")";
+        for (int k = 0; k < nc; ++k)
+          want -= at(i, nr + k) * g[static_cast<size_t>(j)][static_cast<size_t>(k)];
+        EXPECT_NEAR(st[static_cast<size_t>(i + j * nt)], want, 1e-13)
+            << nc << " (" << i << "," << j << ")";
       }
       double want = forc0[static_cast<size_t>(j)];
-      for (int k = 0; k < nc; ++k) want -= at(j, nr + k) * g[static_cast<size_t>(nr)][static_cast<size_t>(k)];
+      for (int k = 0; k < nc; ++k)
+        want -= at(j, nr + k) * g[static_cast<size_t>(nr)][static_cast<size_t>(k)];
       EXPECT_NEAR(forc[static_cast<size_t>(j)], want, 1e-13);
     }
   }
@@ -144,19 +161,24 @@ TEST(BlockRotation, IsTheExplicitTripleProduct) {
   const double c = std::cos(0.7), s = std::sin(0.7), cb = std::cos(-0.4), sb = std::sin(-0.4);
   Dense t = {c, s, 0.0, -s * cb, c * cb, sb, s * sb, -c * sb, cb};
   for (int ndof : {3, 12}) {
-    Dense s1 = random_matrix(rng, n), s2(static_cast<size_t>(n * n)), b(static_cast<size_t>(n * n), 0.0);
+    Dense s1 = random_matrix(rng, n), s2(static_cast<size_t>(n * n)),
+          b(static_cast<size_t>(n * n), 0.0);
     for (int i = 0; i < n; ++i) b[static_cast<size_t>(i + i * n)] = 1.0;
     for (int k = 0; k < ndof; k += 3)
       for (int r = 0; r < 3; ++r)
-        for (int q = 0; q < 3; ++q) b[static_cast<size_t>(k + r + (k + q) * n)] = t[static_cast<size_t>(r + 3 * q)];
+        for (int q = 0; q < 3; ++q)
+          b[static_cast<size_t>(k + r + (k + q) * n)] = t[static_cast<size_t>(r + 3 * q)];
     const Dense s0 = s1;
     LOCTOGLO(view(s1, n, "S1"), n, view(s2, n, "S2"), n, view(t, 3, "T"), ndof);
     for (int j = 0; j < n; ++j)
       for (int i = 0; i < n; ++i) {
         double want = i < ndof && j < ndof ? 0.0 : s0[static_cast<size_t>(i + j * n)];
         for (int p = 0; p < n && i < ndof && j < ndof; ++p)
-          for (int q = 0; q < n; ++q) want += b[static_cast<size_t>(p + i * n)] * s0[static_cast<size_t>(p + q * n)] * b[static_cast<size_t>(q + j * n)];
-        EXPECT_NEAR(s1[static_cast<size_t>(i + j * n)], want, 1e-13) << ndof << " (" << i << "," << j << ")";
+          for (int q = 0; q < n; ++q)
+            want += b[static_cast<size_t>(p + i * n)] * s0[static_cast<size_t>(p + q * n)] *
+                    b[static_cast<size_t>(q + j * n)];
+        EXPECT_NEAR(s1[static_cast<size_t>(i + j * n)], want, 1e-13)
+            << ndof << " (" << i << "," << j << ")";
       }
   }
 }

@@ -40,7 +40,8 @@ M3 rotated(double q11, double q12, double q22, double q66, double theta) {
 // Transverse shear moduli (xz, yz) of material axes at angle theta.
 M2 rotated_shear(double g13, double g23, double theta) {
   const double c = std::cos(theta), s = std::sin(theta);
-  return {c * c * g13 + s * s * g23, c * s * (g13 - g23), c * s * (g13 - g23), s * s * g13 + c * c * g23};
+  return {c * c * g13 + s * s * g23, c * s * (g13 - g23), c * s * (g13 - g23),
+          s * s * g13 + c * c * g23};
 }
 
 template <class M>
@@ -88,7 +89,8 @@ struct MaterStf {
 };
 MaterStf mater_stf(Material& m, int32_t mask = 14) {
   MaterStf r;
-  PLATE_MATER_STF(m.ctx(), ref(r.d1, "D1"), r.shearmod, ref(r.d2, "D2"), ref(r.ds), r.d2_mean, r.ds_mean, mask);
+  PLATE_MATER_STF(m.ctx(), ref(r.d1, "D1"), r.shearmod, ref(r.d2, "D2"), ref(r.ds), r.d2_mean,
+                  r.ds_mean, mask);
   return r;
 }
 
@@ -96,12 +98,14 @@ MaterStf mater_stf(Material& m, int32_t mask = 14) {
 // material's plane-stress matrix turned, the shear moduli turned; the
 // reported values are taken before the turn.
 TEST(PlateConstitutive, OrthotropicSectionTurnsIntoElementAxes) {
-  const double e1 = 1.4e5, nu12 = 0.28, e2 = 9.0e3, g12 = 5.0e3, g13 = 4.0e3, g23 = 3.0e3, theta = 0.5;
+  const double e1 = 1.4e5, nu12 = 0.28, e2 = 9.0e3, g12 = 5.0e3, g13 = 4.0e3, g23 = 3.0e3,
+               theta = 0.5;
   Material m;
   m.orthotropic(e1, nu12, e2, g12, g13, g23, 1.0, 1.0);
   m.K.plate.SECT_ANGLE = theta;
   const MaterStf r = mater_stf(m);
-  const double den = 1.0 - nu12 * nu12 * e2 / e1, q11 = e1 / den, q22 = e2 / den, q12 = nu12 * e2 / den;
+  const double den = 1.0 - nu12 * nu12 * e2 / e1, q11 = e1 / den, q22 = e2 / den,
+               q12 = nu12 * e2 / den;
   expect_near(r.d1, rotated(q11, q12, q22, g12, theta), 1e-13);
   expect_near(r.d2, r.d1, 0.0);
   expect_near(r.ds, rotated_shear(g13, g23, theta), 1e-14);

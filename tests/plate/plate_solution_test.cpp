@@ -16,8 +16,10 @@
 #include "tri_fixture.hpp"
 
 extern "C" {
-void dpbsv_(const char*, const int*, const int*, const int*, double*, const int*, double*, const int*, int*, size_t);
-void dsyev_(const char*, const char*, const int*, double*, const int*, double*, double*, const int*, int*, size_t, size_t);
+void dpbsv_(const char*, const int*, const int*, const int*, double*, const int*, double*,
+            const int*, int*, size_t);
+void dsyev_(const char*, const char*, const int*, double*, const int*, double*, double*, const int*,
+            int*, size_t, size_t);
 }
 
 namespace respcore {
@@ -56,7 +58,8 @@ using NodeFn = std::function<void(const Point& p, bool* fixed, double* u, double
 
 // Solves K u = f (banded Cholesky); the first freedom of each node also
 // takes LOAD times its share of the area of the cells around it.
-std::vector<double> solve(const Mesh& m, int M, const ElementFn& element, const NodeFn& node, double load = 0.0) {
+std::vector<double> solve(const Mesh& m, int M, const ElementFn& element, const NodeFn& node,
+                          double load = 0.0) {
   const int nd = int(m.xy.size()) * M;
   std::vector<int> eq(nd, -1);
   std::vector<double> u(nd, 0.0), f(nd, 0.0), K;
@@ -65,7 +68,8 @@ std::vector<double> solve(const Mesh& m, int M, const ElementFn& element, const 
     bool fx[3] = {};
     double up[3] = {}, fp[3] = {};
     node(m.xy[p], fx, up, fp);
-    for (int c = 0; c < M; ++c) eq[M * p + c] = fx[c] ? -1 : n++, u[M * p + c] = up[c], f[M * p + c] = fp[c];
+    for (int c = 0; c < M; ++c)
+      eq[M * p + c] = fx[c] ? -1 : n++, u[M * p + c] = up[c], f[M * p + c] = fp[c];
   }
   for (const auto& q : m.cells)
     for (int a : q)
@@ -74,7 +78,10 @@ std::vector<double> solve(const Mesh& m, int M, const ElementFn& element, const 
   for (const auto& q : m.cells) {
     std::vector<Point> p;
     for (int a : q) p.push_back(m.xy[a]);
-    const double area = 0.5 * std::fabs((p[1][0] - p[0][0]) * (p[2][1] - p[0][1]) - (p[2][0] - p[0][0]) * (p[1][1] - p[0][1])) * (q.size() == 4 ? 2 : 1);
+    const double area = 0.5 *
+                        std::fabs((p[1][0] - p[0][0]) * (p[2][1] - p[0][1]) -
+                                  (p[2][0] - p[0][0]) * (p[1][1] - p[0][1])) *
+                        (q.size() == 4 ? 2 : 1);
     for (int a : q) f[M * a] += load * area / q.size();
     element(p, K);
     const int ne = int(q.size()) * M;
@@ -103,7 +110,8 @@ void triangle_stiffness(bool thick, Material& m, const double P[9], double K[324
   for (int n = 0; n < 3; ++n) X[n] = P[3 * n], Y[n] = P[3 * n + 1], Z[n] = P[3 * n + 2];
   MatRef<double> TR(tr, 3, 3, "TR");
   QDCOS(VecRef<double>(X, 3, "X"), VecRef<double>(Y, 3, "Y"), VecRef<double>(Z, 3, "Z"), TR, 1);
-  (thick ? DKMTLMT_STF : DKTLMT_STF)(m.ctx(), MatRef<double>(p, 3, 3, "XYZ"), TR, MatRef<double>(K, 18, 18, "STIF"));
+  (thick ? DKMTLMT_STF : DKTLMT_STF)(m.ctx(), MatRef<double>(p, 3, 3, "XYZ"), TR,
+                                     MatRef<double>(K, 18, 18, "STIF"));
 }
 
 // Freedoms PICK (1..6 of each node) of a flat element in the xy plane, in
@@ -116,9 +124,10 @@ ElementFn element(Material& m, int kind, int32_t memb_kind, std::vector<int> pic
     if (nn == 4) {
       double w[576], x[4], y[4], z[4] = {}, t[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
       for (int k = 0; k < 4; ++k) x[k] = p[k][0], y[k] = p[k][1];
-      (kind == 1 ? SHL3DS : DKMQ_STF_WARP)(m.ctx(), memb_kind, MatRef<double>(s.data(), 24, 24, "S"), MatRef<double>(w, 24, 24, "W"), 24,
-                                           VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"), VecRef<double>(z, 4, "Z"),
-                                           MatRef<double>(t, 3, 3, "T"), 0);
+      (kind == 1 ? SHL3DS : DKMQ_STF_WARP)(
+          m.ctx(), memb_kind, MatRef<double>(s.data(), 24, 24, "S"), MatRef<double>(w, 24, 24, "W"),
+          24, VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"), VecRef<double>(z, 4, "Z"),
+          MatRef<double>(t, 3, 3, "T"), 0);
     } else {
       const double P[9] = {p[0][0], p[0][1], 0, p[1][0], p[1][1], 0, p[2][0], p[2][1], 0};
       triangle_stiffness(kind == 3, m, P, s.data());
@@ -127,7 +136,8 @@ ElementFn element(Material& m, int kind, int32_t memb_kind, std::vector<int> pic
     }
     K.assign(size_t(ne * ne), 0.0);
     for (int a = 0; a < ne * ne; ++a) {
-      const int i = 6 * (a % ne / M) + pick[a % ne % M] - 1, j = 6 * (a / ne / M) + pick[a / ne % M] - 1;
+      const int i = 6 * (a % ne / M) + pick[a % ne % M] - 1,
+                j = 6 * (a / ne / M) + pick[a / ne % M] - 1;
       K[a] = sign[i] * sign[j] * s[i + nf * j];
     }
   };
@@ -136,12 +146,14 @@ ElementFn element(Material& m, int kind, int32_t memb_kind, std::vector<int> pic
 // The thick simply supported plate by its double sine series (shear
 // correction 5/6), in units of q a^4 / D.
 double navier_mindlin(double t, double nu) {
-  const double pi = 3.141592653589793, kGt = 5.0 / 6.0 * t / (2 * (1 + nu)), D = t * t * t / (12 * (1 - nu * nu));
+  const double pi = 3.141592653589793, kGt = 5.0 / 6.0 * t / (2 * (1 + nu)),
+               D = t * t * t / (12 * (1 - nu * nu));
   double w = 0;
   for (int m = 1; m < 400; m += 2)
     for (int n = 1; n < 400; n += 2) {
       const double a2 = (m * m + n * n) * pi * pi;
-      w += (((m + n) / 2 % 2) ? 1.0 : -1.0) * 16 / (pi * pi * m * n) / (a2 * a2) * (1 + D * a2 / kGt);
+      w += (((m + n) / 2 % 2) ? 1.0 : -1.0) * 16 / (pi * pi * m * n) / (a2 * a2) *
+           (1 + D * a2 / kGt);
     }
   return w;
 }
@@ -153,13 +165,21 @@ double navier_mindlin(double t, double nu) {
 double square_plate(int kind, double t, bool clamped, int N) {
   Material m;
   m.isotropic(1.0, 0.3, 10 * t, t);
-  const Mesh mesh = grid(N, [](double a, double b) { return Point{a, b}; }, kind >= 2);
-  const auto u = solve(mesh, 3, element(m, kind, 0, {3, 4, 5}), [&](const Point& p, bool* fix, double*, double*) {
-    const bool ex = p[0] == 0.0 || p[0] == 1.0, ey = p[1] == 0.0 || p[1] == 1.0;
-    fix[0] = ex || ey;
-    fix[1] = ex || (clamped && ey);
-    fix[2] = ey || (clamped && ex);
-  }, 1.0);
+  const Mesh mesh = grid(
+      N,
+      [](double a, double b) {
+        return Point{a, b};
+      },
+      kind >= 2);
+  const auto u = solve(
+      mesh, 3, element(m, kind, 0, {3, 4, 5}),
+      [&](const Point& p, bool* fix, double*, double*) {
+        const bool ex = p[0] == 0.0 || p[0] == 1.0, ey = p[1] == 0.0 || p[1] == 1.0;
+        fix[0] = ex || ey;
+        fix[1] = ex || (clamped && ey);
+        fix[2] = ey || (clamped && ex);
+      },
+      1.0);
   return u[3 * (mesh.xy.size() / 2)] * t * t * t / (12.0 * 0.91);
 }
 
@@ -173,10 +193,14 @@ TEST(PlateSolution, SquarePlatesConvergeToTheThinAndThickSolutions) {
   EXPECT_NEAR(square_plate(0, 0.1, false, 16), thick, 0.005 * thick);
   // The thin quadrilateral gives the known discrete Kirchhoff values.
   const double dk[3] = {0.0037847, 0.0040456, 0.0040600};
-  for (int i = 0; i < 3; ++i) EXPECT_NEAR(square_plate(1, 0.1, false, 2 << i), dk[i], 1e-4 * dk[i]) << i;
+  for (int i = 0; i < 3; ++i)
+    EXPECT_NEAR(square_plate(1, 0.1, false, 2 << i), dk[i], 1e-4 * dk[i]) << i;
   // The triangles come closer with the mesh and within 0.5 % at N = 24.
-  for (const auto& [kind, t, clamped, exact] : {std::tuple{2, 0.01, false, ss}, {2, 0.01, true, cl}, {3, 0.001, false, ss},
-                                                {3, 0.001, true, cl}, {3, 0.1, false, thick}}) {
+  for (const auto& [kind, t, clamped, exact] : {std::tuple{2, 0.01, false, ss},
+                                                {2, 0.01, true, cl},
+                                                {3, 0.001, false, ss},
+                                                {3, 0.001, true, cl},
+                                                {3, 0.1, false, thick}}) {
     const double w8 = square_plate(kind, t, clamped, 8), w24 = square_plate(kind, t, clamped, 24);
     EXPECT_NEAR(w24, exact, 0.005 * exact) << kind << clamped << t;
     EXPECT_LT(std::fabs(w24 - exact), std::fabs(w8 - exact)) << kind << clamped << t;
@@ -190,15 +214,19 @@ TEST(PlateSolution, SquarePlatesConvergeToTheThinAndThickSolutions) {
 double cook(int N, int kind) {
   Material m;
   m.isotropic(1.0, 1.0 / 3.0, 1.0, 0.5);
-  const Mesh mesh = grid(N, [](double a, double b) { return Point{48 * a, 44 * a + (44 - 28 * a) * b}; });
-  ElementFn el = element(m, 0, kind - 1, kind == 2 ? std::vector<int>{1, 2, 6} : std::vector<int>{1, 2});
+  const Mesh mesh = grid(N, [](double a, double b) {
+    return Point{48 * a, 44 * a + (44 - 28 * a) * b};
+  });
+  ElementFn el =
+      element(m, 0, kind - 1, kind == 2 ? std::vector<int>{1, 2, 6} : std::vector<int>{1, 2});
   if (kind == 0)
     el = [&m](const std::vector<Point>& p, std::vector<double>& K) {
       double d[9], db[9], ds[4], s[144], w1[36], xy[8];
       for (int k = 0; k < 8; ++k) xy[k] = p[k / 2][k % 2];
-      dkmq_material(m.ctx(), 0, MatRef<double>(d, 3, 3, "D"), MatRef<double>(db, 3, 3, "DB"), MatRef<double>(ds, 2, 2, "DS"));
-      WILSON(MatRef<double>(xy, 2, 4, "XY"), MatRef<double>(d, 3, 3, "D"), 1.0, 12, 1, MatRef<double>(s, 12, 12, "S"),
-             MatRef<double>(w1, 4, 9, "WORK1"));
+      dkmq_material(m.ctx(), 0, MatRef<double>(d, 3, 3, "D"), MatRef<double>(db, 3, 3, "DB"),
+                    MatRef<double>(ds, 2, 2, "DS"));
+      WILSON(MatRef<double>(xy, 2, 4, "XY"), MatRef<double>(d, 3, 3, "D"), 1.0, 12, 1,
+             MatRef<double>(s, 12, 12, "S"), MatRef<double>(w1, 4, 9, "WORK1"));
       K.resize(64);
       for (int i = 0; i < 64; ++i) K[i] = s[i % 8 + 12 * (i / 8)];
     };
@@ -228,7 +256,8 @@ TEST(PlateSolution, CookMembraneModesAndDrillingConvergeFasterThanTheBilinearEle
 // rotations follow the field exactly.
 TEST(PlateSolution, MembranePatchReproducesALinearField) {
   Mesh m;
-  m.xy = {{0, 0}, {0.24, 0}, {0.24, 0.12}, {0, 0.12}, {0.04, 0.02}, {0.18, 0.03}, {0.16, 0.08}, {0.08, 0.08}};
+  m.xy = {{0, 0},       {0.24, 0},    {0.24, 0.12}, {0, 0.12},
+          {0.04, 0.02}, {0.18, 0.03}, {0.16, 0.08}, {0.08, 0.08}};
   m.cells = {{0, 1, 5, 4}, {1, 2, 6, 5}, {2, 3, 7, 6}, {3, 0, 4, 7}, {4, 5, 6, 7}};
   auto field = [](const Point& p, double* u) {
     u[0] = 1e-3 * p[0] + 2e-3 * p[1];
@@ -239,11 +268,12 @@ TEST(PlateSolution, MembranePatchReproducesALinearField) {
   mat.isotropic(1.0, 1.0 / 3.0, 0.01, 0.5);
   for (int drill : {0, 1}) {
     const int M = 2 + drill;
-    const auto u = solve(m, M, element(mat, 0, drill, drill ? std::vector<int>{1, 2, 6} : std::vector<int>{1, 2}),
-                         [&](const Point& p, bool* fix, double* u0, double*) {
-                           fix[0] = fix[1] = fix[2] = p[0] == 0.0 || p[0] == 0.24;
-                           if (fix[0]) field(p, u0);
-                         });
+    const auto u = solve(
+        m, M, element(mat, 0, drill, drill ? std::vector<int>{1, 2, 6} : std::vector<int>{1, 2}),
+        [&](const Point& p, bool* fix, double* u0, double*) {
+          fix[0] = fix[1] = fix[2] = p[0] == 0.0 || p[0] == 0.24;
+          if (fix[0]) field(p, u0);
+        });
     for (int n = 4; n < 8; ++n) {
       double want[3];
       field(m.xy[n], want);

@@ -7,11 +7,11 @@
 #include <cmath>
 #include <tuple>
 
-#include "run/kernel_state.hpp"
 #include "plane/panel_axes.hpp"
 #include "plate/dkmq.hpp"
 #include "plate/quad_drilling.hpp"
 #include "plate/wilson.hpp"
+#include "run/kernel_state.hpp"
 
 namespace respcore {
 namespace {
@@ -269,16 +269,20 @@ TEST(MembraneCondensation, GeneralFormsAreTheOrdinaryOnes) {
   double di[9] = {kC, 0.25 * kC, 0, 0.25 * kC, kC, 0, 0, 0, kG};
   MatRef<double> XY(xy, 2, 4, "XY"), D(d, 3, 3, "D");
   WILSON(XY, D, 0.1, 12, 0, MatRef<double>(s[0], 12, 12, "S"), MatRef<double>(w[0], 4, 9, "W"));
-  WILSON_GNRL(XY, D, 0.1, 12, 0, MatRef<double>(s[1], 12, 12, "S"), MatRef<double>(w[1], 4, 9, "W"));
+  WILSON_GNRL(XY, D, 0.1, 12, 0, MatRef<double>(s[1], 12, 12, "S"),
+              MatRef<double>(w[1], 4, 9, "W"));
   for (int i = 0; i < 36; ++i) EXPECT_NEAR(w[0][i], w[1][i], 1e-12);
-  for (int i = 0; i < 64; ++i) EXPECT_NEAR(s[0][i % 8 + 12 * (i / 8)], s[1][i % 8 + 12 * (i / 8)], 1e-9);
+  for (int i = 0; i < 64; ++i)
+    EXPECT_NEAR(s[0][i % 8 + 12 * (i / 8)], s[1][i % 8 + 12 * (i / 8)], 1e-9);
   Quad q(tilted());
   double s1[576] = {}, s2[576] = {};
   QUAD_WITH_DRILLING(q.ctx, XY, kE, kC, 0.25, 0.1, MatRef<double>(s1, 24, 24, "S"), 0);
-  QUAD_WITH_DRILLING_GNRL(XY, MatRef<double>(di, 3, 3, "D1"), kG, 0.1, MatRef<double>(s2, 24, 24, "S"));
+  QUAD_WITH_DRILLING_GNRL(XY, MatRef<double>(di, 3, 3, "D1"), kG, 0.1,
+                          MatRef<double>(s2, 24, 24, "S"));
   for (int i = 0; i < 576; ++i) EXPECT_NEAR(s1[i], s2[i], 1e-6 * std::fabs(s1[i]) + 1e-10);
   double area = 0.0, e = 0.0;
-  for (int k = 0; k < 4; ++k) area += 0.5 * (xy[2 * k] * xy[(2 * k + 3) % 8] - xy[(2 * k + 2) % 8] * xy[2 * k + 1]);
+  for (int k = 0; k < 4; ++k)
+    area += 0.5 * (xy[2 * k] * xy[(2 * k + 3) % 8] - xy[(2 * k + 2) % 8] * xy[2 * k + 1]);
   for (int i = 0; i < 16; ++i) e += s1[6 * (i % 4) + 5 + 24 * (6 * (i / 4) + 5)];
   EXPECT_NEAR(e, 0.001 * kE * 0.1 * area / 1.25, 1e-7 * e);
 }

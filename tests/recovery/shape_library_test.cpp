@@ -22,7 +22,8 @@ const double kG2 = 1.0 / std::sqrt(3.0), kG3 = std::sqrt(0.6);
 
 // The n-point Gauss grid over one to three directions, x fastest.
 Pts grid(int n, int dims) {
-  const std::vector<double> x = n == 2 ? std::vector<double>{-kG2, kG2} : std::vector<double>{-kG3, 0.0, kG3};
+  const std::vector<double> x =
+      n == 2 ? std::vector<double>{-kG2, kG2} : std::vector<double>{-kG3, 0.0, kG3};
   Pts p;
   for (int l = 0; l < (dims > 2 ? n : 1); ++l)
     for (int j = 0; j < (dims > 1 ? n : 1); ++j)
@@ -39,7 +40,9 @@ Pts corners(int dims) {
 Pts wedge(std::vector<double> zs) {
   Pts p;
   for (double z : zs)
-    for (const auto& t : {P3{1.0 / 6, 1.0 / 6, z}, P3{2.0 / 3, 1.0 / 6, z}, P3{1.0 / 6, 2.0 / 3, z}}) p.push_back(t);
+    for (const auto& t :
+         {P3{1.0 / 6, 1.0 / 6, z}, P3{2.0 / 3, 1.0 / 6, z}, P3{1.0 / 6, 2.0 / 3, z}})
+      p.push_back(t);
   return p;
 }
 // Pyramid rules: cell coordinates (a, b, c) map to z = G + H c and
@@ -64,7 +67,8 @@ Pts with_centre(P3 centre, const Pts& nodes) {
   p.insert(p.end(), nodes.begin(), nodes.end());
   return p;
 }
-const Pts kQuad8 = {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}, {0, -1, 0}, {1, 0, 0}, {0, 1, 0}, {-1, 0, 0}};
+const Pts kQuad8 = {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0},
+                    {0, -1, 0},  {1, 0, 0},  {0, 1, 0}, {-1, 0, 0}};
 
 struct Family {
   std::string name;
@@ -79,19 +83,33 @@ std::vector<Family> families() {
   return {
       {"LINE_SHAPE_2NODE", LINE_SHAPE_2NODE, grid(2, 1), {o, {1, 0, 0}, o}},
       {"PLANE_SHAPE_4NODES", PLANE_SHAPE_4NODES, corners(2), with_centre(o, quad4)},
-      {"PLANE_SHAPE_8NODES_REDUCED", PLANE_SHAPE_8NODES_REDUCED, corners(2), with_centre(o, kQuad8)},
-      {"PLANE_SHAPE_6NODES", PLANE_SHAPE_6NODES, wedge({0}), {{1. / 3, 1. / 3, 0}, o, {1, 0, 0}, {0, 1, 0}, {.5, 0, 0}, {.5, .5, 0}, {0, .5, 0}}},
+      {"PLANE_SHAPE_8NODES_REDUCED", PLANE_SHAPE_8NODES_REDUCED, corners(2),
+       with_centre(o, kQuad8)},
+      {"PLANE_SHAPE_6NODES",
+       PLANE_SHAPE_6NODES,
+       wedge({0}),
+       {{1. / 3, 1. / 3, 0}, o, {1, 0, 0}, {0, 1, 0}, {.5, 0, 0}, {.5, .5, 0}, {0, .5, 0}}},
       {"PLANE_SHAPE_8NODES_LINEAR", PLANE_SHAPE_8NODES_LINEAR, grid(3, 2), with_centre(o, kQuad8)},
       {"PLANE_SHAPE_8NODES", PLANE_SHAPE_8NODES, grid(3, 2), with_centre(o, kQuad8)},
       {"SOLID_SHAPE_8NODES", SOLID_SHAPE_8NODES, corners(3), with_centre(o, natural_nodes(8))},
-      {"SOLID_SHAPE_10NODES", SOLID_SHAPE_10NODES, {{a, a, a}, {b, a, a}, {a, b, a}, {a, a, b}}, with_centre({.25, .25, .25}, natural_nodes(10))},
-      {"SOLID_SHAPE_6NODES", SOLID_SHAPE_6NODES, wedge({-kG2, kG2}), with_centre({1. / 3, 1. / 3, 0}, natural_nodes(6))},
-      {"SOLID_SHAPE_5NODES", SOLID_SHAPE_5NODES, pyramid(scaled(corners(3), 1 / kG2)), with_centre({0, 0, .25}, natural_nodes(5))},
-      {"SOLID_SHAPE_15NODES_LINEAR", SOLID_SHAPE_15NODES_LINEAR, wedge({-kG3, 0, kG3}), with_centre({1. / 3, 1. / 3, 0}, natural_nodes(15))},
-      {"SOLID_SHAPE_15NODES", SOLID_SHAPE_15NODES, wedge({-kG3, 0, kG3}), with_centre({1. / 3, 1. / 3, 0}, natural_nodes(15))},
-      {"SOLID_SHAPE_20NODES_LINEAR", SOLID_SHAPE_20NODES_LINEAR, grid(3, 3), with_centre(o, natural_nodes(20))},
+      {"SOLID_SHAPE_10NODES",
+       SOLID_SHAPE_10NODES,
+       {{a, a, a}, {b, a, a}, {a, b, a}, {a, a, b}},
+       with_centre({.25, .25, .25}, natural_nodes(10))},
+      {"SOLID_SHAPE_6NODES", SOLID_SHAPE_6NODES, wedge({-kG2, kG2}),
+       with_centre({1. / 3, 1. / 3, 0}, natural_nodes(6))},
+      {"SOLID_SHAPE_5NODES", SOLID_SHAPE_5NODES, pyramid(scaled(corners(3), 1 / kG2)),
+       with_centre({0, 0, .25}, natural_nodes(5))},
+      {"SOLID_SHAPE_15NODES_LINEAR", SOLID_SHAPE_15NODES_LINEAR, wedge({-kG3, 0, kG3}),
+       with_centre({1. / 3, 1. / 3, 0}, natural_nodes(15))},
+      {"SOLID_SHAPE_15NODES", SOLID_SHAPE_15NODES, wedge({-kG3, 0, kG3}),
+       with_centre({1. / 3, 1. / 3, 0}, natural_nodes(15))},
+      {"SOLID_SHAPE_20NODES_LINEAR", SOLID_SHAPE_20NODES_LINEAR, grid(3, 3),
+       with_centre(o, natural_nodes(20))},
       {"SOLID_SHAPE_20NODES", SOLID_SHAPE_20NODES, grid(3, 3), with_centre(o, natural_nodes(20))},
-      {"SOLID_SHAPE_13NODES", SOLID_SHAPE_13NODES, pyramid(scaled(grid(3, 3), 1.3416407864998738 / kG3)), with_centre({0, 0, .25}, natural_nodes(13))},
+      {"SOLID_SHAPE_13NODES", SOLID_SHAPE_13NODES,
+       pyramid(scaled(grid(3, 3), 1.3416407864998738 / kG3)),
+       with_centre({0, 0, .25}, natural_nodes(13))},
   };
 }
 
@@ -119,11 +137,22 @@ TEST(ShapeLibrary, OddConstantsKeepTheirStoredBits) {
 // forms the serendipity fields.
 TEST(ShapeLibrary, WeightsReproduceTheFieldsOfTheirSpaces) {
   const std::map<std::string, std::function<double(const P3&)>> higher = {
-      {"PLANE_SHAPE_8NODES_LINEAR", [](const P3& p) { return 1.0 + p[0] - 2.0 * p[1] + 0.5 * p[0] * p[1]; }},
-      {"SOLID_SHAPE_20NODES_LINEAR", [](const P3& p) { return 1.0 + p[0] * p[1] - p[1] * p[2] + 2.0 * p[0] * p[1] * p[2]; }},
-      {"PLANE_SHAPE_8NODES", [](const P3& p) { return p[0] * p[0] - p[0] * p[1] + 2.0 * p[1] * p[1] + p[0] * p[0] * p[1] - p[0] * p[1] * p[1]; }},
-      {"SOLID_SHAPE_20NODES", [](const P3& p) { return p[0] * p[0] - p[1] * p[2] + 3.0 * p[2] * p[2] + p[0] * p[0] * p[2] - p[0] * p[1] * p[2]; }},
-      {"SOLID_SHAPE_15NODES", [](const P3& p) { return 1.0 + p[0] - p[1] + p[2] * p[2] + p[0] * p[2] * p[2]; }}};
+      {"PLANE_SHAPE_8NODES_LINEAR",
+       [](const P3& p) { return 1.0 + p[0] - 2.0 * p[1] + 0.5 * p[0] * p[1]; }},
+      {"SOLID_SHAPE_20NODES_LINEAR",
+       [](const P3& p) { return 1.0 + p[0] * p[1] - p[1] * p[2] + 2.0 * p[0] * p[1] * p[2]; }},
+      {"PLANE_SHAPE_8NODES",
+       [](const P3& p) {
+         return p[0] * p[0] - p[0] * p[1] + 2.0 * p[1] * p[1] + p[0] * p[0] * p[1] -
+                p[0] * p[1] * p[1];
+       }},
+      {"SOLID_SHAPE_20NODES",
+       [](const P3& p) {
+         return p[0] * p[0] - p[1] * p[2] + 3.0 * p[2] * p[2] + p[0] * p[0] * p[2] -
+                p[0] * p[1] * p[2];
+       }},
+      {"SOLID_SHAPE_15NODES",
+       [](const P3& p) { return 1.0 + p[0] - p[1] + p[2] * p[2] + p[0] * p[2] * p[2]; }}};
   auto one = [](const P3&) { return 1.0; };
   auto linear = [](const P3& p) { return 1.5 - 2.0 * p[0] + 0.75 * p[1] + 3.25 * p[2]; };
   for (const Family& f : families())

@@ -14,7 +14,8 @@ namespace respcore {
 namespace {
 
 // TDSP(r, c) = 1000 r + c, so that every copied value names its row.
-std::vector<double> assemble(int32_t type, int32_t comp, int32_t mode, int32_t items, int32_t steps = 1) {
+std::vector<double> assemble(int32_t type, int32_t comp, int32_t mode, int32_t items,
+                             int32_t steps = 1) {
   RunContext R;
   R.ELEM_TYPE = type;
   R.RESULT_COMP = comp;
@@ -165,8 +166,12 @@ struct EveryFamily {
 TEST(Assembly, SnapshotsAndEnvelopesHoldTheHistoriesAtTheirSteps) {
   EveryFamily f;
   const std::map<int, std::vector<int>> selectors = {
-      {4, {1, 2, 3, 4, 9, 58, 63}}, {8, {1, 3, 4, 9, 130, 135}}, {9, {1, 2, 3, 4, 5, 6}},
-      {10, {2, 5}},                 {11, {3, 6}},                {12, {1, 2}},
+      {4, {1, 2, 3, 4, 9, 58, 63}},
+      {8, {1, 3, 4, 9, 130, 135}},
+      {9, {1, 2, 3, 4, 5, 6}},
+      {10, {2, 5}},
+      {11, {3, 6}},
+      {12, {1, 2}},
       {13, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17}},
       {14, {1, 6, 7, 12, 13, 14, 17}}};
   Kernel k;
@@ -186,7 +191,8 @@ TEST(Assembly, SnapshotsAndEnvelopesHoldTheHistoriesAtTheirSteps) {
       for (size_t item = 0; item < 2; ++item)
         for (size_t n = 0; n < picked.size(); ++n) {
           const double want = f.history(type, static_cast<int>(item + 1), picked[n])[step - 1];
-          EXPECT_NEAR(snap[item * picked.size() + n], want, 1e-9 * (1 + std::fabs(want))) << "point " << n + 1;
+          EXPECT_NEAR(snap[item * picked.size() + n], want, 1e-9 * (1 + std::fabs(want)))
+              << "point " << n + 1;
         }
       if (c > 6) continue;
       // The envelope: for nodes the six rows at the first steps of the
@@ -202,8 +208,10 @@ TEST(Assembly, SnapshotsAndEnvelopesHoldTheHistoriesAtTheirSteps) {
         const long smin = std::min_element(h.begin(), h.end()) - h.begin();
         for (int row = 1; row <= 6; ++row) {
           const size_t at = static_cast<size_t>((node ? 12 : 6) * (item - 1) + row - 1);
-          EXPECT_EQ(env[at], f.history(type, item, row)[static_cast<size_t>(smax)]) << item << " " << row;
-          EXPECT_EQ(env[at + (node ? 6 : 12)], node ? f.history(type, item, row)[static_cast<size_t>(smin)] : 0.0);
+          EXPECT_EQ(env[at], f.history(type, item, row)[static_cast<size_t>(smax)])
+              << item << " " << row;
+          EXPECT_EQ(env[at + (node ? 6 : 12)],
+                    node ? f.history(type, item, row)[static_cast<size_t>(smin)] : 0.0);
         }
       }
     }

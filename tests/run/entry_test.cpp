@@ -5,8 +5,8 @@
 
 #include <cstdlib>
 
-#include "run/kernel_state.hpp"
 #include "respcore/respcore.h"
+#include "run/kernel_state.hpp"
 #include "support/archive_fixture.hpp"
 
 namespace respcore::testing {
@@ -39,9 +39,11 @@ TEST(Entry, DirectStorageCodeThreeActsAsTwo) {
 // The element form of the case (THLG) takes the element records of serial
 // 4, except under the two tags that have no such form.
 TEST(Entry, ElementFormTwoReadsSerialFourExceptUnderTwoTags) {
-  for (const auto& [tag, index, serial] : {std::tuple{"P.R.W", 1, 4}, {"H.N.Q", 4, 3}, {"J.W.U", 6, 3}}) {
+  for (const auto& [tag, index, serial] :
+       {std::tuple{"P.R.W", 1, 4}, {"H.N.Q", 4, 3}, {"J.W.U", 6, 3}}) {
     ArchiveFixture a(tag);
-    for (int s = 3; s <= 4; ++s) a.writer().truss_records(s, {{{1, 2}, 4, {double(s), 0, 0, 0, 0, double(s), 0, 0}}});
+    for (int s = 3; s <= 4; ++s)
+      a.writer().truss_records(s, {{{1, 2}, 4, {double(s), 0, 0, 0, 0, double(s), 0, 0}}});
     a.writer().element_forms({2});
     one_node(a, 2, 1);
     Kernel k;
@@ -64,8 +66,8 @@ TEST(Entry, FamiliesOutsideTheTableCallNothing) {
     // A snapshot copies nothing: the caller's array stays as it was.
     std::vector<double> out = {-1, -1};
     const int32_t serial = 1, node = 1;
-    ASSERT_EQ(k.request(a.base().c_str(), static_cast<int32_t>(a.base().size()), type, 1, 1, 1,
-                        1, 1, 2, 1, 0, out.data(), &serial, &node, 1),
+    ASSERT_EQ(k.request(a.base().c_str(), static_cast<int32_t>(a.base().size()), type, 1, 1, 1, 1,
+                        1, 2, 1, 0, out.data(), &serial, &node, 1),
               0);
     EXPECT_EQ(out, (std::vector<double>{-1, -1}));
   }
@@ -81,7 +83,8 @@ TEST(Entry, NameLengthIsCheckedAndCut) {
   k.request(name.data(), 1025, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
   const std::string out_lines = ::testing::internal::GetCapturedStdout();
   const std::string err = ::testing::internal::GetCapturedStderr();
-  EXPECT_NE(err.find("array bound exceeded: K_FNAME subscript 1025 bound 1:1024"), std::string::npos);
+  EXPECT_NE(err.find("array bound exceeded: K_FNAME subscript 1025 bound 1:1024"),
+            std::string::npos);
   EXPECT_EQ(k.state().archive.FNAME_LEN, 1024);
   // No such archive: error lines, and zeros.
   EXPECT_NE(out_lines.find("   OPENING ERROR READ-F IN RESP CORE \n"), std::string::npos);
@@ -96,7 +99,8 @@ TEST(Entry, NameLengthIsCheckedAndCut) {
   ::testing::internal::CaptureStdout();
   k.request(name.data(), -3, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
   ::testing::internal::GetCapturedStdout();
-  EXPECT_NE(::testing::internal::GetCapturedStderr().find("K_FNAME subscript -3"), std::string::npos);
+  EXPECT_NE(::testing::internal::GetCapturedStderr().find("K_FNAME subscript -3"),
+            std::string::npos);
   EXPECT_EQ(k.state().archive.FNAME_LEN, 0);
 }
 
@@ -138,10 +142,9 @@ TEST(Entry, ExportedSymbolsOfTheSharedLibrary) {
   if (lib == nullptr) GTEST_SKIP() << "RESPCORE_TEST_LIB not set";
   void* h = dlopen(lib, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(h, nullptr) << dlerror();
-  auto entry = reinterpret_cast<void (*)(const char*, int32_t, int32_t, int32_t, int32_t, int32_t,
-                                         int32_t, int32_t, int32_t, int32_t, int32_t, double*,
-                                         const int32_t*, const int32_t*, int32_t)>(
-      dlsym(h, "_RESPCORE"));
+  auto entry = reinterpret_cast<void (*)(
+      const char*, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t,
+      int32_t, double*, const int32_t*, const int32_t*, int32_t)>(dlsym(h, "_RESPCORE"));
   auto request = reinterpret_cast<EntryFn>(dlsym(h, "respcore_request"));
   ASSERT_NE(entry, nullptr);
   ASSERT_NE(request, nullptr);
@@ -153,8 +156,8 @@ TEST(Entry, ExportedSymbolsOfTheSharedLibrary) {
         out.data(), &serial, &node, 1);
   EXPECT_EQ(out, (std::vector<double>{61, 62, 63}));
   out.assign(3, 0.0);
-  EXPECT_EQ(request(a.base().c_str(), static_cast<int32_t>(a.base().size()), 9, 4, 1, 3, 1, 1, 1,
-                    1, 0, out.data(), &serial, &node, 1),
+  EXPECT_EQ(request(a.base().c_str(), static_cast<int32_t>(a.base().size()), 9, 4, 1, 3, 1, 1, 1, 1,
+                    0, out.data(), &serial, &node, 1),
             0);
   EXPECT_EQ(out, (std::vector<double>{11, 12, 13}));
   dlclose(h);

@@ -67,7 +67,8 @@ class HighShapes : public ::testing::TestWithParam<int> {};
 TEST_P(HighShapes, RigidMotionIsFreeAndALinearFieldGivesItsStressEverywhere) {
   const int nn = GetParam();
   const M3 G = sample_gradient();
-  const V6 sigma = mul6(elastic(Material{}), strain_of(G)), eps = mul6(compliance(Material{}), sigma);
+  const V6 sigma = mul6(elastic(Material{}), strain_of(G)),
+           eps = mul6(compliance(Material{}), sigma);
   for (int variant = 0; variant < 2; ++variant) {
     Placement pl = sample_placement(variant);
     pl.bump = 0.04;  // curved edges: the field is still reproduced
@@ -80,8 +81,15 @@ TEST_P(HighShapes, RigidMotionIsFreeAndALinearFieldGivesItsStressEverywhere) {
     const auto rows = m.rows(rows_of(nn), 1, 2);
     for (int s = 1; s <= 2; ++s) {
       for (int p = 0; p <= nn; ++p) {
-        EXPECT_V6_NEAR(point6(rows, 61 + 6 * p, s), (V6{s * sigma[0], s * sigma[1], s * sigma[2], s * sigma[3], s * sigma[4], s * sigma[5]}), 1e-9 * s * norm6(sigma)) << p;
-        EXPECT_V6_NEAR(point6(rows, 187 + 6 * p, s), (V6{s * eps[0], s * eps[1], s * eps[2], s * eps[3], s * eps[4], s * eps[5]}), 1e-9 * s * norm6(eps)) << p;
+        EXPECT_V6_NEAR(point6(rows, 61 + 6 * p, s),
+                       (V6{s * sigma[0], s * sigma[1], s * sigma[2], s * sigma[3], s * sigma[4],
+                           s * sigma[5]}),
+                       1e-9 * s * norm6(sigma))
+            << p;
+        EXPECT_V6_NEAR(point6(rows, 187 + 6 * p, s),
+                       (V6{s * eps[0], s * eps[1], s * eps[2], s * eps[3], s * eps[4], s * eps[5]}),
+                       1e-9 * s * norm6(eps))
+            << p;
       }
       V3 fsum{}, msum{};
       for (int n = 0; n < nn; ++n) {
@@ -105,16 +113,26 @@ TEST_P(HighShapes, UniformStressGivesTheConsistentBoundaryLoads) {
   const int nn = GetParam();
   auto on = [](double a, double b) { return std::fabs(a - b) < 1e-12; };
   struct Face {
-    int axis;           // natural coordinate fixed on the face (3: x + y (+ z))
+    int axis;  // natural coordinate fixed on the face (3: x + y (+ z))
     double value, area[3];
     bool quad;
   };
   std::vector<Face> faces;
-  if (nn == 10) faces = {{0, 0, {-0.5, 0, 0}, false}, {1, 0, {0, -0.5, 0}, false}, {2, 0, {0, 0, -0.5}, false}, {3, 1, {0.5, 0.5, 0.5}, false}};
-  if (nn == 15) faces = {{2, -1, {0, 0, -0.5}, false}, {2, 1, {0, 0, 0.5}, false}, {1, 0, {0, -2, 0}, true}, {0, 0, {-2, 0, 0}, true}, {3, 1, {2, 2, 0}, true}};
+  if (nn == 10)
+    faces = {{0, 0, {-0.5, 0, 0}, false},
+             {1, 0, {0, -0.5, 0}, false},
+             {2, 0, {0, 0, -0.5}, false},
+             {3, 1, {0.5, 0.5, 0.5}, false}};
+  if (nn == 15)
+    faces = {{2, -1, {0, 0, -0.5}, false},
+             {2, 1, {0, 0, 0.5}, false},
+             {1, 0, {0, -2, 0}, true},
+             {0, 0, {-2, 0, 0}, true},
+             {3, 1, {2, 2, 0}, true}};
   if (nn == 20)
     for (int d = 0; d < 3; ++d)
-      for (double s : {-1.0, 1.0}) faces.push_back({d, s, {d == 0 ? 4 * s : 0, d == 1 ? 4 * s : 0, d == 2 ? 4 * s : 0}, true});
+      for (double s : {-1.0, 1.0})
+        faces.push_back({d, s, {d == 0 ? 4 * s : 0, d == 1 ? 4 * s : 0, d == 2 ? 4 * s : 0}, true});
   const M3 G = sample_gradient();
   const Placement pl = sample_placement(1);
   HighModel m(nn, pl, Material{}, Material{}.vals);
@@ -127,7 +145,8 @@ TEST_P(HighShapes, UniformStressGivesTheConsistentBoundaryLoads) {
     const V3& x = nat[static_cast<size_t>(n)];
     V3 f{0, 0, 0};
     for (const Face& face : faces) {
-      const double c = face.axis < 3 ? x[static_cast<size_t>(face.axis)] : x[0] + x[1] + (nn == 10 ? x[2] : 0.0);
+      const double c =
+          face.axis < 3 ? x[static_cast<size_t>(face.axis)] : x[0] + x[1] + (nn == 10 ? x[2] : 0.0);
       if (!on(c, face.value)) continue;
       const double share = n < corners(nn) ? (face.quad ? -1.0 / 12 : 0.0) : 1.0 / 3;
       const V3 t = mul(sig, mul(cof, V3{face.area[0], face.area[1], face.area[2]}));
@@ -149,9 +168,11 @@ TEST_P(HighShapes, OrthotropicRecordMaterialTurnsWithTheElementAxes) {
   HighModel m(nn, pl, table, orthotropic().vals);
   m.write(linear_field({0, 0, 0}, G), 1);
   const auto g = m.rows(rows_of(nn)), l = m.rows(rows_of(nn), 0);
-  const V6 sigma = stress_of_element(orthotropic(), pl.Q, G), eps = mul6(compliance(orthotropic()), sigma);
+  const V6 sigma = stress_of_element(orthotropic(), pl.Q, G),
+           eps = mul6(compliance(orthotropic()), sigma);
   const M3 QT = transpose(pl.Q);
-  for (int n = 0; n < nn; ++n) EXPECT_V3_NEAR(point3(l, 1 + 3 * n, 1), mul(QT, point3(g, 1 + 3 * n, 1)), 1e-8);
+  for (int n = 0; n < nn; ++n)
+    EXPECT_V3_NEAR(point3(l, 1 + 3 * n, 1), mul(QT, point3(g, 1 + 3 * n, 1)), 1e-8);
   for (int p = 0; p <= nn; ++p) {
     EXPECT_V6_NEAR(point6(g, 61 + 6 * p, 1), sigma, 1e-9 * norm6(sigma)) << p;
     EXPECT_V6_NEAR(point6(g, 187 + 6 * p, 1), eps, 1e-9 * norm6(eps)) << p;
@@ -160,7 +181,9 @@ TEST_P(HighShapes, OrthotropicRecordMaterialTurnsWithTheElementAxes) {
   }
 }
 
-std::string NodeCountName(const ::testing::TestParamInfo<int>& p) { return "nodes" + std::to_string(p.param); }
+std::string NodeCountName(const ::testing::TestParamInfo<int>& p) {
+  return "nodes" + std::to_string(p.param);
+}
 INSTANTIATE_TEST_SUITE_P(HighOrder, HighShapes, ::testing::Values(10, 15, 20), NodeCountName);
 
 // A quadratic displacement of a straight-edged tetrahedron: the stress is
@@ -170,16 +193,23 @@ TEST(SolidHigh, TetrahedronStressOfAQuadraticFieldAtCentreAndNodes) {
   const Placement pl = sample_placement(1);
   HighModel m(10, pl, Material{}, Material{}.vals);
   auto grad = [](const V3& x) {  // of u = (1e-4 x y, 1e-4 x - 2e-4 z^2, 3e-4 x y)
-    return M3{{{1e-4 * x[1], 1e-4 * x[0], 0}, {1e-4, 0, -4e-4 * x[2]}, {3e-4 * x[1], 3e-4 * x[0], 0}}};
+    return M3{
+        {{1e-4 * x[1], 1e-4 * x[0], 0}, {1e-4, 0, -4e-4 * x[2]}, {3e-4 * x[1], 3e-4 * x[0], 0}}};
   };
-  m.write([](const V3& x, int) { return V3{1e-4 * x[0] * x[1], 1e-4 * x[0] - 2e-4 * x[2] * x[2], 3e-4 * x[1] * x[0]}; }, 1);
+  m.write(
+      [](const V3& x, int) {
+        return V3{1e-4 * x[0] * x[1], 1e-4 * x[0] - 2e-4 * x[2] * x[2], 3e-4 * x[1] * x[0]};
+      },
+      1);
   const auto rows = m.rows(126);
   const auto& x = m.coords[0];
   V3 centroid{};
   for (int c = 0; c < 4; ++c)
-    for (int i = 0; i < 3; ++i) centroid[static_cast<size_t>(i)] += x[static_cast<size_t>(c)][static_cast<size_t>(i)] / 4;
+    for (int i = 0; i < 3; ++i)
+      centroid[static_cast<size_t>(i)] += x[static_cast<size_t>(c)][static_cast<size_t>(i)] / 4;
   for (int p = 0; p <= 10; ++p) {
-    const V6 want = mul6(elastic(Material{}), strain_of(grad(p == 0 ? centroid : x[static_cast<size_t>(p - 1)])));
+    const V6 want = mul6(elastic(Material{}),
+                         strain_of(grad(p == 0 ? centroid : x[static_cast<size_t>(p - 1)])));
     EXPECT_V6_NEAR(point6(rows, 61 + 6 * p, 1), want, 1e-9 * norm6(want)) << "point " << p;
   }
 }
@@ -213,8 +243,9 @@ TEST(SolidHighDeathTest, SingularMaterialStopsTheRun) {
 
   std::vector<double> v(1, 0.0);
   auto call = [&](auto entry) {
-    return entry(q.base.c_str(), static_cast<int32_t>(q.base.size()), q.elem_type, q.result_comp, q.hist_case,
-                 q.num_steps, 1, 1, 1, q.product_index, 0, v.data(), q.serials.data(), q.elements.data(), q.axis_flag);
+    return entry(q.base.c_str(), static_cast<int32_t>(q.base.size()), q.elem_type, q.result_comp,
+                 q.hist_case, q.num_steps, 1, 1, 1, q.product_index, 0, v.data(), q.serials.data(),
+                 q.elements.data(), q.axis_flag);
   };
   EXPECT_EXIT(call(respcore_entry_RESPCORE), ::testing::ExitedWithCode(0), "");
   EXPECT_EQ(call(respcore_request), 1);
@@ -232,7 +263,8 @@ TEST(SolidHigh, PyramidWithoutShapeFunctionsAndOversizedNodeCountsRunOn) {
   big.write(linear_field({0.1, 0.2, -0.3}, sample_gradient()), 1);
   ::testing::internal::CaptureStderr();
   EXPECT_EQ(k.run(big.a.request(8, 1, 1)).status, STATUS_DONE);
-  EXPECT_NE(::testing::internal::GetCapturedStderr().find("array bound exceeded: IIA subscript 21 bound 1:20"),
+  EXPECT_NE(::testing::internal::GetCapturedStderr().find(
+                "array bound exceeded: IIA subscript 21 bound 1:20"),
             std::string::npos);
 }
 
@@ -240,9 +272,11 @@ TEST(SolidHigh, PyramidWithoutShapeFunctionsAndOversizedNodeCountsRunOn) {
 // (4, 0, 0.4), b = P3 + P4 - P1 - P2 = (0, 2, 0).
 TEST(Qdcos, WarpedQuadrilateralByHand) {
   double x[4] = {0, 2, 2, 0}, y[4] = {0, 0, 1, 1}, z[4] = {0, 0, 0.2, -0.2}, t[9];
-  QDCOS(VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"), VecRef<double>(z, 4, "Z"), MatRef<double>(t, 3, 3, "T"), 4);
+  QDCOS(VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"), VecRef<double>(z, 4, "Z"),
+        MatRef<double>(t, 3, 3, "T"), 4);
   const double r = std::sqrt(1.01);
-  const double want[9] = {1 / r, 0, -0.1 / r, 0, 1, 0, 0.1 / r, 0, 1 / r};  // column-major, rows the axes
+  const double want[9] = {1 / r, 0,       -0.1 / r, 0,    1,
+                          0,     0.1 / r, 0,        1 / r};  // column-major, rows the axes
   for (int i = 0; i < 9; ++i) EXPECT_NEAR(t[i], want[i], 1e-15) << i;
 }
 

@@ -92,8 +92,8 @@ inline V6 mul6(const M6& d, const V6& v) {
 struct Material {
   double E = 2.0e5;
   double nu = 0.3;
-  int type = 0;                   // 0 isotropic, 1 orthotropic
-  std::array<double, 9> vals{};   // E2, nu13, -, E3, nu23, -, G12, G23, G31
+  int type = 0;                  // 0 isotropic, 1 orthotropic
+  std::array<double, 9> vals{};  // E2, nu13, -, E3, nu23, -, G12, G23, G31
 };
 
 inline Material orthotropic() {
@@ -112,7 +112,9 @@ inline M6 compliance(const Material& m) {
   const bool o = m.type == 1;
   const double E1 = m.E, E2 = o ? m.vals[0] : m.E, E3 = o ? m.vals[3] : m.E;
   const double n12 = m.nu, n13 = o ? m.vals[1] : m.nu, n23 = o ? m.vals[4] : m.nu;
-  const M3 a = {{{1 / E1, -n12 / E1, -n13 / E1}, {-n12 / E1, 1 / E2, -n23 / E2}, {-n13 / E1, -n23 / E2, 1 / E3}}};
+  const M3 a = {{{1 / E1, -n12 / E1, -n13 / E1},
+                 {-n12 / E1, 1 / E2, -n23 / E2},
+                 {-n13 / E1, -n23 / E2, 1 / E3}}};
   M6 c{};
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) c[i + 6 * j] = a[i][j];
@@ -209,12 +211,14 @@ inline std::vector<std::vector<double>> all_rows(Kernel& k, const Request& r, in
 
 inline V6 point6(const std::vector<std::vector<double>>& rows, int row0, int s) {
   V6 v{};
-  for (int i = 0; i < 6; ++i) v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
+  for (int i = 0; i < 6; ++i)
+    v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
   return v;
 }
 inline V3 point3(const std::vector<std::vector<double>>& rows, int row0, int s) {
   V3 v{};
-  for (int i = 0; i < 3; ++i) v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
+  for (int i = 0; i < 3; ++i)
+    v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
   return v;
 }
 
@@ -226,38 +230,44 @@ inline double norm6(const V6& v) {
 
 // Component by component; a message may be streamed behind.
 #define EXPECT_V6_NEAR(a, b, tol) \
-  for (int i_ = 0; i_ < 6; ++i_) EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
+  for (int i_ = 0; i_ < 6; ++i_)  \
+  EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
 #define EXPECT_V3_NEAR(a, b, tol) \
-  for (int i_ = 0; i_ < 3; ++i_) EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
+  for (int i_ = 0; i_ < 3; ++i_)  \
+  EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
 
 // ---------------------------------------------------------------------------
 // Natural node coordinates of the shapes, in element order.
 
 inline std::vector<V3> natural_nodes(int nn) {
   switch (nn) {
-    case 4: return {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-    case 5: return {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}, {0, 0, 1}};
-    case 6: return {{0, 0, -1}, {1, 0, -1}, {0, 1, -1}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}};
+    case 4:
+      return {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    case 5:
+      return {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}, {0, 0, 1}};
+    case 6:
+      return {{0, 0, -1}, {1, 0, -1}, {0, 1, -1}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}};
     case 8:
       return {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1},
               {-1, -1, 1},  {1, -1, 1},  {1, 1, 1},  {-1, 1, 1}};
     case 10:
-      return {{0, 0, 0},   {1, 0, 0},     {0, 1, 0},   {0, 0, 1},   {0.5, 0, 0},
+      return {{0, 0, 0},     {1, 0, 0},   {0, 1, 0},   {0, 0, 1},     {0.5, 0, 0},
               {0.5, 0.5, 0}, {0, 0.5, 0}, {0, 0, 0.5}, {0.5, 0, 0.5}, {0, 0.5, 0.5}};
     case 13:
-      return {{-1, -1, 0}, {1, -1, 0},   {1, 1, 0},    {-1, 1, 0},     {0, 0, 1},
-              {0, -1, 0},  {1, 0, 0},    {0, 1, 0},    {-1, 0, 0},     {-0.5, -0.5, 0.5},
+      return {{-1, -1, 0},      {1, -1, 0},      {1, 1, 0},       {-1, 1, 0}, {0, 0, 1},
+              {0, -1, 0},       {1, 0, 0},       {0, 1, 0},       {-1, 0, 0}, {-0.5, -0.5, 0.5},
               {0.5, -0.5, 0.5}, {0.5, 0.5, 0.5}, {-0.5, 0.5, 0.5}};
     case 15:
-      return {{0, 0, -1},   {1, 0, -1},   {0, 1, -1}, {0, 0, 1},   {1, 0, 1},
-              {0, 1, 1},    {0.5, 0, -1}, {0.5, 0.5, -1}, {0, 0.5, -1}, {0.5, 0, 1},
-              {0.5, 0.5, 1}, {0, 0.5, 1}, {0, 0, 0},  {1, 0, 0},   {0, 1, 0}};
+      return {{0, 0, -1},    {1, 0, -1},   {0, 1, -1},     {0, 0, 1},    {1, 0, 1},
+              {0, 1, 1},     {0.5, 0, -1}, {0.5, 0.5, -1}, {0, 0.5, -1}, {0.5, 0, 1},
+              {0.5, 0.5, 1}, {0, 0.5, 1},  {0, 0, 0},      {1, 0, 0},    {0, 1, 0}};
     case 20:
-      return {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}, {-1, -1, 1}, {1, -1, 1},
-              {1, 1, 1},    {-1, 1, 1},  {0, -1, -1}, {1, 0, -1}, {0, 1, -1}, {-1, 0, -1},
-              {0, -1, 1},   {1, 0, 1},   {0, 1, 1},  {-1, 0, 1},  {-1, -1, 0}, {1, -1, 0},
-              {1, 1, 0},    {-1, 1, 0}};
-    default: return {};
+      return {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}, {-1, -1, 1},
+              {1, -1, 1},   {1, 1, 1},   {-1, 1, 1}, {0, -1, -1}, {1, 0, -1},
+              {0, 1, -1},   {-1, 0, -1}, {0, -1, 1}, {1, 0, 1},   {0, 1, 1},
+              {-1, 0, 1},   {-1, -1, 0}, {1, -1, 0}, {1, 1, 0},   {-1, 1, 0}};
+    default:
+      return {};
   }
 }
 

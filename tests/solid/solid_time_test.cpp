@@ -31,7 +31,9 @@ std::vector<V3> points(int nn) {
   } else if (nn == 6) {
     p.push_back({1.0 / 3, 1.0 / 3, 0});
     for (double z : {-kG2, kG2})
-      for (const auto& t : {V3{1.0 / 6, 1.0 / 6, z}, V3{2.0 / 3, 1.0 / 6, z}, V3{1.0 / 6, 2.0 / 3, z}}) p.push_back(t);
+      for (const auto& t :
+           {V3{1.0 / 6, 1.0 / 6, z}, V3{2.0 / 3, 1.0 / 6, z}, V3{1.0 / 6, 2.0 / 3, z}})
+        p.push_back(t);
   } else {
     p.push_back({0, 0, 0});
     for (const V3& s : natural_nodes(8)) p.push_back({s[0] * kG2, s[1] * kG2, s[2] * kG2});
@@ -46,7 +48,9 @@ V6 field(int nn, const V3& x) {
   V6 c{};
   for (int i = 0; i < 6; ++i)
     c[i] = 1.0 + 0.5 * i + (i + 1) * 0.3 * x[0] - 0.2 * x[1] + 0.4 * x[2] +
-           (nn == 8 ? 0.1 * x[0] * x[1] * x[2] : nn == 6 ? 0.25 * x[0] * x[2] : 0.0);
+           (nn == 8   ? 0.1 * x[0] * x[1] * x[2]
+            : nn == 6 ? 0.25 * x[0] * x[2]
+                      : 0.0);
   return c;
 }
 const V6 kCentre = {7, -3, 2, 0.5, -1, 4};
@@ -61,7 +65,12 @@ TEST(SolidTime, StoredMatrixTurnsExtrapolatesAndGivesStrainsOfTheMaterial) {
   model.materials = {mats[0], mats[1]};
   model.element_material = {1, 2, 1, 2};
   model.nodes = natural_nodes(8);
-  model.write_common(a, [](const V3& x, int s) { return V3{x == natural_nodes(8)[0] ? 0.5 * s : 0.0, 0, 0}; }, 2);
+  model.write_common(
+      a,
+      [](const V3& x, int s) {
+        return V3{x == natural_nodes(8)[0] ? 0.5 * s : 0.0, 0, 0};
+      },
+      2);
   std::vector<SolidRecord> records;
   for (int nn : shapes) {
     SolidRecord r;
@@ -71,7 +80,8 @@ TEST(SolidTime, StoredMatrixTurnsExtrapolatesAndGivesStrainsOfTheMaterial) {
     r.strs.assign(static_cast<size_t>(r.nr * 3 * nn), 0.0);  // column 1 only: the moving equation
     for (int k = 0; k < 3 * nn; ++k) r.strs[static_cast<size_t>(k)] = force(k + 1);
     for (size_t p = 0; p < pts.size(); ++p)
-      for (int i = 0; i < 6; ++i) r.strs[24 + 6 * p + static_cast<size_t>(i)] = p == 0 ? kCentre[i] : field(nn, pts[p])[i];
+      for (int i = 0; i < 6; ++i)
+        r.strs[24 + 6 * p + static_cast<size_t>(i)] = p == 0 ? kCentre[i] : field(nn, pts[p])[i];
     r.nn = nn;
     r.axes = Q;
     records.push_back(r);
@@ -93,7 +103,8 @@ TEST(SolidTime, StoredMatrixTurnsExtrapolatesAndGivesStrainsOfTheMaterial) {
       const double u = 0.5 * s;
       for (int n = 0; n < nn; ++n) {
         const V3 f = {u * force(3 * n + 1), u * force(3 * n + 2), u * force(3 * n + 3)};
-        EXPECT_V3_NEAR(point3(global, 1 + 3 * n, s), mul(Q, f), 1e-12) << nn << " force of node " << n + 1;
+        EXPECT_V3_NEAR(point3(global, 1 + 3 * n, s), mul(Q, f), 1e-12)
+            << nn << " force of node " << n + 1;
         EXPECT_V3_NEAR(point3(local, 1 + 3 * n, s), f, 1e-12) << nn << " force of node " << n + 1;
       }
       for (int p = 0; p <= nn; ++p) {
@@ -102,16 +113,19 @@ TEST(SolidTime, StoredMatrixTurnsExtrapolatesAndGivesStrainsOfTheMaterial) {
         const V6 g = rotate(Q, el), eps = mul6(C, g);
         EXPECT_V6_NEAR(point6(global, 25 + 6 * p, s), g, 1e-9) << nn << " stress of point " << p;
         EXPECT_V6_NEAR(point6(local, 25 + 6 * p, s), el, 1e-9) << nn << " stress of point " << p;
-        EXPECT_V6_NEAR(point6(global, 79 + 6 * p, s), eps, 1e-9 * norm6(eps)) << nn << " strain of point " << p;
-        EXPECT_V6_NEAR(point6(local, 79 + 6 * p, s), rotate(transpose(Q), eps), 1e-9 * norm6(eps)) << nn;
+        EXPECT_V6_NEAR(point6(global, 79 + 6 * p, s), eps, 1e-9 * norm6(eps))
+            << nn << " strain of point " << p;
+        EXPECT_V6_NEAR(point6(local, 79 + 6 * p, s), rotate(transpose(Q), eps), 1e-9 * norm6(eps))
+            << nn;
       }
     }
   }
 }
 
 TEST(SolidTime, OversizedOrMissingRecordsAreBoundFailuresOrZeros) {
-  for (auto [ndof, nr, name] : {std::tuple{49, 30, "LM subscript 49 bound 1:48"},
-                                std::tuple{12, 79, "STRS subscript 79 bound 1:78"}, std::tuple{0, 0, ""}}) {
+  for (auto [ndof, nr, name] :
+       {std::tuple{49, 30, "LM subscript 49 bound 1:48"},
+        std::tuple{12, 79, "STRS subscript 79 bound 1:78"}, std::tuple{0, 0, ""}}) {
     ArchiveFixture a;
     SolidModel model;
     model.materials = {Material{}};
