@@ -1,5 +1,5 @@
 // The plate result kit: strains of the general section, fibre and force
-// rows, extrapolation to the nodes, turns and offsets.
+// rows, extrapolation to the nodes.
 #include "plate/plate_results.hpp"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,6 @@
 #include <cmath>
 #include <functional>
 
-#include "plane/panel_turns.hpp"
 #include "plate/dkt.hpp"
 #include "plate/plate_section.hpp"
 #include "recovery/point_extrapolation.hpp"
@@ -118,80 +117,6 @@ TEST(Extrapolation, LinearFieldsAreExact) {
   const double tri4_nodes[4][2] = {{1. / 3, 1. / 3}, {0, 0}, {1, 0}, {0, 1}};
   check(
       "TRTONO_3", [](VecRef<double> v) { TRTONO_3(v, 6, 8); }, 25, 8, 4, tri4, 4, tri4_nodes);
-}
-
-// Turning results to the user's axes by an angle and back changes nothing;
-// a quarter turn exchanges the two directions; element and panel turns of
-// force triples undo each other.
-TEST(PlateTurns, RoundTripsAndQuarterTurn) {
-  double sig[134], ref[134];
-  for (int k = 0; k < 134; ++k) ref[k] = sig[k] = std::cos(0.37 * k + 1.0);
-  VecRef<double> SIG(sig, 134, "SIG");
-  TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(4, 33.0, SIG);
-  TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(4, -33.0, SIG);
-  for (int k = 0; k < 134; ++k) EXPECT_NEAR(sig[k], ref[k], 1e-13) << k;
-  TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(4, 90.0, SIG);
-  TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(4, 0.0009, SIG);  // below the threshold: nothing
-  for (int p = 0; p < 5; ++p) {
-    const int b = 24 + 8 * p, r = 64 + 14 * p;
-    EXPECT_NEAR(sig[b] + sig[b + 2], ref[b + 1] - ref[b + 2], 1e-13);
-    EXPECT_NEAR(sig[b + 7], ref[b + 6], 1e-13);  // xz' = yz
-    EXPECT_NEAR(sig[r + 12], ref[r + 13], 1e-13);
-  }
-  const double c = std::cos(0.4), s = std::sin(0.4);
-  double t[9] = {c, -s, 0, s * 0.6, c * 0.6, -0.8, s * 0.8, c * 0.8, 0.6};  // rows are axes
-  MatRef<double> T(t, 3, 3, "T");
-  double w[24];
-  LOCPANEL(VecRef<double>(sig, 24, "SIG"), T, 4);
-  LOCTOGLO_FOC(VecRef<double>(sig, 24, "FORCL"), VecRef<double>(w, 24, "FORC"), 24, T);
-  GLOTOLOC_FOC(VecRef<double>(w, 24, "IN"), VecRef<double>(ref, 24, "OUT"), 24, T);
-  for (int k = 0; k < 24; ++k) EXPECT_NEAR(ref[k], sig[k], 1e-14);  // the same turn as LOCPANEL
-  LOCTOGLO_FORCE(T, VecRef<double>(ref, 24, "V"), 4);
-  for (int k = 0; k < 24; ++k) EXPECT_NEAR(ref[k], w[k], 1e-14);
-}
-
-// A small rigid rotation about the origin seen at the nodes is the same
-// rotation at the offset positions.
-TEST(PlateTurns, OffsetsCarryRigidRotation) {
-  const double th[3] = {1e-3, -2e-3, 0.5e-3}, a[3] = {0.1, 0.2, -0.3};
-  const double node[3][3] = {{0, 0, 0}, {2, 0.5, 1}, {1, 3, -1}},
-               off[3][3] = {{0.1, 0, 0.3}, {0, -0.2, 0.1}, {0.5, 0.5, 0}};
-  auto motion = [&](const double* x, double* d) {
-    d[0] = a[0] + th[1] * x[2] - th[2] * x[1];
-    d[1] = a[1] + th[2] * x[0] - th[0] * x[2];
-    d[2] = a[2] + th[0] * x[1] - th[1] * x[0];
-    d[3] = th[0], d[4] = th[1], d[5] = th[2];
-  };
-  double disp[36], offset[25] = {2.0}, tr[9] = {};
-  for (int s = 0; s < 2; ++s)
-    for (int n = 0; n < 3; ++n) {
-      motion(node[n], disp + 18 * s + 6 * n);
-      for (int j = 0; j < 3; ++j) offset[3 * n + 1 + j] = off[n][j];
-    }
-  RECOV_DISP_OFFSET_TIME(MatRef<double>(disp, 18, 2, "DISP_NO"), 18, 2, 3,
-                         MatRef<double>(tr, 3, 3, "TR"), VecRef<double>(offset, 25, "OFFSET"));
-  for (int n = 0; n < 3; ++n) {
-    double x[3], d[6];
-    for (int j = 0; j < 3; ++j) x[j] = node[n][j] + off[n][j];
-    motion(x, d);
-    for (int c = 0; c < 6; ++c) EXPECT_NEAR(disp[18 + 6 * n + c], d[c], 1e-15);
-  }
-}
-
-// The linear fit through four points reproduces a plane at the nodes; four
-// coincident points give zeros.
-TEST(PlateTurns, LeastSquareFit) {
-  double xy[6] = {0, 0, 2, 0, 0.5, 1.5};
-  double pts[8] = {0.2, 1.1, 0.7, 1.3, 0.1, 0.3, 0.9, 0.6}, val[7];
-  for (int k = 0; k < 4; ++k) val[k] = 3 - 2 * pts[k] + 0.5 * pts[4 + k];
-  LEAST_SQUARE(MatRef<double>(xy, 2, 3, "XY"), VecRef<double>(pts, 8, "PTS"),
-               VecRef<double>(val, 7, "VAL"));
-  for (int i = 0; i < 3; ++i)
-    EXPECT_NEAR(val[4 + i], 3 - 2 * xy[2 * i] + 0.5 * xy[2 * i + 1], 1e-12);
-  double same[8] = {1, 1, 1, 1, 2, 2, 2, 2}, v2[7] = {1, 2, 3, 4, 9, 9, 9};
-  LEAST_SQUARE(MatRef<double>(xy, 2, 3, "XY"), VecRef<double>(same, 8, "PTS"),
-               VecRef<double>(v2, 7, "VAL"));
-  for (int i = 4; i < 7; ++i) EXPECT_EQ(v2[i], 0.0);
 }
 
 }  // namespace
