@@ -152,18 +152,11 @@ class Tool(unittest.TestCase):
                 ("history %s --type beam --item 40 --comp 5" % b, "item 40 is past the BEAM/3 section"),
                 ("history %s --type node-displacement --item 25 --comp x" % b, "node 25 is past the NDSP/3 section"),
                 ("history %s --type beam --item 1 --comp Mq-i" % b, "unknown component 'Mq-i' of beam"),
-                ("history %s --type beam --item 1 --comp 35" % b, "row 35 is not one of beam's"),
                 ("history %s --type beam --item 1 --comp corner1" % b, "is a snapshot selector here"),
-                ("history %s --type beam --item 1 --comp 5 --case 3" % b, "case 3 is not in the archive"),
                 ("history %s --type beam --item 1 --comp 5 --steps 1001" % b, "exceed the 1000 steps stored"),
-                ("history %s --type beam --item 0 --comp 5" % b, "bad item '0'"),
                 ("history %s --type beam --item 1 --comp 5 -f xml" % b, "unknown format 'xml'"),
-                ("history %s --type beam --comp 5" % b, "--item is required"),
-                ("history %s --type beam --item 1 --comp 5 --colour red" % b, "colour"),
-                ("snapshot %s --type beam --items 1-3 --comp N --step 0" % b, "--step must be"),
                 ("snapshot %s --type truss --items 3-1 --comp N --step 2" % b, "bad item range '3-1'"),
                 ("envelope %s --type node-velocity --items 1 --comp warp" % b, "one of the six components"),
-                ("history %s --type beam --item 1 --comp 5 --product D.X.K" % b, "cannot be named in a request"),
                 ("history %s --type truss --item 1 --comp N-i --absolute" % b, "node results only"),
                 ("", "subcommand is required")]:
             code, out, err = tool(args)

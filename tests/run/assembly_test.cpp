@@ -101,30 +101,17 @@ struct EveryFamily {
     };
     ArchiveWriter& w = a.writer();
     w.truss_records(3, {{lm(1, 2), 4, matrix(8, 1)}, {lm(3, 2), 4, matrix(8, 2)}});
-    BeamRecord b;
-    b.lm = lm(1, 12);
-    WallBeamRecord wb;
-    wb.lm = lm(1, 14);
-    std::vector<BeamRecord> beams;
-    std::vector<WallBeamRecord> walls;
-    for (int k = 0; k < 2; ++k) {
-      b.strs = matrix(26 * 12, k);
-      wb.strs = matrix(72 * 14, k);
-      beams.push_back(b);
-      walls.push_back(wb);
-    }
-    w.beam_records(3, beams);
-    w.wall_beam_records(3, walls);
+    w.beam_records(
+        3, {{.lm = lm(1, 12), .strs = matrix(312, 0)}, {.lm = lm(1, 12), .strs = matrix(312, 1)}});
+    w.wall_beam_records(3, {{.lm = lm(1, 14), .strs = matrix(1008, 0)},
+                            {.lm = lm(1, 14), .strs = matrix(1008, 1)}});
     std::vector<SolidRecord> solids;
-    for (int nn : {8, 6}) {
-      SolidRecord r;
-      r.lm = lm(1, 3 * nn);
-      r.nr = 24 + 6 * (nn + 1);
-      r.strs = matrix(static_cast<size_t>(r.nr * 3 * nn), nn);
-      r.nn = nn;
-      r.axes = Q;
-      solids.push_back(r);
-    }
+    for (int nn : {8, 6})
+      solids.push_back({.lm = lm(1, 3 * nn),
+                        .nr = 24 + 6 * (nn + 1),
+                        .strs = matrix(size_t(18 * nn * (nn + 5)), nn),
+                        .nn = nn,
+                        .axes = Q});
     w.solid_records(3, solids);
     // A 20-node brick and a 10-node tetrahedron over the nodes 1..30.
     std::vector<std::array<double, 3>> xyz;

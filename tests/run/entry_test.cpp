@@ -14,16 +14,11 @@ namespace {
 
 // One node with equations 1..6 whose displacement at step s is 10 e + s.
 void one_node(ArchiveFixture& a, int32_t store_code, int32_t nsteps) {
-  a.history_cases({{store_code, 1, nsteps, 0, 0}});
-  std::vector<EquationHistory> eqs(6);
-  for (int e = 1; e <= 6; ++e) {
-    for (int s = 1; s <= nsteps; ++s) {
-      eqs[e - 1].disp.push_back(10.0 * e + s);
-      eqs[e - 1].vel.push_back(0);
-      eqs[e - 1].acc.push_back(0);
-    }
-  }
-  a.direct_histories(1, eqs, nsteps);
+  std::vector<std::vector<double>> d(6);
+  for (int e = 1; e <= 6; ++e)
+    for (int s = 1; s <= nsteps; ++s) d[e - 1].push_back(10.0 * e + s);
+  a.direct_case(d);
+  a.writer().second().find(sections::THIF, 3)->put_i32(1, 0, store_code);
   a.node_records({{{1, 2, 3, 4, 5, 6}, {}}, {{4, 5, 6, 1, 2, 3}, {}}});
   a.write();
 }

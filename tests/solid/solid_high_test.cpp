@@ -48,7 +48,7 @@ struct HighModel {
     Kernel k;
     Request r = a.request(8, 1, nsteps);
     r.axis_flag = axis_flag;
-    return all_rows(k, r, nrows);
+    return history_rows(k, r, nrows);
   }
 };
 

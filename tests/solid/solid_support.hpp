@@ -1,7 +1,6 @@
 // Test support for the solid families: small vector algebra, materials,
 // displacement fields, archives of solid elements written with the writer,
-// and an element formulation of the test's own (shape functions, B matrix,
-// integration) from which the stored stress-displacement matrices are made.
+// and the natural node coordinates and placements of the shapes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -204,22 +203,18 @@ struct SolidModel {
   }
 };
 
-// Rows 1..NROWS of one item: rows[r-1][s-1].
-inline std::vector<std::vector<double>> all_rows(Kernel& k, const Request& r, int nrows) {
-  return history_rows(k, r, nrows);
-}
-
-inline V6 point6(const std::vector<std::vector<double>>& rows, int row0, int s) {
-  V6 v{};
-  for (int i = 0; i < 6; ++i)
-    v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
+// Rows ROW0.. of step S as a force triple or a point's six values.
+template <size_t N>
+std::array<double, N> point(const std::vector<std::vector<double>>& rows, int row0, int s) {
+  std::array<double, N> v{};
+  for (size_t i = 0; i < N; ++i) v[i] = rows[row0 + i - 1][static_cast<size_t>(s - 1)];
   return v;
 }
-inline V3 point3(const std::vector<std::vector<double>>& rows, int row0, int s) {
-  V3 v{};
-  for (int i = 0; i < 3; ++i)
-    v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
-  return v;
+inline V6 point6(const std::vector<std::vector<double>>& r, int row0, int s) {
+  return point<6>(r, row0, s);
+}
+inline V3 point3(const std::vector<std::vector<double>>& r, int row0, int s) {
+  return point<3>(r, row0, s);
 }
 
 inline double norm6(const V6& v) {

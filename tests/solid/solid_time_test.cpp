@@ -96,9 +96,9 @@ TEST(SolidTime, StoredMatrixTurnsExtrapolatesAndGivesStrainsOfTheMaterial) {
     const auto nat = natural_nodes(nn);
     Request r = a.request(4, 1, 2);
     r.serials = r.elements = {item};
-    const auto global = all_rows(k, r, 78 + 6 * (nn + 1));
+    const auto global = history_rows(k, r, 78 + 6 * (nn + 1));
     r.axis_flag = 0;
-    const auto local = all_rows(k, r, 78 + 6 * (nn + 1));
+    const auto local = history_rows(k, r, 78 + 6 * (nn + 1));
     for (int s = 1; s <= 2; ++s) {
       const double u = 0.5 * s;
       for (int n = 0; n < nn; ++n) {
