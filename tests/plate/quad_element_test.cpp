@@ -259,7 +259,8 @@ TEST(QuadStiffness, RigidMotionsAreInItsNullSpace) {
     }
 }
 
-// The Cholesky form of the mode condensation is the ordinary one; the
+// The Cholesky form of the mode condensation is the ordinary one, and an
+// isotropic element's condensed stiffness turns with the element; the
 // general drilling membrane with an isotropic D is the ordinary one (up to
 // its single-precision penalty factor), whose uniform drilling rotation is
 // held by the spin penalty alone: energy 0.001 E T AREA / (1 + nu) rz^2.
@@ -274,6 +275,21 @@ TEST(MembraneCondensation, GeneralFormsAreTheOrdinaryOnes) {
   for (int i = 0; i < 36; ++i) EXPECT_NEAR(w[0][i], w[1][i], 1e-12);
   for (int i = 0; i < 64; ++i)
     EXPECT_NEAR(s[0][i % 8 + 12 * (i / 8)], s[1][i % 8 + 12 * (i / 8)], 1e-9);
+  // Isotropic: the condensed stiffness turns with the element, K' = R K R'.
+  double xr[8], sr[144];
+  const double c = std::cos(0.7), sn = std::sin(0.7), r[2][2] = {{c, -sn}, {sn, c}};
+  for (int k = 0; k < 8; ++k) xr[k] = r[k % 2][0] * xy[k - k % 2] + r[k % 2][1] * xy[k - k % 2 + 1];
+  WILSON(XY, MatRef<double>(di, 3, 3, "D"), 0.1, 12, 0, MatRef<double>(s[0], 12, 12, "S"),
+         MatRef<double>(w[0], 4, 9, "W"));
+  WILSON(MatRef<double>(xr, 2, 4, "XY"), MatRef<double>(di, 3, 3, "D"), 0.1, 12, 0,
+         MatRef<double>(sr, 12, 12, "S"), MatRef<double>(w[1], 4, 9, "W"));
+  for (int i = 0; i < 64; ++i) {
+    double v = 0.0;
+    for (int a = 0; a < 4; ++a)
+      v += r[i % 2][a / 2] * s[0][i % 8 - i % 2 + a / 2 + 12 * (i / 8 - i / 8 % 2 + a % 2)] *
+           r[i / 8 % 2][a % 2];
+    EXPECT_NEAR(sr[i % 8 + 12 * (i / 8)], v, 1e-9 * kE) << i;
+  }
   Quad q(tilted());
   double s1[576] = {}, s2[576] = {};
   QUAD_WITH_DRILLING(q.ctx, XY, kE, kC, 0.25, 0.1, MatRef<double>(s1, 24, 24, "S"), 0);
