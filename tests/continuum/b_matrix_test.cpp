@@ -91,34 +91,6 @@ TEST(BMatrix, LinearFieldGivesConstantStrainInThePlane) {
   EXPECT_EQ(K.diag.messages, "");
 }
 
-// Axisymmetric: the fourth row is the hoop strain u_r / r at the point, and
-// GPCOD is the point itself.
-TEST(BMatrix, AxisymmetricHoopRow) {
-  KernelState K;
-  K.continuum.PLANE_TYPE = 2;
-  std::vector<double> cn = kQuad4;
-  for (size_t k = 0; k < cn.size(); k += 2) cn[k] += 1.0;  // keep r > 0
-  std::vector<double> u;
-  for (int32_t k = 0; k < 4; ++k)
-    for (int i = 0; i < 2; ++i) u.push_back(lin_u(i, &cn[2 * k], 2));
-  for (const P3& p : {P3{-0.57, 0.57, 0}, P3{0.2, -0.4, 0}}) {
-    const BEval e = eval_b(K, cn, 4, 2, 4, p);
-    // The bilinear map, written out.
-    const double n[4] = {(1 - p[0]) * (1 - p[1]) / 4, (1 + p[0]) * (1 - p[1]) / 4,
-                         (1 + p[0]) * (1 + p[1]) / 4, (1 - p[0]) * (1 + p[1]) / 4};
-    double x[2] = {0, 0};
-    for (int k = 0; k < 4; ++k)
-      for (int i = 0; i < 2; ++i) x[i] += n[k] * cn[2 * k + i];
-    EXPECT_NEAR(e.gpcod[0], x[0], 1e-14);
-    EXPECT_NEAR(e.gpcod[1], x[1], 1e-14);
-    const std::vector<double> s = strain(e, u);
-    EXPECT_NEAR(s[0], kGrad[0][0], 1e-14);
-    EXPECT_NEAR(s[1], kGrad[1][1], 1e-14);
-    EXPECT_NEAR(s[2], kGrad[0][1] + kGrad[1][0], 1e-14);
-    EXPECT_NEAR(s[3], lin_u(0, x, 2) / x[0], 1e-14);
-  }
-}
-
 // DET times the weights of the element's rule gives its area.
 TEST(BMatrix, DeterminantIntegratesToTheArea) {
   KernelState K;

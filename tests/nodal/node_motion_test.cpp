@@ -26,20 +26,6 @@ std::vector<double> expect_record(int x, int nsteps) {
   return v;
 }
 
-TEST(NodeMotion, DirectRecordsOfEachQuantity) {
-  ArchiveFixture a;
-  a.history_cases({{2, 1, 3, 0, 0}});
-  numbered_direct(a, 30, 3);
-  a.node_records({{{2, 3, 4, 5, 6, 7}, {}}});
-  a.write();
-  Kernel k;
-  // Equation e: displacement at record 3e, velocity 3e - 1, acceleration 3e - 2.
-  EXPECT_EQ(k.run(a.request(9, 1, 3)).values, expect_record(6, 3));
-  EXPECT_EQ(k.run(a.request(10, 1, 3)).values, expect_record(5, 3));
-  EXPECT_EQ(k.run(a.request(11, 1, 3)).values, expect_record(4, 3));
-  EXPECT_EQ(k.run(a.request(11, 6, 3)).values, expect_record(19, 3));
-}
-
 TEST(NodeMotion, SupportMotionAddressesTheDirectFileDifferently) {
   ArchiveFixture a;
   a.history_cases({{2, 1, 3, 0, 0}});

@@ -1,7 +1,6 @@
 // The small dense solvers against LAPACK and against their own algebra:
 // inverses of random matrices, the rules of the small inverses, the
-// condensation as an explicit Schur complement and the block rotation as an
-// explicit triple product.
+// condensation as an explicit Schur complement.
 #include "numeric/dense.hpp"
 
 #include <gtest/gtest.h>
@@ -150,36 +149,6 @@ TEST(Condensation, IsTheExplicitSchurComplement) {
         want -= at(j, nr + k) * g[static_cast<size_t>(nr)][static_cast<size_t>(k)];
       EXPECT_NEAR(forc[static_cast<size_t>(j)], want, 1e-13);
     }
-  }
-}
-
-// S1 := B' S1 B over its leading NDOF rows and columns, B block diagonal
-// with T; the rest of S1 stays.
-TEST(BlockRotation, IsTheExplicitTripleProduct) {
-  std::mt19937 rng(3);
-  const int n = 12;
-  const double c = std::cos(0.7), s = std::sin(0.7), cb = std::cos(-0.4), sb = std::sin(-0.4);
-  Dense t = {c, s, 0.0, -s * cb, c * cb, sb, s * sb, -c * sb, cb};
-  for (int ndof : {3, 12}) {
-    Dense s1 = random_matrix(rng, n), s2(static_cast<size_t>(n * n)),
-          b(static_cast<size_t>(n * n), 0.0);
-    for (int i = 0; i < n; ++i) b[static_cast<size_t>(i + i * n)] = 1.0;
-    for (int k = 0; k < ndof; k += 3)
-      for (int r = 0; r < 3; ++r)
-        for (int q = 0; q < 3; ++q)
-          b[static_cast<size_t>(k + r + (k + q) * n)] = t[static_cast<size_t>(r + 3 * q)];
-    const Dense s0 = s1;
-    LOCTOGLO(view(s1, n, "S1"), n, view(s2, n, "S2"), n, view(t, 3, "T"), ndof);
-    for (int j = 0; j < n; ++j)
-      for (int i = 0; i < n; ++i) {
-        double want = i < ndof && j < ndof ? 0.0 : s0[static_cast<size_t>(i + j * n)];
-        for (int p = 0; p < n && i < ndof && j < ndof; ++p)
-          for (int q = 0; q < n; ++q)
-            want += b[static_cast<size_t>(p + i * n)] * s0[static_cast<size_t>(p + q * n)] *
-                    b[static_cast<size_t>(q + j * n)];
-        EXPECT_NEAR(s1[static_cast<size_t>(i + j * n)], want, 1e-13)
-            << ndof << " (" << i << "," << j << ")";
-      }
   }
 }
 
