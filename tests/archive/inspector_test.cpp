@@ -1,6 +1,5 @@
 // The archive inspector against the writer: what the typed writers lay
-// down is listed back section by section in both directory forms, and a
-// missing or broken file is told apart with its reason.
+// down is listed back section by section in both directory forms.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -60,30 +59,6 @@ TEST(Inspector, ListsWhatTheWriterWrote) {
     ASSERT_NE(dmed, nullptr);
     EXPECT_EQ(dmed->records(), 6);  // three per equation
   }
-}
-
-TEST(Inspector, TellsMissingFromBroken) {
-  TempDir dir;
-  const std::string base = dir.file("model");
-  ArchiveWriter w(base);
-  w.history_cases({{2, 1, 10, 0, 0}});
-  w.direct_histories(1, std::vector<EquationHistory>(20), 10);
-  w.write();  // no first file
-
-  const ArchiveInspection a = inspect_archive(base, "P.R.W");
-  const FileInspection* first = a.file(ArchiveFileKind::First);
-  ASSERT_NE(first, nullptr);
-  EXPECT_FALSE(first->exists);
-  EXPECT_NE(first->problem.find("cannot read the file"), std::string::npos) << first->problem;
-  EXPECT_TRUE(a.file(ArchiveFileKind::Second)->sound());
-
-  // A direct file cut short: its section needs bytes the file does not hold.
-  std::filesystem::resize_file(base + ".PAT1", 2000);
-  const FileInspection cut = inspect_file(base + ".PAT1");
-  EXPECT_TRUE(cut.exists);
-  EXPECT_NE(cut.problem.find("section DMED/1 needs"), std::string::npos) << cut.problem;
-  EXPECT_NE(cut.problem.find("the file holds 2000"), std::string::npos) << cut.problem;
-  EXPECT_THROW(inspect_archive(base, "X.Y.Z"), std::invalid_argument);
 }
 
 }  // namespace

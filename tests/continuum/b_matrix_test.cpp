@@ -123,37 +123,5 @@ TEST(BMatrix, ZeroDeterminantWritesTheShapeMessage) {
   EXPECT_TRUE(K.diag.output_lines.empty());
 }
 
-// Nodeless columns: mapped with the centre Jacobian. On a parallelogram the
-// Jacobian is the same everywhere, so the derivatives of 1 - xi^2 and
-// 1 - eta^2 follow from the inverse of the affine map.
-TEST(BMatrix, BubbleColumnsUseTheCentreJacobian) {
-  KernelState K;
-  // x = 2 xi + 0.5 eta + 3, y = 0.4 xi + 1.5 eta - 1.
-  const double a = 2.0, b = 0.5, c = 0.4, d = 1.5;
-  std::vector<double> cn;
-  for (auto [xi, eta] : {std::pair{-1.0, -1.0}, {1.0, -1.0}, {1.0, 1.0}, {-1.0, 1.0}}) {
-    cn.push_back(a * xi + b * eta + 3.0);
-    cn.push_back(c * xi + d * eta - 1.0);
-  }
-  const double xi = 0.3, eta = -0.6;
-  const BEval e = eval_b(K, cn, 4, 2, 3, {xi, eta, 0}, 1);
-  // d(xi)/dx etc. from the inverse of [[a, b], [c, d]].
-  const double det = a * d - b * c;
-  const double dxi_dx = d / det, dxi_dy = -b / det, deta_dx = -c / det, deta_dy = a / det;
-  EXPECT_NEAR(e.cartd[0 + 2 * 4], -2 * xi * dxi_dx, 1e-14);
-  EXPECT_NEAR(e.cartd[1 + 2 * 4], -2 * xi * dxi_dy, 1e-14);
-  EXPECT_NEAR(e.cartd[0 + 2 * 5], -2 * eta * deta_dx, 1e-14);
-  EXPECT_NEAR(e.cartd[1 + 2 * 5], -2 * eta * deta_dy, 1e-14);
-  // B carries the two extra columns of each mode.
-  EXPECT_NEAR(e.b[0 + 3 * 8], e.cartd[0 + 2 * 4], 1e-15);
-  EXPECT_NEAR(e.b[1 + 3 * 11], e.cartd[1 + 2 * 5], 1e-15);
-  EXPECT_NEAR(e.b[2 + 3 * 10], e.cartd[1 + 2 * 5], 1e-15);
-
-  // Without bubbles those columns of B stay as they were.
-  const BEval plain = eval_b(K, cn, 4, 2, 3, {xi, eta, 0}, 0);
-  for (int j = 8; j < 12; ++j)
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(plain.b[i + 3 * j], 77.0);
-}
-
 }  // namespace
 }  // namespace respcore

@@ -1,6 +1,5 @@
-// The small dense solvers against LAPACK and against their own algebra:
-// inverses of random matrices, the rules of the small inverses, the
-// condensation as an explicit Schur complement.
+// The inverse against LAPACK on random matrices, and the rules of the small
+// inverses.
 #include "numeric/dense.hpp"
 
 #include <gtest/gtest.h>
@@ -105,51 +104,6 @@ TEST(Inverse, NonPositiveDeterminantOfTwoAndThreeStopsTheRun) {
   Dense nan = {std::nan(""), 0.0, 0.0, 1.0};
   double det = 0.0;
   EXPECT_NO_THROW(INVERSE2X2(K.diag, view(nan, 2, "A_INV"), det));
-}
-
-TEST(Condensation, IsTheExplicitSchurComplement) {
-  std::mt19937 rng(99);
-  const int nt = 9;
-  for (int nc = 1; nc <= 5; ++nc) {
-    const int nr = nt - nc;
-    Dense st0 = random_matrix(rng, nt, true), forc0(nt);
-    for (int i = 0; i < nt; ++i) forc0[static_cast<size_t>(i)] = std::sin(1.0 + i);
-    auto at = [&](int i, int j) { return st0[static_cast<size_t>(i + j * nt)]; };
-    Dense kcc(static_cast<size_t>(nc * nc));
-    for (int j = 0; j < nc; ++j)
-      for (int i = 0; i < nc; ++i) kcc[static_cast<size_t>(i + j * nc)] = at(nr + i, nr + j);
-    const Dense kinv = lapack_inverse(kcc, nc);
-    // g(:, c) = inv(Kcc) Kcr(:, c), and inv(Kcc) Fc in the last column.
-    std::vector<Dense> g(static_cast<size_t>(nr + 1), Dense(static_cast<size_t>(nc), 0.0));
-    for (int c = 0; c <= nr; ++c)
-      for (int i = 0; i < nc; ++i)
-        for (int k = 0; k < nc; ++k)
-          g[static_cast<size_t>(c)][static_cast<size_t>(i)] +=
-              kinv[static_cast<size_t>(i + k * nc)] *
-              (c < nr ? at(nr + k, c) : forc0[static_cast<size_t>(nr + k)]);
-    Dense st = st0, forc = forc0, work(static_cast<size_t>(nc * nc)),
-          work1(static_cast<size_t>(nc * (nr + 1)));
-    STCOND(nt, nc, view(st, nt, "ST"), VecRef<double>(forc.data(), nt, "FORC"),
-           MatRef<double>(work.data(), nc, nc, "WORK"),
-           MatRef<double>(work1.data(), nc, nr + 1, "WORK1"), 0);
-    for (int c = 0; c <= nr; ++c)
-      for (int i = 0; i < nc; ++i)
-        EXPECT_NEAR(work1[static_cast<size_t>(i + c * nc)],
-                    g[static_cast<size_t>(c)][static_cast<size_t>(i)], 1e-13);
-    for (int j = 0; j < nr; ++j) {
-      for (int i = 0; i < nr; ++i) {
-        double want = at(i, j);
-        for (int k = 0; k < nc; ++k)
-          want -= at(i, nr + k) * g[static_cast<size_t>(j)][static_cast<size_t>(k)];
-        EXPECT_NEAR(st[static_cast<size_t>(i + j * nt)], want, 1e-13)
-            << nc << " (" << i << "," << j << ")";
-      }
-      double want = forc0[static_cast<size_t>(j)];
-      for (int k = 0; k < nc; ++k)
-        want -= at(j, nr + k) * g[static_cast<size_t>(nr)][static_cast<size_t>(k)];
-      EXPECT_NEAR(forc[static_cast<size_t>(j)], want, 1e-13);
-    }
-  }
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The plate section matrices: the turn of an in-plane stiffness against the
 // laminate formulas, the material-to-element rotations, and the matrices of
-// orthotropic and scaled sections turned into element axes.
+// an orthotropic section turned into element axes.
 #include "plate/constitutive.hpp"
 
 #include <gtest/gtest.h>
@@ -112,25 +112,6 @@ TEST(PlateConstitutive, OrthotropicSectionTurnsIntoElementAxes) {
   EXPECT_EQ(r.shearmod, g12);
   EXPECT_NEAR(r.d2_mean, (q11 + q22) / 2.0, 1e-9);
   EXPECT_EQ(r.ds_mean, (g13 + g23) / 2.0);
-}
-
-// A scaled section is rebuilt from its factors, then turned: membrane
-// without Poisson coupling and with the shear modulus E/2, bending with the
-// material's ratio, shear from the first modulus in both directions.
-TEST(PlateConstitutive, ScaledSectionIsRebuiltThenTurned) {
-  const double e = 1000.0, nu = 0.25, g13 = 300.0, theta = 0.3;
-  Material m;
-  m.orthotropic(e, nu, e, 350.0, g13, 200.0, 1.0, 1.0);
-  m.K.plate.SCALE_FLAG = 1;
-  const double f[8] = {2.0, 1.0, 1.5, 1.0, 1.0, 1.0, 0.5, 2.0};
-  std::copy(f, f + 8, m.K.plate.SCALE_FACTOR);
-  m.K.plate.SECT_ANGLE = theta;
-  const MaterStf r = mater_stf(m);
-  expect_near(r.d1, rotated(2.0 * e, 0.0, e, 0.5 * e * 1.5, theta), 1e-14);
-  EXPECT_EQ(r.shearmod, 0.5 * e * 1.5);
-  const double d11 = e / (1.0 - nu * nu);
-  expect_near(r.d2, rotated(d11, nu * d11, d11, 0.5 * e, theta), 1e-14);
-  expect_near(r.ds, rotated_shear(0.5 * g13, 2.0 * g13, theta), 1e-12);
 }
 
 }  // namespace

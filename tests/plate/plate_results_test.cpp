@@ -59,23 +59,6 @@ TEST(PlateStrain, FibreStrainsInvertFibreStresses) {
   }
 }
 
-// With a fibre factor the three-value force rule gives moments of zero,
-// signed as -(bending stress * factor); without one, -t^2/6 times the stress.
-TEST(PlateStrain, MixStressMomentSigns) {
-  double S[8] = {1, 2, 3, 5.0, -4.0, 0.0, 7, 8}, R[14], thk[1] = {0.3};
-  MIX_STRESS(VecRef<double>(S, 8, "S"), VecRef<double>(R, 14, "R"), 0, 0.5, -0.5,
-             VecRef<double>(thk, 1, "THK"));
-  EXPECT_EQ(R[9], 0.0);
-  EXPECT_TRUE(std::signbit(R[9]));
-  EXPECT_FALSE(std::signbit(R[10]));
-  EXPECT_TRUE(std::signbit(R[11]));
-  EXPECT_EQ(R[12], 8 * 0.3);
-  EXPECT_EQ(R[0], 1 + 5.0);
-  MIX_STRESS(VecRef<double>(S, 8, "S"), VecRef<double>(R, 14, "R"), 0, 0.0, -0.5,
-             VecRef<double>(thk, 1, "THK"));
-  EXPECT_DOUBLE_EQ(R[9], -0.09 * 5.0 / 6);
-}
-
 // Values of a linear field at the sampling points become its values at the
 // corners and midsides.
 TEST(Extrapolation, LinearFieldsAreExact) {

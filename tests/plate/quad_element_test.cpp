@@ -1,7 +1,7 @@
 // One plate quadrilateral at a time: stresses of fields whose answer is known
-// (rigid motion, constant strain and curvature, pure in-plane bending, the
-// side shear law, the warp rows), the stiffness's null space, the two
-// condensations and the message trace.
+// (rigid motion, constant strain and curvature, the side shear law, the warp
+// rows), the general routines against the ordinary ones, the stiffness's
+// null space and the membrane's condensations.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -132,29 +132,6 @@ TEST_P(QuadFields, RigidMotionIsFreeAndConstantFieldsAreExact) {
 
 INSTANTIATE_TEST_SUITE_P(Quad, QuadFields,
                          ::testing::Combine(::testing::Values(0, 1), ::testing::Values(0, 1)));
-
-// u = k x y, v = -k (x^2 + nu y^2)/2 about the centre of a parallelogram
-// with sides along x: the incompatible modes carry it exactly, sx = E k y,
-// sy = txy = 0.
-TEST(QuadModes, PureInPlaneBendingIsExactWithTheModes) {
-  const double g[12] = {0, 0, 0, 3, 0, 0, 3.6, 1, 0, 0.6, 1, 0}, kb = 1e-3;
-  for (int routine : {0, 2}) {
-    Quad q(g);
-    double d[24] = {};
-    for (int n = 0; n < 4; ++n) {
-      const double x = q.loc[n][0] - 1.8, y = q.loc[n][1] - 0.5;
-      d[6 * n] = kb * x * y;
-      d[6 * n + 1] = -kb * (x * x + 0.25 * y * y) / 2;
-    }
-    q.stress(routine, 0, d, 1, 0, ordinary_section());
-    for (int p = 1; p < 5; ++p) {
-      const double y = (p < 3 ? -0.5 : 0.5) / std::sqrt(3.0);
-      EXPECT_NEAR(q.st[8 * p], kE * kb * y, 1e-12);
-      EXPECT_NEAR(q.st[8 * p + 1], 0.0, 1e-12);
-      EXPECT_NEAR(q.st[8 * p + 2], 0.0, 1e-12);
-    }
-  }
-}
 
 // Kinds 0-3: with the ordinary section the general routines are the
 // ordinary ones (thick or thin, either membrane), flat or warped. Kind 4:

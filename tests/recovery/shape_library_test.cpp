@@ -1,4 +1,4 @@
-// The recovery weights of every shape: from the values at the Gauss points
+// The recovery weights of every solid shape: from the values at the Gauss points
 // (worked out here from each rule) to the centre and the nodes, they sum to
 // one and carry the fields of their interpolation spaces exactly.
 #include "recovery/shape_library.hpp"
@@ -20,6 +20,12 @@ using Pts = std::vector<P3>;
 
 const double kG2 = 1.0 / std::sqrt(3.0), kG3 = std::sqrt(0.6);
 
+Pts scaled_nodes(double f) {
+  Pts p = natural_nodes(8);
+  for (P3& x : p)
+    for (double& v : x) v *= f;
+  return p;
+}
 // The n-point Gauss grid over one to three directions, x fastest.
 Pts grid(int n, int dims) {
   const std::vector<double> x =
@@ -30,13 +36,8 @@ Pts grid(int n, int dims) {
       for (int i = 0; i < n; ++i) p.push_back({x[i], dims > 1 ? x[j] : 0.0, dims > 2 ? x[l] : 0.0});
   return p;
 }
-// The 2 x 2 (x 2) points in corner order.
-Pts corners(int dims) {
-  Pts p;
-  for (const P3& c : natural_nodes(8))
-    if (dims == 3 || c[2] < 0) p.push_back({c[0] * kG2, c[1] * kG2, dims == 3 ? c[2] * kG2 : 0.0});
-  return p;
-}
+// The 2 x 2 x 2 points in corner order.
+Pts corners() { return scaled_nodes(kG2); }
 Pts wedge(std::vector<double> zs) {
   Pts p;
   for (double z : zs)
@@ -67,8 +68,6 @@ Pts with_centre(P3 centre, const Pts& nodes) {
   p.insert(p.end(), nodes.begin(), nodes.end());
   return p;
 }
-const Pts kQuad8 = {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0},
-                    {0, -1, 0},  {1, 0, 0},  {0, 1, 0}, {-1, 0, 0}};
 
 struct Family {
   std::string name;
@@ -77,28 +76,17 @@ struct Family {
 };
 
 std::vector<Family> families() {
-  const Pts quad4(kQuad8.begin(), kQuad8.begin() + 4);
   const P3 o = {0, 0, 0};
   const double a = 0.1381966, b = 0.5854102;
   return {
-      {"LINE_SHAPE_2NODE", LINE_SHAPE_2NODE, grid(2, 1), {o, {1, 0, 0}, o}},
-      {"PLANE_SHAPE_4NODES", PLANE_SHAPE_4NODES, corners(2), with_centre(o, quad4)},
-      {"PLANE_SHAPE_8NODES_REDUCED", PLANE_SHAPE_8NODES_REDUCED, corners(2),
-       with_centre(o, kQuad8)},
-      {"PLANE_SHAPE_6NODES",
-       PLANE_SHAPE_6NODES,
-       wedge({0}),
-       {{1. / 3, 1. / 3, 0}, o, {1, 0, 0}, {0, 1, 0}, {.5, 0, 0}, {.5, .5, 0}, {0, .5, 0}}},
-      {"PLANE_SHAPE_8NODES_LINEAR", PLANE_SHAPE_8NODES_LINEAR, grid(3, 2), with_centre(o, kQuad8)},
-      {"PLANE_SHAPE_8NODES", PLANE_SHAPE_8NODES, grid(3, 2), with_centre(o, kQuad8)},
-      {"SOLID_SHAPE_8NODES", SOLID_SHAPE_8NODES, corners(3), with_centre(o, natural_nodes(8))},
+      {"SOLID_SHAPE_8NODES", SOLID_SHAPE_8NODES, corners(), with_centre(o, natural_nodes(8))},
       {"SOLID_SHAPE_10NODES",
        SOLID_SHAPE_10NODES,
        {{a, a, a}, {b, a, a}, {a, b, a}, {a, a, b}},
        with_centre({.25, .25, .25}, natural_nodes(10))},
       {"SOLID_SHAPE_6NODES", SOLID_SHAPE_6NODES, wedge({-kG2, kG2}),
        with_centre({1. / 3, 1. / 3, 0}, natural_nodes(6))},
-      {"SOLID_SHAPE_5NODES", SOLID_SHAPE_5NODES, pyramid(scaled(corners(3), 1 / kG2)),
+      {"SOLID_SHAPE_5NODES", SOLID_SHAPE_5NODES, pyramid(natural_nodes(8)),
        with_centre({0, 0, .25}, natural_nodes(5))},
       {"SOLID_SHAPE_15NODES_LINEAR", SOLID_SHAPE_15NODES_LINEAR, wedge({-kG3, 0, kG3}),
        with_centre({1. / 3, 1. / 3, 0}, natural_nodes(15))},
@@ -137,15 +125,8 @@ TEST(ShapeLibrary, OddConstantsKeepTheirStoredBits) {
 // forms the serendipity fields.
 TEST(ShapeLibrary, WeightsReproduceTheFieldsOfTheirSpaces) {
   const std::map<std::string, std::function<double(const P3&)>> higher = {
-      {"PLANE_SHAPE_8NODES_LINEAR",
-       [](const P3& p) { return 1.0 + p[0] - 2.0 * p[1] + 0.5 * p[0] * p[1]; }},
       {"SOLID_SHAPE_20NODES_LINEAR",
        [](const P3& p) { return 1.0 + p[0] * p[1] - p[1] * p[2] + 2.0 * p[0] * p[1] * p[2]; }},
-      {"PLANE_SHAPE_8NODES",
-       [](const P3& p) {
-         return p[0] * p[0] - p[0] * p[1] + 2.0 * p[1] * p[1] + p[0] * p[0] * p[1] -
-                p[0] * p[1] * p[1];
-       }},
       {"SOLID_SHAPE_20NODES",
        [](const P3& p) {
          return p[0] * p[0] - p[1] * p[2] + 3.0 * p[2] * p[2] + p[0] * p[0] * p[2] -

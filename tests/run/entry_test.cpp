@@ -49,25 +49,6 @@ TEST(Entry, ElementFormTwoReadsSerialFourExceptUnderTwoTags) {
   }
 }
 
-TEST(Entry, FamiliesOutsideTheTableCallNothing) {
-  ArchiveFixture a;
-  one_node(a, 2, 3);
-  Kernel k;
-  for (int32_t type : {0, 15}) {
-    auto q = a.request(type, 1, 3);
-    EXPECT_EQ(k.run(q).values, (std::vector<double>{0, 0, 0}));
-    q.request_mode = 3;
-    EXPECT_EQ(k.run(q).values, std::vector<double>(12, 0.0));
-    // A snapshot copies nothing: the caller's array stays as it was.
-    std::vector<double> out = {-1, -1};
-    const int32_t serial = 1, node = 1;
-    ASSERT_EQ(k.request(a.base().c_str(), static_cast<int32_t>(a.base().size()), type, 1, 1, 1, 1,
-                        1, 2, 1, 0, out.data(), &serial, &node, 1),
-              0);
-    EXPECT_EQ(out, (std::vector<double>{-1, -1}));
-  }
-}
-
 TEST(Entry, NameLengthIsCheckedAndCut) {
   Kernel k;
   std::string name(1025, 'x');
