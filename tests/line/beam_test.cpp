@@ -63,21 +63,15 @@ std::vector<double> equations(int n) {
 }
 
 BeamRecord beam() {
-  BeamRecord r;
-  r.lm = equations(12);
-  r.strs = matrix(26, 12, 12, {{13, 19, 1}, {20, 26, 4}});
-  return r;
+  return {.lm = equations(12), .strs = matrix(26, 12, 12, {{13, 19, 1}, {20, 26, 4}})};
 }
-
 WallBeamRecord wall_beam() {
-  WallBeamRecord r;
-  r.lm = equations(14);
-  r.strs = matrix(72, 14, 18, {{19, 25, 1}, {26, 32, 4}, {33, 52, 1}});
-  r.node_i = 31;
-  r.node_j = 32;
-  r.a = 3.0;
-  r.b = 5.0;
-  return r;
+  return {.lm = equations(14),
+          .strs = matrix(72, 14, 18, {{19, 25, 1}, {26, 32, 4}, {33, 52, 1}}),
+          .node_i = 31,
+          .node_j = 32,
+          .a = 3.0,
+          .b = 5.0};
 }
 
 // Rows 1..35 of item SERIAL of family TYPE (13 beam, 14 wall beam).

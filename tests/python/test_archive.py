@@ -75,7 +75,6 @@ def test_errors_name_their_cause_and_print_nothing(demo, tmp_path, capfd):
                           (lambda: a.history("beam", 1, "My"), "is a snapshot selector here"),
                           (lambda: a.snapshot("beam", [1, 40], "My", 3), "item 40 is past the BEAM/3 section"),
                           (lambda: a.history("beam", 1, 5, steps=1001), "exceed the 1000 steps"),
-                          (lambda: a.history("beam", 1, 5, relative_to=3), "node results only"),
                           (lambda: a.envelope("node-velocity", 1, "warp"), "six components")]:
         with pytest.raises(ValueError, match=message):
             call()
@@ -93,19 +92,3 @@ def test_two_threads_with_two_archives_give_the_serial_results(demo):
     for k in (0, 1):
         for got, want in zip(halves[k], serial[k::2]):
             np.testing.assert_array_equal(got, want)
-
-
-def test_sections_list_every_file_as_it_stands(demo, tmp_path):
-    for ext in (".PA1", ".PA2", ".PAT2"):
-        shutil.copy(demo + ext, tmp_path / ("frame" + ext))
-    a = respcore.Archive(str(tmp_path / "frame"))
-    files = a.sections()
-    assert [f.role for f in files] == ["first file", "second file", "direct file 2"]
-    assert all(f.exists and f.problem == "" and f.form == "plain" for f in files)
-    second = {(s.tag, s.serial): s for s in files[1].sections}
-    for family in ("beam", "truss", "node-displacement"):
-        s = second[(respcore.family(family).section, 3)]
-        assert s.records == a.records(family) == s.last - s.first + 1
-    with open(tmp_path / "frame.PAT2", "r+b") as f:
-        f.truncate(1000)
-    assert "the file holds 1000" in a.sections()[2].problem

@@ -49,66 +49,47 @@ TEST(Entry, ElementFormTwoReadsSerialFourExceptUnderTwoTags) {
   }
 }
 
+// The name's length is cut to 0..1024 with a bound failure; a name that
+// names nothing gives the opening error line and zeros.
 TEST(Entry, NameLengthIsCheckedAndCut) {
   Kernel k;
   std::string name(1025, 'x');
   std::vector<double> out(2, -1.0);
-  const int32_t one = 1;
-  ::testing::internal::CaptureStderr();
-  ::testing::internal::CaptureStdout();
-  k.request(name.data(), 1025, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
-  const std::string out_lines = ::testing::internal::GetCapturedStdout();
-  const std::string err = ::testing::internal::GetCapturedStderr();
+  auto run = [&](int32_t len) {
+    const int32_t one = 1;
+    ::testing::internal::CaptureStderr();
+    ::testing::internal::CaptureStdout();
+    k.request(name.data(), len, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
+    const std::string lines = ::testing::internal::GetCapturedStdout();
+    return std::pair{lines, ::testing::internal::GetCapturedStderr()};
+  };
+  const auto [lines, err] = run(1025);
   EXPECT_NE(err.find("array bound exceeded: K_FNAME subscript 1025 bound 1:1024"),
             std::string::npos);
   EXPECT_EQ(k.state().archive.FNAME_LEN, 1024);
-  // No such archive: error lines, and zeros.
-  EXPECT_NE(out_lines.find("   OPENING ERROR READ-F IN RESP CORE \n"), std::string::npos);
+  EXPECT_NE(lines.find("   OPENING ERROR READ-F IN RESP CORE \n"), std::string::npos);
   EXPECT_EQ(out, (std::vector<double>{0, 0}));
-
-  ::testing::internal::CaptureStderr();
-  ::testing::internal::CaptureStdout();
-  k.request(name.data(), 1024, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
-  ::testing::internal::GetCapturedStdout();
-  EXPECT_EQ(::testing::internal::GetCapturedStderr().find("K_FNAME"), std::string::npos);
-  ::testing::internal::CaptureStderr();
-  ::testing::internal::CaptureStdout();
-  k.request(name.data(), -3, 9, 1, 1, 2, 1, 1, 1, 1, 0, out.data(), &one, &one, 1);
-  ::testing::internal::GetCapturedStdout();
-  EXPECT_NE(::testing::internal::GetCapturedStderr().find("K_FNAME subscript -3"),
-            std::string::npos);
+  EXPECT_EQ(run(1024).second.find("K_FNAME"), std::string::npos);
+  EXPECT_NE(run(-3).second.find("K_FNAME subscript -3"), std::string::npos);
   EXPECT_EQ(k.state().archive.FNAME_LEN, 0);
 }
 
-TEST(Entry, ProductTagPersistsForUnknownIndices) {
+// An index outside 1..8 keeps the kernel's product tag; a fresh kernel has
+// none, and its names no extension.
+TEST(Entry, ProductTagPersistsForUnknownIndicesWithinAKernel) {
   ArchiveFixture a("Y.J.P");
   one_node(a, 2, 2);
-  Kernel k;
+  Kernel k, fresh;
   auto q = a.request(9, 1, 2);
   q.product_index = 2;
   EXPECT_EQ(k.run(q).values, (std::vector<double>{11, 12}));
-  q.product_index = 0;  // keeps "Y.J.P"
-  auto r = k.run(q);
+  q.product_index = 0;
+  const Result r = k.run(q);
   EXPECT_EQ(r.values, (std::vector<double>{11, 12}));
   EXPECT_TRUE(r.output_lines.empty());
+  EXPECT_EQ(fresh.run(q).values, (std::vector<double>{0, 0}));
   q.product_index = 1;  // "P.R.W": no such files
-  r = k.run(q);
-  EXPECT_EQ(r.values, (std::vector<double>{0, 0}));
-  EXPECT_FALSE(r.output_lines.empty());
-}
-
-TEST(Entry, KernelsDoNotShareState) {
-  ArchiveFixture a("Y.J.P");
-  one_node(a, 2, 2);
-  Kernel k1, k2;
-  auto q = a.request(9, 1, 2);
-  q.product_index = 2;
-  k1.run(q);
-  q.product_index = 0;
-  EXPECT_EQ(k1.run(q).values, (std::vector<double>{11, 12}));
-  // A fresh kernel has no tag yet: the names have no extension.
-  auto r = k2.run(q);
-  EXPECT_EQ(r.values, (std::vector<double>{0, 0}));
+  EXPECT_FALSE(k.run(q).output_lines.empty());
 }
 
 using EntryFn = decltype(&respcore_request);
