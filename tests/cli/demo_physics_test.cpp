@@ -20,9 +20,10 @@ namespace {
 using demo::Member;
 using demo::Role;
 
+// The demo's frame without damping, written once.
 struct DemoArchive {
-  explicit DemoArchive(double damping) {
-    opt.damping = damping;
+  DemoArchive() {
+    opt.damping = 0.0;
     summary = demo::write_demo_archive(dir.file("out"), opt);
     model = demo::build_frame(opt);
   }
@@ -31,45 +32,34 @@ struct DemoArchive {
   demo::DemoSummary summary;
   demo::FrameModel model;
 };
-
-// The demo as shipped (2 % damping) and without damping, written once.
-const DemoArchive& shipped() {
-  static const DemoArchive a(demo::DemoOptions{}.damping);
-  return a;
-}
 const DemoArchive& undamped() {
-  static const DemoArchive a(0.0);
+  static const DemoArchive a;
   return a;
 }
 
-// Global axes; ITEMS (serial, number) at STEP (REQUEST_MODE 2), or one item
-// over all steps with the node motion STEP_NO selects.
-std::vector<double> run(Kernel& k, const DemoArchive& a, int type, int comp, int hist_case,
-                        const std::vector<std::pair<int, int>>& items, int step_no = 1,
-                        int mode = 1) {
+// One item over all steps, global axes, with the node motion STEP_NO selects.
+std::vector<double> history(Kernel& k, int type, int serial, int number, int comp, int hist_case,
+                            int step_no = 1) {
   Request r;
-  r.base = a.summary.base;
+  r.base = undamped().summary.base;
   r.elem_type = type;
   r.result_comp = comp;
   r.hist_case = hist_case;
-  r.num_steps = mode == 1 ? a.summary.steps : 1;
-  r.num_items = static_cast<int32_t>(items.size());
+  r.num_steps = undamped().summary.steps;
   r.step_no = step_no;
-  r.request_mode = mode;
-  for (const auto& [serial, number] : items)
-    r.serials.push_back(serial), r.elements.push_back(number);
+  r.serials = {serial};
+  r.elements = {number};
   Result res = k.run(r);
   EXPECT_EQ(res.status, 0);
   EXPECT_TRUE(res.output_lines.empty());
   return res.values;
 }
-std::vector<double> node_history(Kernel& k, const DemoArchive& a, int type, int node, int comp,
-                                 int hist_case, int step_no = 1) {
-  return run(k, a, type, comp, hist_case, {{node, node}}, step_no);
+std::vector<double> node_history(Kernel& k, int type, int node, int comp, int hist_case,
+                                 int step_no = 1) {
+  return history(k, type, node, node, comp, hist_case, step_no);
 }
-std::vector<double> element_history(Kernel& k, const DemoArchive& a, const Member& m, int row,
-                                    int hist_case) {
-  return run(k, a, m.elem_type, row, hist_case, {{m.serial, m.number}});
+std::vector<double> element_history(Kernel& k, const Member& m, int row, int hist_case) {
+  return history(k, m.elem_type, m.serial, m.number, row, hist_case);
 }
 
 double peak(const std::vector<double>& v) {
@@ -89,12 +79,12 @@ TEST(DemoPhysics, UndampedBaseShearBalancesInertiaForcesAtEveryStep) {
         ASSERT_EQ(a.model.node(m.node_i).level, 0);
         ASSERT_DOUBLE_EQ(m.axes[1][0], 1.0);  // local y along X
         ASSERT_DOUBLE_EQ(m.axes[2][1], 1.0);  // local z along Y
-        const auto v = element_history(k, a, m, dir == 0 ? 2 : 3, hist_case);
+        const auto v = element_history(k, m, dir == 0 ? 2 : 3, hist_case);
         for (size_t s = 0; s < v.size(); ++s) shear[s] += v[s];
       }
       for (const demo::Node& n : a.model.nodes) {
         if (n.fixed) continue;
-        const auto acc = node_history(k, a, 11, n.number, dir + 1, hist_case, 2);
+        const auto acc = node_history(k, 11, n.number, dir + 1, hist_case, 2);
         for (size_t s = 0; s < acc.size(); ++s) inertia[s] -= n.mass * acc[s];
       }
       const double scale = peak(inertia);
@@ -111,11 +101,11 @@ TEST(DemoPhysics, UndampedBaseShearBalancesInertiaForcesAtEveryStep) {
 // displacement and an acceleration that of the velocity; a bending stress
 // named for Mz is Mz times a section factor, one named for My My times one.
 TEST(DemoPhysics, ComponentNamesMeanWhatTheySay) {
-  const DemoArchive& a = shipped();
+  const DemoArchive& a = undamped();
   Kernel k;
   auto by_name = [&](const char* family, int item, const char* comp) {
     const cli::Family& f = cli::family_of(family);
-    return node_history(k, a, f.elem_type, item, cli::resolve_row(f, comp).number, 2);
+    return node_history(k, f.elem_type, item, cli::resolve_row(f, comp).number, 2);
   };
   const int roof = a.model.nodes.back().number;
   const double h = a.summary.dt;
@@ -128,8 +118,8 @@ TEST(DemoPhysics, ComponentNamesMeanWhatTheySay) {
   const Member& column = a.model.members.front();
   for (const auto& [stress, moment] : {std::pair{"sMz1-i", "Mz-i"}, {"sMy1-i", "My-i"}}) {
     const cli::Family& beam = cli::family_of("beam");
-    const auto sv = element_history(k, a, column, cli::resolve_row(beam, stress).number, 2);
-    const auto mv = element_history(k, a, column, cli::resolve_row(beam, moment).number, 2);
+    const auto sv = element_history(k, column, cli::resolve_row(beam, stress).number, 2);
+    const auto mv = element_history(k, column, cli::resolve_row(beam, moment).number, 2);
     const double factor = sv[530] / mv[530];
     for (size_t s = 0; s < sv.size(); ++s)
       if (std::abs(mv[s]) > 0.1 * peak(mv)) {

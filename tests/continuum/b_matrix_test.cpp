@@ -110,18 +110,5 @@ TEST(BMatrix, DeterminantIntegratesToTheArea) {
   EXPECT_NEAR(sum, area, 1e-13);
 }
 
-// An element whose Jacobian vanishes writes the shape message for its
-// element and goes on.
-TEST(BMatrix, ZeroDeterminantWritesTheShapeMessage) {
-  KernelState K;
-  const std::vector<double> flat = {0, 0, 1, 1, 2, 2, 3, 3};  // all nodes on one line
-  const BEval e = eval_b(K, flat, 4, 2, 3, {0.0, 0.0, 0}, 0, 0, 1234);
-  EXPECT_EQ(e.det, 0.0);
-  EXPECT_EQ(K.diag.messages,
-            " JACOBIAN DETERMINANT OF ELEMENT NO.    1234 IS LITTLE THAN ZERO.\n"
-            " PLEASE CHECK THE SHAPE OF ELEMENT NO.   1234\n");
-  EXPECT_TRUE(K.diag.output_lines.empty());
-}
-
 }  // namespace
 }  // namespace respcore

@@ -15,9 +15,8 @@ namespace {
 // a value names the record it came from.
 void numbered_direct(ArchiveFixture& a, int32_t nrec, int32_t nsteps) {
   Section& s = a.writer().direct(1).add(sections::DMED, 1, 2 * nsteps, nrec);
-  for (int32_t x = 1; x <= nrec; ++x) {
+  for (int32_t x = 1; x <= nrec; ++x)
     for (int32_t t = 1; t <= nsteps; ++t) s.set_f64(x, t, 1000.0 * x + t);
-  }
 }
 
 std::vector<double> expect_record(int x, int nsteps) {
@@ -38,9 +37,8 @@ TEST(NodeMotion, SupportMotionAddressesTheDirectFileDifferently) {
   mses.put_i32s(2, 0, std::vector<int32_t>{1, 2});
   mses.put_i32s(3, 0, std::vector<int32_t>{1, 1});
   Section& mser = a.writer().second().add(sections::MSER, 1, 6, 9);
-  for (int x = 1; x <= 9; ++x) {
+  for (int x = 1; x <= 9; ++x)
     for (int t = 1; t <= 3; ++t) mser.set_f64(x, t, -(1000.0 * x + t));
-  }
   a.write();
   Kernel k;
   auto node = [&](int32_t type, int32_t comp, int32_t n) {
@@ -150,12 +148,9 @@ TEST(NodeMotion, RelativeAndAbsoluteMotion) {
   numbered_direct(a, 40, 3);
   a.node_records({{{1, 2, 3, 4, 5, 6}, {}}, {{7, 8, 9, 10, 11, 12}, {}}});
   std::array<std::array<std::vector<double>, 3>, 3> g1, g2;
-  for (int d = 0; d < 3; ++d) {
-    for (int q = 0; q < 3; ++q) {
-      g1[d][q] = {1.0 * (d + 1) * (q + 1), 0.5, 0.25};
-      g2[d][q] = {-7, -7, -7};
-    }
-  }
+  for (int d = 0; d < 3; ++d)
+    for (int q = 0; q < 3; ++q)
+      g1[d][q] = {1.0 * (d + 1) * (q + 1), 0.5, 0.25}, g2[d][q] = {-7, -7, -7};
   a.ground_motion({g1, g2});
   a.write();
   Kernel k;
@@ -213,11 +208,7 @@ TEST(NodeMotion, EnvelopesWithTiesAndSkewSystems) {
   s.put_f64s(6, 0, std::vector<double>{5, 5, 5, 5, 5});
   s.put_f64s(9, 0, std::vector<double>{0, 1, 2, 3, 4});
   a.node_records({{{1, 2, 3, 4, 5, 6}, {}}});
-  // Skew system of node 1: x' = y, y' = -x, z' = z.
-  Section& nski = a.writer().second().add(sections::NSKI, 3, 19, 1);
-  nski.put_i32(1, 0, 1);
-  const double R[9] = {0, 1, 0, -1, 0, 0, 0, 0, 1};
-  for (int i = 0; i < 9; ++i) nski.put_f64(1, 1 + 2 * i, R[i]);
+  a.writer().skew_systems({{1, {0, 1, 0, -1, 0, 0, 0, 0, 1}}});  // x' = y, y' = -x, z' = z
   a.write();
   Kernel k;
   auto q = a.request(9, 1, 5);

@@ -39,12 +39,10 @@ Mesh grid(int N, const std::function<Point(double, double)>& place, bool triangl
   for (int j = 0; j < N; ++j)
     for (int i = 0; i < N; ++i) {
       const int a = j * (N + 1) + i, b = a + 1, c = a + N + 2, d = a + N + 1;
-      if (triangles) {
-        m.cells.push_back({a, b, d});
-        m.cells.push_back({c, d, b});
-      } else {
+      if (triangles)
+        m.cells.insert(m.cells.end(), {{a, b, d}, {c, d, b}});
+      else
         m.cells.push_back({a, b, c, d});
-      }
     }
   return m;
 }
@@ -101,17 +99,6 @@ std::vector<double> solve(const Mesh& m, int M, const ElementFn& element, const 
   return u;
 }
 
-// 18x18 stiffness of a triangle in its element axes, at nodes P (global).
-void triangle_stiffness(bool thick, Material& m, const double P[9], double K[324]) {
-  double p[9], X[3], Y[3], Z[3], tr[9];
-  std::copy(P, P + 9, p);
-  for (int n = 0; n < 3; ++n) X[n] = P[3 * n], Y[n] = P[3 * n + 1], Z[n] = P[3 * n + 2];
-  MatRef<double> TR(tr, 3, 3, "TR");
-  QDCOS(VecRef<double>(X, 3, "X"), VecRef<double>(Y, 3, "Y"), VecRef<double>(Z, 3, "Z"), TR, 1);
-  (thick ? DKMTLMT_STF : DKTLMT_STF)(m.ctx(), MatRef<double>(p, 3, 3, "XYZ"), TR,
-                                     MatRef<double>(K, 18, 18, "STIF"));
-}
-
 // Freedoms PICK (1..6 of each node) of a flat element in the xy plane, in
 // global axes: quadrilaterals (thin or thick) or triangles, whose axes are
 // the global ones or turned half a turn about z.
@@ -127,8 +114,13 @@ ElementFn element(Material& m, int kind, int32_t memb_kind, std::vector<int> pic
           24, VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"), VecRef<double>(z, 4, "Z"),
           MatRef<double>(t, 3, 3, "T"), 0);
     } else {
-      const double P[9] = {p[0][0], p[0][1], 0, p[1][0], p[1][1], 0, p[2][0], p[2][1], 0};
-      triangle_stiffness(kind == 3, m, P, s.data());
+      double P[9] = {p[0][0], p[0][1], 0, p[1][0], p[1][1], 0, p[2][0], p[2][1], 0};
+      double X[3] = {P[0], P[3], P[6]}, Y[3] = {P[1], P[4], P[7]}, Z[3] = {}, tr[9];
+      QDCOS(VecRef<double>(X, 3, "X"), VecRef<double>(Y, 3, "Y"), VecRef<double>(Z, 3, "Z"),
+            MatRef<double>(tr, 3, 3, "TR"), 1);
+      (kind == 3 ? DKMTLMT_STF : DKTLMT_STF)(m.ctx(), MatRef<double>(P, 3, 3, "XYZ"),
+                                             MatRef<double>(tr, 3, 3, "TR"),
+                                             MatRef<double>(s.data(), 18, 18, "STIF"));
       if (p[1][0] < p[0][0])
         for (int k = 0; k < nf; ++k) sign[k] = k % 6 == 2 || k % 6 == 5 ? 1.0 : -1.0;
     }

@@ -80,26 +80,12 @@ Blocks run(Form f, Material& m, const Placement& pl, const Field& fld) {
   int32_t nn = 0;
   DktSaved ds;
   DkmtSaved dm;
-  switch (f) {
-    case kDkt:
-      DKTLMT_STR(C, ds, nn, CONST, ST, XYZ, TR, 1, 1);
-      break;
-    case kDkmt:
-      DKMTLMT_STR(C, dm, nn, CONST, ST, XYZ, TR, 1);
-      break;
-    case kDktGnrl:
-      DKTLMT_STR_GNRL(C, ds, nn, CONST, ST, XYZ, TR, 1, 0);
-      break;
-    case kDkmtGnrl:
-      DKMTLMT_STR_GNRL(C, dm, nn, CONST, ST, XYZ, TR, 1, 0);
-      break;
-    case kStiffened:
-      DKMTLMT_STR_STIFFENED(C, dm, 0, nn, CONST, ST, XYZ, TR, 1);
-      break;
-    case kDrill:
-      DKTLMT_PLANE_STR_DRILL(C, ds, 0, 0.0, 3, CONST, ST, XYZ, TR, 1);
-      break;
-  }
+  if (f == kDkt) DKTLMT_STR(C, ds, nn, CONST, ST, XYZ, TR, 1, 1);
+  if (f == kDkmt) DKMTLMT_STR(C, dm, nn, CONST, ST, XYZ, TR, 1);
+  if (f == kDktGnrl) DKTLMT_STR_GNRL(C, ds, nn, CONST, ST, XYZ, TR, 1, 0);
+  if (f == kDkmtGnrl) DKMTLMT_STR_GNRL(C, dm, nn, CONST, ST, XYZ, TR, 1, 0);
+  if (f == kStiffened) DKMTLMT_STR_STIFFENED(C, dm, 0, nn, CONST, ST, XYZ, TR, 1);
+  if (f == kDrill) DKTLMT_PLANE_STR_DRILL(C, ds, 0, 0.0, 3, CONST, ST, XYZ, TR, 1);
   Blocks b{};
   for (int p = 0; p < 4; ++p)
     for (int c = 0; c < 8; ++c)
