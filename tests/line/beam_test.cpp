@@ -105,32 +105,30 @@ TEST(LineHistory, UnitDisplacementRowsByHand) {
   // Axial stress of end i: -F(1) STRS(13,1); a shear row takes the factor of
   // the other; a bending row of end j is negated by the axis change and by
   // its own formula; corners add axial and both bending stresses.
-  EXPECT_EQ(r(13), 2.0 * 41.0);
-  EXPECT_EQ(r(14), -5.0 * 47.0);
-  EXPECT_EQ(r(15), 3.0 * 43.0);
-  EXPECT_EQ(r(20), 17.0 * 71.0);
-  EXPECT_EQ(r(25), -37.0 * -97.0);
+  const std::pair<int, double> hand[] = {{13, 2.0 * 41},  {14, -5.0 * 47},   {15, 3.0 * 43},
+                                         {20, 17.0 * 71}, {25, -37.0 * -97}, {35, 0.0}};
+  for (auto [row, v] : hand) EXPECT_EQ(r(row), v) << row;
   EXPECT_EQ(r(27), r(13) + r(17) + r(18));
   EXPECT_EQ(r(31), r(20) + r(24) + r(25));
-  EXPECT_EQ(r(35), 0.0);
 
   // The wall beam: the bimoment of end i (41) is negated, that of end j
   // (43) is not; both reach the corners through their warping factors.
   const Rows w = line_rows(a, 14, 2);
   auto q = [&](int row) { return w[static_cast<size_t>(row - 1)][0]; };
-  EXPECT_EQ(q(1), -2.0);
-  EXPECT_EQ(q(5), -13.0);
-  EXPECT_EQ(q(12), 31.0);
-  const double R19 = 2.0 * 67.0, R23 = 11.0 * -83.0, R24 = -13.0 * -89.0, R26 = 41.0 * 139.0;
-  EXPECT_EQ(q(13), R19);
-  EXPECT_EQ(q(14), -5.0 * 73.0);
-  EXPECT_EQ(q(17), R23);
-  EXPECT_EQ(q(27), R19 + R23 + R24 + R26);
-  const double R46 = 17.0 * 101.0, R50 = 31.0 * 113.0, R51 = -37.0 * 127.0, R53 = 43.0 * -157.0;
-  EXPECT_EQ(q(20), R46);
-  EXPECT_EQ(q(21), -23.0 * 103.0);
-  EXPECT_EQ(q(31), R46 + R50 + R51 + R53);
-  EXPECT_EQ(q(35), 0.0);
+  const double R19 = 2.0 * 67, R23 = 11.0 * -83, R24 = -13.0 * -89, R26 = 41.0 * 139;
+  const double R46 = 17.0 * 101, R50 = 31.0 * 113, R51 = -37.0 * 127, R53 = 43.0 * -157;
+  const std::pair<int, double> wall[] = {{1, -2.0},
+                                         {5, -13.0},
+                                         {12, 31.0},
+                                         {13, R19},
+                                         {14, -5.0 * 73},
+                                         {17, R23},
+                                         {27, R19 + R23 + R24 + R26},
+                                         {20, R46},
+                                         {21, -23.0 * 103},
+                                         {31, R46 + R50 + R51 + R53},
+                                         {35, 0.0}};
+  for (auto [row, v] : wall) EXPECT_EQ(q(row), v) << row;
 }
 
 // A prismatic member: the recovery matrix is its local stiffness (dof u, v,
