@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <tuple>
 
 #include "archive/units.hpp"
 #include "respcore/archive_writer.hpp"
@@ -70,11 +71,8 @@ TEST(DirectoryLookup, FindsSectionsAndMissesSilently) {
 
   KernelState K;
   Lookup a = plain(K, path, "TRUS", 3);
-  EXPECT_EQ(a.status, 0);
-  EXPECT_EQ(a.reclen, 6);
-  EXPECT_EQ(a.nrec, 4);
-  EXPECT_EQ(a.first, s.first);
-  EXPECT_EQ(a.out, "");
+  EXPECT_EQ(std::tuple(a.status, a.reclen, a.nrec, a.first, a.out),
+            std::tuple(0, 6, 4, s.first, ""));
   double v = 0;
   ASSERT_TRUE(read_record(K.units, 63, a.first + 2, &v, 8));
   EXPECT_EQ(v, 30.0);
@@ -89,9 +87,7 @@ TEST(DirectoryLookup, FindsSectionsAndMissesSilently) {
   EXPECT_EQ(v, 7.5);
   // Missing: status 4, the outputs zero, no line.
   Lookup r = plain(K, path, "BEAM", 4);
-  EXPECT_EQ(r.status, 4);
-  EXPECT_EQ(r.first + r.reclen + r.nrec, 0);
-  EXPECT_EQ(r.out, "");
+  EXPECT_EQ(std::tuple(r.status, r.first, r.reclen, r.nrec, r.out), std::tuple(4, 0, 0, 0, ""));
 }
 
 TEST(DirectoryLookup, ChainedBlocksAreFollowedUntilABlankEntry) {

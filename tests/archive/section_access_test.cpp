@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "archive/units.hpp"
 #include "respcore/archive_writer.hpp"
@@ -122,13 +123,10 @@ TEST(SectionAccess, ElementMaterial) {
   set_base(K, base);
   ElementMaterial& M = K.ELEM_MATERIAL;
   READING_ELEMENT_MATERIAL_DATA(K.reader(), M, 1);
-  EXPECT_EQ(M.MAT_YOUNG, 2.0e5);
-  EXPECT_EQ(M.MAT_POISSON, 0.3);
-  EXPECT_EQ(M.MAT_TYPE, 1);
-  EXPECT_EQ(M.MAT_VALS[8], 9.0);
+  EXPECT_EQ(std::tuple(M.MAT_YOUNG, M.MAT_POISSON, M.MAT_TYPE, M.MAT_VALS[8]),
+            std::tuple(2.0e5, 0.3, 1, 9.0));
   READING_ELEMENT_MATERIAL_DATA(K.reader(), M, 2);
-  EXPECT_EQ(M.MAT_YOUNG, 7.0e4);
-  EXPECT_EQ(M.MAT_VALS[8], 0.5);
+  EXPECT_EQ(std::tuple(M.MAT_YOUNG, M.MAT_VALS[8]), std::tuple(7.0e4, 0.5));
   // Material 8 is not in the table: the previous element's values stay.
   READING_ELEMENT_MATERIAL_DATA(K.reader(), M, 3);
   EXPECT_EQ(M.MAT_YOUNG, 7.0e4);

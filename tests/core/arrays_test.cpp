@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace respcore {
 namespace {
 
@@ -41,12 +43,10 @@ TEST(CheckedArrays, AbsurdSizesAreRefusedNotAttempted) {
 }
 
 TEST(PackedWords, CountIsTheTwoDigitsBehindThePoint) {
-  EXPECT_EQ(trunc_i32(1234.12), 1234);
-  EXPECT_EQ(packed_count(1234.12), 12);
-  EXPECT_EQ(packed_count(1234.26), 26);
-  EXPECT_EQ(packed_count(7.0), 0);
-  EXPECT_EQ(trunc_i32(-3.9), -3);
-  EXPECT_EQ(trunc_i32(1e300), 2147483647);
+  EXPECT_EQ(std::tuple(packed_count(1234.12), packed_count(1234.26), packed_count(7.0)),
+            std::tuple(12, 26, 0));
+  EXPECT_EQ(std::tuple(trunc_i32(1234.12), trunc_i32(-3.9), trunc_i32(1e300)),
+            std::tuple(1234, -3, 2147483647));
 }
 
 }  // namespace

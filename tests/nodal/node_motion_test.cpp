@@ -216,23 +216,16 @@ TEST(NodeMotion, EnvelopesWithTiesAndSkewSystems) {
   auto env = k.run(q).values;
   ASSERT_EQ(env.size(), 12u);
   // Maximum of x first reached at step 2, minimum at step 4: all rows there.
-  EXPECT_EQ(env[0], 4);
-  EXPECT_EQ(env[1], 5);
-  EXPECT_EQ(env[2], 1);
-  EXPECT_EQ(env[6], -2);
-  EXPECT_EQ(env[8], 3);
+  EXPECT_EQ(std::tuple(env[0], env[1], env[2], env[6], env[8]), std::tuple(4, 5, 1, -2, 3));
   // A constant component: step 1 for both, two equal columns.
   q.result_comp = 2;
   env = k.run(q).values;
-  EXPECT_EQ(env[2], 0);
-  EXPECT_EQ(env[8], 0);
+  EXPECT_EQ(std::tuple(env[2], env[8]), std::tuple(0, 0));
   // In node axes with the skew system: x' = y, y' = -x.
   q.result_comp = 1;
   q.axis_flag = 0;
   env = k.run(q).values;
-  EXPECT_EQ(env[0], 5);
-  EXPECT_EQ(env[1], -1);
-  EXPECT_EQ(env[6], 5);
+  EXPECT_EQ(std::tuple(env[0], env[1], env[6]), std::tuple(5, -1, 5));
   // The skew systems survive into a later history request.
   auto h = a.request(9, 2, 5);
   h.axis_flag = 0;
