@@ -43,8 +43,7 @@ TEST(ComponentNames, SelectorsReadTheRowsOfTheirNames) {
           want += "-" + p;
         const int row = static_cast<int>(read[static_cast<size_t>(n)]);
         ASSERT_GE(row, 1) << f.name << " " << sel.name;
-        EXPECT_EQ(t.rows.at(static_cast<size_t>(row - 1)).name, want)
-            << f.name << " selector " << sel.name;
+        EXPECT_EQ(t.rows.at(static_cast<size_t>(row - 1)).name, want) << f.name << sel.name;
       }
     }
   }

@@ -33,7 +33,7 @@ void expect_inverse(const double* d, int ld, const double (*c)[3], int n) {
     for (int j = 0; j < n; ++j) {
       double p = 0.0;
       for (int k = 0; k < n; ++k) p += d[i + ld * k] * c[k][j];
-      EXPECT_NEAR(p, i == j ? 1.0 : 0.0, 1e-12) << i << "," << j;
+      EXPECT_NEAR(p, i == j ? 1.0 : 0.0, 1e-12) << i << j;
     }
 }
 
@@ -49,13 +49,13 @@ TEST(MaterialMatrix, SolidAndAxisymmetric) {
                   : i == j       ? kG
                                  : 0.0,
                   1e-9)
-          << i << "," << j;
+          << i << j;
   // Axisymmetric, through the element's rows: xx, yy, xy, hoop.
   CALC_DMATX(K.diag, K.ELEM_MATERIAL, K.continuum, MatRef<double>(d4, 4, 4, "D"), kE, kNu, 2, 4);
   const double axy[4][4] = {
       {kD11, kLam, 0, kLam}, {kLam, kD11, 0, kLam}, {0, 0, kG, 0}, {kLam, kLam, 0, kD11}};
   for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) EXPECT_NEAR(d4[i + 4 * j], axy[i][j], 1e-9) << i << "," << j;
+    for (int j = 0; j < 4; ++j) EXPECT_NEAR(d4[i + 4 * j], axy[i][j], 1e-9) << i << j;
   material(K, 1);
   STRESS_STRAIN_MATRIX(K.diag, K.ELEM_MATERIAL, MatRef<double>(d, 6, 6, "D"));
   STRESS_STRAIN_MATRIX_AXY(K.ELEM_MATERIAL, MatRef<double>(d4, 4, 4, "D"));

@@ -87,8 +87,7 @@ void expect_rows(const Rows& got, const Rows& want, const std::string& what, dou
   ASSERT_EQ(got.size(), want.size());
   for (size_t r = 0; r < got.size(); ++r)
     for (size_t s = 0; s < got[r].size(); ++s)
-      EXPECT_NEAR(got[r][s], want[r][s], rel * std::fabs(want[r][s]))
-          << what << " row " << r + 1 << " step " << s + 1;
+      EXPECT_NEAR(got[r][s], want[r][s], rel * std::fabs(want[r][s])) << what << r << s;
 }
 
 TEST(LineHistory, UnitDisplacementRowsByHand) {

@@ -121,7 +121,7 @@ TEST(Truss, LateActivationAndItsPerCaseSwitch) {
       const auto r = row(f1, 1, 1, 3, 1, c);
       for (int s = 1; s <= 3; ++s)
         EXPECT_NEAR(r[s - 1], (c == 1 ? 40.0 : 0.0) + (inactive ? 0.0 : tension(1, 3, s)), 1e-9)
-            << "flags " << flags[0] << flags[1] << " case " << c;
+            << flags[0] << c;
     }
   }
 }

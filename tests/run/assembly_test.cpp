@@ -178,8 +178,7 @@ TEST(Assembly, SnapshotsAndEnvelopesHoldTheHistoriesAtTheirSteps) {
       for (size_t item = 0; item < 2; ++item)
         for (size_t n = 0; n < picked.size(); ++n) {
           const double want = f.history(type, static_cast<int>(item + 1), picked[n])[step - 1];
-          EXPECT_NEAR(snap[item * picked.size() + n], want, 1e-9 * (1 + std::fabs(want)))
-              << "point " << n + 1;
+          EXPECT_NEAR(snap[item * picked.size() + n], want, 1e-9 * (1 + std::fabs(want))) << n;
         }
       if (c > 6) continue;
       // The envelope: for nodes the six rows at the first steps of the
@@ -195,8 +194,7 @@ TEST(Assembly, SnapshotsAndEnvelopesHoldTheHistoriesAtTheirSteps) {
         const long smin = std::min_element(h.begin(), h.end()) - h.begin();
         for (int row = 1; row <= 6; ++row) {
           const size_t at = static_cast<size_t>((node ? 12 : 6) * (item - 1) + row - 1);
-          EXPECT_EQ(env[at], f.history(type, item, row)[static_cast<size_t>(smax)])
-              << item << " " << row;
+          EXPECT_EQ(env[at], f.history(type, item, row)[static_cast<size_t>(smax)]) << item << row;
           EXPECT_EQ(env[at + (node ? 6 : 12)],
                     node ? f.history(type, item, row)[static_cast<size_t>(smin)] : 0.0);
         }

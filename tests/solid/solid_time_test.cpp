@@ -103,18 +103,16 @@ TEST(SolidTime, StoredMatrixTurnsExtrapolatesAndGivesStrainsOfTheMaterial) {
       const double u = 0.5 * s;
       for (int n = 0; n < nn; ++n) {
         const V3 f = {u * force(3 * n + 1), u * force(3 * n + 2), u * force(3 * n + 3)};
-        EXPECT_V3_NEAR(point3(global, 1 + 3 * n, s), mul(Q, f), 1e-12)
-            << nn << " force of node " << n + 1;
-        EXPECT_V3_NEAR(point3(local, 1 + 3 * n, s), f, 1e-12) << nn << " force of node " << n + 1;
+        EXPECT_V3_NEAR(point3(global, 1 + 3 * n, s), mul(Q, f), 1e-12) << nn << n;
+        EXPECT_V3_NEAR(point3(local, 1 + 3 * n, s), f, 1e-12) << nn << n;
       }
       for (int p = 0; p <= nn; ++p) {
         V6 el = p == 0 || nn == 4 ? kCentre : field(nn, nat[static_cast<size_t>(p - 1)]);
         for (double& x : el) x *= u;
         const V6 g = rotate(Q, el), eps = mul6(C, g);
-        EXPECT_V6_NEAR(point6(global, 25 + 6 * p, s), g, 1e-9) << nn << " stress of point " << p;
-        EXPECT_V6_NEAR(point6(local, 25 + 6 * p, s), el, 1e-9) << nn << " stress of point " << p;
-        EXPECT_V6_NEAR(point6(global, 79 + 6 * p, s), eps, 1e-9 * norm6(eps))
-            << nn << " strain of point " << p;
+        EXPECT_V6_NEAR(point6(global, 25 + 6 * p, s), g, 1e-9) << nn << p;
+        EXPECT_V6_NEAR(point6(local, 25 + 6 * p, s), el, 1e-9) << nn << p;
+        EXPECT_V6_NEAR(point6(global, 79 + 6 * p, s), eps, 1e-9 * norm6(eps)) << nn << p;
         EXPECT_V6_NEAR(point6(local, 79 + 6 * p, s), rotate(transpose(Q), eps), 1e-9 * norm6(eps))
             << nn;
       }
