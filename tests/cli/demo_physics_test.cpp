@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 #include "support/temp_dir.hpp"
 

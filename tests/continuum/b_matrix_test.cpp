@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
-#include <string>
 #include <vector>
 
 #include "continuum/integration_rules.hpp"

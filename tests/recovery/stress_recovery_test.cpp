@@ -4,12 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 #include <string>
 #include <vector>
 
-#include "run/kernel_state.hpp"
 #include "solid/solid_support.hpp"
 
 namespace respcore {

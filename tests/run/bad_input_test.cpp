@@ -2,7 +2,6 @@
 // array, the system's error lines and zeros.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <random>
