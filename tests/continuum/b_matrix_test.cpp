@@ -1,3 +1,5 @@
+// The B matrix of the continuum elements: a linear field gives its constant
+// strain on distorted elements, and the Jacobian integrates to the area.
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,3 +1,6 @@
+// The checked arrays: a subscript out of range is reported, reads zero and
+// writes nothing; absurd sizes are refused; the packed counts of the line
+// element records.
 #include "core/arrays.hpp"
 
 #include <gtest/gtest.h>
