@@ -37,11 +37,13 @@ TEST(ComponentNames, SelectorsReadTheRowsOfTheirNames) {
       for (int n = 0; n < m; ++n) {
         std::string want = sel.name;
         const std::string& p = points[static_cast<size_t>(n)];
-        if (p.rfind("end-", 0) == 0) want += p.substr(3);
-        else if (p != "value") want += "-" + p;
+        if (p.rfind("end-", 0) == 0)
+          want += p.substr(3);
+        else if (p != "value")
+          want += "-" + p;
         const int row = static_cast<int>(read[static_cast<size_t>(n)]);
         ASSERT_GE(row, 1) << f.name << " " << sel.name;
-        EXPECT_EQ(t.rows.at(static_cast<size_t>(row - 1)).name, want) << f.name << " selector " << sel.name;
+        EXPECT_EQ(t.rows.at(static_cast<size_t>(row - 1)).name, want) << f.name << sel.name;
       }
     }
   }

@@ -1,10 +1,11 @@
 // Element nodes read back from records written by the archive writer: node
 // lists, beam ends and nodes found through their equations.
+#include "mesh_records.hpp"
+
 #include <gtest/gtest.h>
 
 #include <map>
 
-#include "mesh_records.hpp"
 #include "respcore/archive_writer.hpp"
 #include "support/temp_dir.hpp"
 
@@ -41,22 +42,12 @@ TEST(MeshRecords, ElementNodesRoundTripThroughTheWriter) {
     }
     return lm;
   };
-  TrussRecord t1, t2;
-  t1.lm = equations({4, 9});
-  t2.lm = equations({21, 9});  // an end without equations cannot be told
-  w.truss_records(3, {t1, t2});
-  BeamRecord b;
-  b.node_i = 7;
-  b.node_j = 3;
-  w.beam_records(3, {b});
-  WallBeamRecord wb;
-  wb.node_i = 11;
-  wb.node_j = 12;
-  w.wall_beam_records(3, {wb});
-  SolidRecord wedge;
-  wedge.lm = equations({5, 6, 7, 15, 16, 17});
-  wedge.nn = 6;
-  w.solid_records(3, {wedge});
+  // A truss end without equations cannot be told.
+  w.truss_records(3,
+                  {{.lm = equations({4, 9}), .strs = {}}, {.lm = equations({21, 9}), .strs = {}}});
+  w.beam_records(3, {{.lm = {}, .strs = {}, .node_i = 7, .node_j = 3}});
+  w.wall_beam_records(3, {{.lm = {}, .strs = {}, .node_i = 11, .node_j = 12}});
+  w.solid_records(3, {{.lm = equations({5, 6, 7, 15, 16, 17}), .strs = {}, .nn = 6}});
   SolidHighRecord hex;
   for (int n = 1; n <= 20; ++n) hex.nodes.push_back(21 - n);
   w.solid_high_records(3, {hex});

@@ -1,8 +1,8 @@
+// The B matrix of the continuum elements: a linear field gives its constant
+// strain on distorted elements, and the Jacobian integrates to the area.
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
-#include <string>
 #include <vector>
 
 #include "continuum/integration_rules.hpp"
@@ -31,9 +31,8 @@ BEval eval_b(KernelState& K, const std::vector<double>& cn, int32_t nnode, int32
   e.b.assign(static_cast<size_t>(nstrs * e.ncols), 77.0);
   e.cartd.assign(static_cast<size_t>(ndim * (nnode + ndim)), 55.0);
   e.shape.assign(static_cast<size_t>(nnode + ndim), 0.0);
-  B_BUB(K.diag, elem_no, K.continuum.PLANE_TYPE,
-        MatRef<double>(e.b.data(), nstrs, e.ncols, "B"), e.det,
-        MatRef<double>(e.cartd.data(), ndim, nnode + ndim, "CARTD"),
+  B_BUB(K.diag, elem_no, K.continuum.PLANE_TYPE, MatRef<double>(e.b.data(), nstrs, e.ncols, "B"),
+        e.det, MatRef<double>(e.cartd.data(), ndim, nnode + ndim, "CARTD"),
         VecRef<double>(e.shape.data(), nnode + ndim, "SHAPE"),
         VecRef<double>(e.gpcod, ndim, "GPCOD"), p[0], p[1], p[2],
         MatRef<double>(const_cast<double*>(cn.data()), ndim, nnode, "CN"), nnode, ndim, nstrs,
@@ -55,38 +54,6 @@ const std::vector<double> kQuad8 = {0.0, 0.0,  3.0, 0.4, 2.6, 2.5, -0.3, 1.8,
                                     1.6, 0.05, 2.9, 1.5, 1.2, 2.3, -0.1, 0.8};
 const std::vector<double> kTri3 = {0.2, 0.1, 2.5, 0.4, 0.9, 2.1};
 const std::vector<double> kTri6 = {0.2, 0.1, 2.5, 0.4, 0.9, 2.1, 1.4, 0.15, 1.75, 1.3, 0.5, 1.1};
-
-// A distorted brick and the quadratic solids built on it.
-std::vector<double> hex8() {
-  return {0,   0,    0,   2.2, 0.1, -0.1, 2.0, 1.9, 0.2, -0.2, 1.7, 0.0,
-          0.1, -0.1, 1.5, 2.4, 0.2, 1.8,  2.1, 2.2, 1.6, 0.0,  1.9, 1.7};
-}
-std::vector<double> midpoint_nodes(const std::vector<double>& corners, const int (*edges)[2],
-                                   int ne, double bow) {
-  std::vector<double> c = corners;
-  for (int e = 0; e < ne; ++e)
-    for (int i = 0; i < 3; ++i)
-      c.push_back(0.5 * (corners[3 * edges[e][0] + i] + corners[3 * edges[e][1] + i]) +
-                  bow * std::sin(1.0 + e + 2.0 * i));
-  return c;
-}
-std::vector<double> hex20() {
-  static const int edges[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
-                                   {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
-  return midpoint_nodes(hex8(), edges, 12, 0.08);
-}
-const std::vector<double> kTet4 = {0.1, 0.0, 0.2, 2.0, 0.3, 0.0, 0.4, 1.8, 0.1, 0.3, 0.5, 2.2};
-std::vector<double> tet10() {
-  static const int edges[6][2] = {{0, 1}, {1, 2}, {2, 0}, {0, 3}, {1, 3}, {2, 3}};
-  return midpoint_nodes(kTet4, edges, 6, 0.06);
-}
-const std::vector<double> kWedge6 = {0,   0,   0,   2.1, 0.2, 0.1, 0.3, 1.9, -0.1,
-                                     0.1, 0.1, 1.6, 2.3, 0.3, 1.8, 0.2, 2.0, 1.5};
-std::vector<double> wedge15() {
-  static const int edges[9][2] = {{0, 1}, {1, 2}, {2, 0}, {3, 4}, {4, 5},
-                                  {5, 3}, {0, 3}, {1, 4}, {2, 5}};
-  return midpoint_nodes(kWedge6, edges, 9, 0.07);
-}
 
 const double kGrad[3][3] = {{0.012, -0.004, 0.007}, {0.003, -0.009, 0.002}, {-0.005, 0.011, 0.006}};
 double lin_u(int i, const double* x, int ndim) {
@@ -124,69 +91,8 @@ TEST(BMatrix, LinearFieldGivesConstantStrainInThePlane) {
   EXPECT_EQ(K.diag.messages, "");
 }
 
-// Axisymmetric: the fourth row is the hoop strain u_r / r at the point, and
-// GPCOD is the point itself.
-TEST(BMatrix, AxisymmetricHoopRow) {
-  KernelState K;
-  K.continuum.PLANE_TYPE = 2;
-  std::vector<double> cn = kQuad4;
-  for (size_t k = 0; k < cn.size(); k += 2) cn[k] += 1.0;  // keep r > 0
-  std::vector<double> u;
-  for (int32_t k = 0; k < 4; ++k)
-    for (int i = 0; i < 2; ++i) u.push_back(lin_u(i, &cn[2 * k], 2));
-  for (const P3& p : {P3{-0.57, 0.57, 0}, P3{0.2, -0.4, 0}}) {
-    const BEval e = eval_b(K, cn, 4, 2, 4, p);
-    // The bilinear map, written out.
-    const double n[4] = {(1 - p[0]) * (1 - p[1]) / 4, (1 + p[0]) * (1 - p[1]) / 4,
-                         (1 + p[0]) * (1 + p[1]) / 4, (1 - p[0]) * (1 + p[1]) / 4};
-    double x[2] = {0, 0};
-    for (int k = 0; k < 4; ++k)
-      for (int i = 0; i < 2; ++i) x[i] += n[k] * cn[2 * k + i];
-    EXPECT_NEAR(e.gpcod[0], x[0], 1e-14);
-    EXPECT_NEAR(e.gpcod[1], x[1], 1e-14);
-    const std::vector<double> s = strain(e, u);
-    EXPECT_NEAR(s[0], kGrad[0][0], 1e-14);
-    EXPECT_NEAR(s[1], kGrad[1][1], 1e-14);
-    EXPECT_NEAR(s[2], kGrad[0][1] + kGrad[1][0], 1e-14);
-    EXPECT_NEAR(s[3], lin_u(0, x, 2) / x[0], 1e-14);
-  }
-}
-
-TEST(BMatrix, LinearFieldGivesConstantStrainInSolids) {
-  KernelState K;
-  struct E {
-    std::vector<double> cn;
-    int32_t nnode;
-    std::vector<P3> pts;
-  };
-  const std::vector<P3> brick = {
-      {-0.57, -0.57, 0.57}, {0.77, 0.1, -0.3}, {0.0, 0.0, 0.0}, {1, -1, 1}};
-  const std::vector<P3> tet = {{0.25, 0.25, 0.25}, {0.58, 0.14, 0.14}, {0.1, 0.2, 0.6}};
-  const std::vector<P3> wedge = {{1.0 / 6, 1.0 / 6, -0.57}, {0.6, 0.2, 0.77}, {0.2, 0.6, 0.0}};
-  const std::vector<E> els = {{hex8(), 8, brick}, {hex20(), 20, brick}, {kTet4, 4, tet},
-                              {tet10(), 10, tet}, {kWedge6, 6, wedge},  {wedge15(), 15, wedge}};
-  for (const E& el : els) {
-    std::vector<double> u;
-    for (int32_t k = 0; k < el.nnode; ++k)
-      for (int i = 0; i < 3; ++i) u.push_back(lin_u(i, &el.cn[3 * k], 3));
-    for (const P3& p : el.pts) {
-      const BEval e = eval_b(K, el.cn, el.nnode, 3, 6, p);
-      const std::vector<double> s = strain(e, u);
-      const double expect[6] = {kGrad[0][0],
-                                kGrad[1][1],
-                                kGrad[2][2],
-                                kGrad[0][1] + kGrad[1][0],
-                                kGrad[1][2] + kGrad[2][1],
-                                kGrad[2][0] + kGrad[0][2]};
-      for (int r = 0; r < 6; ++r)
-        EXPECT_NEAR(s[r], expect[r], 1e-14) << el.nnode << " row " << r + 1;
-    }
-  }
-  EXPECT_EQ(K.diag.messages, "");
-}
-
-// DET times the weights of the element's rule gives its area or volume.
-TEST(BMatrix, DeterminantIntegratesToAreaAndVolume) {
+// DET times the weights of the element's rule gives its area.
+TEST(BMatrix, DeterminantIntegratesToTheArea) {
   KernelState K;
   // Shoelace area of the straight-sided quadrilateral.
   double area = 0.0;
@@ -202,130 +108,6 @@ TEST(BMatrix, DeterminantIntegratesToAreaAndVolume) {
     sum += eval_b(K, kQuad4, 4, 2, 3, {s, t, uu}, 0, 1).det * w;
   }
   EXPECT_NEAR(sum, area, 1e-13);
-
-  // A tetrahedron: its volume is a sixth of the edge-vector determinant; the
-  // 4-point weights are not divided by 6, the caller carries that factor.
-  double e[3][3];
-  for (int k = 0; k < 3; ++k)
-    for (int i = 0; i < 3; ++i) e[k][i] = kTet4[3 * (k + 1) + i] - kTet4[i];
-  const double vol = (e[0][0] * (e[1][1] * e[2][2] - e[1][2] * e[2][1]) -
-                      e[0][1] * (e[1][0] * e[2][2] - e[1][2] * e[2][0]) +
-                      e[0][2] * (e[1][0] * e[2][1] - e[1][1] * e[2][0])) /
-                     6.0;
-  sum = 0.0;
-  for (int32_t g = 1; g <= 4; ++g) {
-    double s, t, uu, w;
-    T_GP_COORD(s, t, uu, w, g, 4, 4, 6);
-    sum += eval_b(K, kTet4, 4, 3, 6, {s, t, uu}, 0, 1).det * w;
-  }
-  EXPECT_NEAR(sum / 6.0, std::fabs(vol), 1e-13);
-}
-
-TEST(BMatrix, ReversedNodeOrderStillGivesPositiveDeterminantWithoutMessage) {
-  KernelState K;
-  const std::vector<double> cw = {0, 0, -0.3, 1.8, 2.6, 2.5, 3.0, 0.4};  // clockwise
-  const BEval e = eval_b(K, cw, 4, 2, 3, {0.1, 0.2, 0});
-  EXPECT_GT(e.det, 0.0);
-  EXPECT_EQ(K.diag.messages, "");
-}
-
-// An element whose Jacobian vanishes writes the shape message for its
-// element and goes on.
-TEST(BMatrix, ZeroDeterminantWritesTheShapeMessage) {
-  KernelState K;
-  const std::vector<double> flat = {0, 0, 1, 1, 2, 2, 3, 3};  // all nodes on one line
-  const BEval e = eval_b(K, flat, 4, 2, 3, {0.0, 0.0, 0}, 0, 0, 1234);
-  EXPECT_EQ(e.det, 0.0);
-  EXPECT_EQ(K.diag.messages,
-            " JACOBIAN DETERMINANT OF ELEMENT NO.    1234 IS LITTLE THAN ZERO.\n"
-            " PLEASE CHECK THE SHAPE OF ELEMENT NO.   1234\n");
-  EXPECT_TRUE(K.diag.output_lines.empty());
-
-  // The pyramids have no functions here: zero Jacobian, message, no crash.
-  K.diag.messages.clear();
-  std::vector<double> pyr(3 * 13, 0.5);
-  const BEval p = eval_b(K, pyr, 13, 3, 6, {0.1, 0.1, 0.1});
-  EXPECT_EQ(p.det, 0.0);
-  EXPECT_NE(K.diag.messages.find("IS LITTLE THAN ZERO."), std::string::npos);
-}
-
-TEST(BMatrix, DeterminantOnlyLeavesTheRestAlone) {
-  KernelState K;
-  const BEval e = eval_b(K, kQuad4, 4, 2, 3, {0.3, -0.2, 0}, 0, 1);
-  EXPECT_GT(e.det, 0.0);
-  for (double x : e.cartd) EXPECT_EQ(x, 55.0);
-  for (double x : e.b) EXPECT_EQ(x, 77.0);
-}
-
-// Nodeless columns: mapped with the centre Jacobian. On a parallelogram the
-// Jacobian is the same everywhere, so the derivatives of 1 - xi^2 and
-// 1 - eta^2 follow from the inverse of the affine map.
-TEST(BMatrix, BubbleColumnsUseTheCentreJacobian) {
-  KernelState K;
-  // x = 2 xi + 0.5 eta + 3, y = 0.4 xi + 1.5 eta - 1.
-  const double a = 2.0, b = 0.5, c = 0.4, d = 1.5;
-  std::vector<double> cn;
-  for (auto [xi, eta] : {std::pair{-1.0, -1.0}, {1.0, -1.0}, {1.0, 1.0}, {-1.0, 1.0}}) {
-    cn.push_back(a * xi + b * eta + 3.0);
-    cn.push_back(c * xi + d * eta - 1.0);
-  }
-  const double xi = 0.3, eta = -0.6;
-  const BEval e = eval_b(K, cn, 4, 2, 3, {xi, eta, 0}, 1);
-  // d(xi)/dx etc. from the inverse of [[a, b], [c, d]].
-  const double det = a * d - b * c;
-  const double dxi_dx = d / det, dxi_dy = -b / det, deta_dx = -c / det, deta_dy = a / det;
-  EXPECT_NEAR(e.cartd[0 + 2 * 4], -2 * xi * dxi_dx, 1e-14);
-  EXPECT_NEAR(e.cartd[1 + 2 * 4], -2 * xi * dxi_dy, 1e-14);
-  EXPECT_NEAR(e.cartd[0 + 2 * 5], -2 * eta * deta_dx, 1e-14);
-  EXPECT_NEAR(e.cartd[1 + 2 * 5], -2 * eta * deta_dy, 1e-14);
-  // B carries the two extra columns of each mode.
-  EXPECT_NEAR(e.b[0 + 3 * 8], e.cartd[0 + 2 * 4], 1e-15);
-  EXPECT_NEAR(e.b[1 + 3 * 11], e.cartd[1 + 2 * 5], 1e-15);
-  EXPECT_NEAR(e.b[2 + 3 * 10], e.cartd[1 + 2 * 5], 1e-15);
-
-  // Without bubbles those columns of B stay as they were.
-  const BEval plain = eval_b(K, cn, 4, 2, 3, {xi, eta, 0}, 0);
-  for (int j = 8; j < 12; ++j)
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(plain.b[i + 3 * j], 77.0);
-}
-
-TEST(BMatrix, LineElement) {
-  KernelState K;
-  const std::vector<double> cn = {1.0, 4.0};
-  const BEval e = eval_b(K, cn, 2, 1, 1, {0.5, 0, 0});
-  EXPECT_DOUBLE_EQ(e.det, 1.5);
-  EXPECT_DOUBLE_EQ(e.gpcod[0], 3.25);
-  EXPECT_DOUBLE_EQ(e.b[0], -1.0 / 3.0);
-  EXPECT_DOUBLE_EQ(e.b[1], 1.0 / 3.0);
-}
-
-// A panel in space: its nodes in the panel's own axes, relative to node 1.
-TEST(BMatrix, PanelCoordinates) {
-  const double th = 0.7, ph = -0.4;
-  // Orthonormal axes: rows of TRAN.
-  const double e1[3] = {std::cos(th), std::sin(th), 0.0};
-  const double e2[3] = {-std::sin(th) * std::cos(ph), std::cos(th) * std::cos(ph), std::sin(ph)};
-  const double e3[3] = {e1[1] * e2[2] - e1[2] * e2[1], e1[2] * e2[0] - e1[0] * e2[2],
-                        e1[0] * e2[1] - e1[1] * e2[0]};
-  double tran[9];
-  for (int j = 0; j < 3; ++j) {
-    tran[0 + 3 * j] = e1[j];
-    tran[1 + 3 * j] = e2[j];
-    tran[2 + 3 * j] = e3[j];
-  }
-  const double uv[6][2] = {{0.5, 0.2}, {3.0, 0.1}, {1.0, 2.0}, {1.7, 0.2}, {2.1, 1.0}, {0.8, 1.1}};
-  double xyz[3 * 6];
-  for (int k = 0; k < 6; ++k)
-    for (int j = 0; j < 3; ++j) xyz[j + 3 * k] = 10.0 + j + uv[k][0] * e1[j] + uv[k][1] * e2[j];
-  double cn[16];
-  for (double& x : cn) x = 9.0;
-  CALC_CN_2D(MatRef<double>(cn, 2, 8, "CN"), MatRef<double>(xyz, 3, 6, "XYZ"),
-             MatRef<double>(tran, 3, 3, "TRAN"), 6);
-  for (int k = 0; k < 6; ++k) {
-    EXPECT_NEAR(cn[2 * k], uv[k][0] - uv[0][0], 1e-13);
-    EXPECT_NEAR(cn[2 * k + 1], uv[k][1] - uv[0][1], 1e-13);
-  }
-  for (int i = 12; i < 16; ++i) EXPECT_EQ(cn[i], 0.0);
 }
 
 }  // namespace

@@ -1,12 +1,11 @@
-// Beam histories through the whole request: archives written with the
-// writer, requests through the kernel, rows checked against the composition
-// of the axis change and the sign pattern, hand-formed stress rows, and the physics of a prismatic
-// member whose recovery matrix is its own local stiffness.
+// Beam and wall beam histories through whole requests. Oracles: the rows of
+// a unit displacement of one equation, worked out by hand from prime-valued
+// matrices; the end forces of a prismatic member whose matrix is its own
+// stiffness; and runs that must equal other runs (the element factor, a late
+// activation, support motion in place of an equation's history).
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
-#include <vector>
 
 #include "support/archive_fixture.hpp"
 #include "support/beam_sections.hpp"
@@ -14,104 +13,47 @@
 namespace respcore::testing {
 namespace {
 
-constexpr int kRows = 34;
-using Rows = std::array<double, kRows + 1>;  // rows 1..34, entry 0 unused
+using Rows = std::vector<std::vector<double>>;    // rows[r-1][s-1]
+using Motion = std::vector<std::vector<double>>;  // motion[e-1][s-1]
 
-// Column 1 of the force rows holds distinct primes, so a unit displacement
-// of the first equation makes the product rows s1..s12 those primes and any
-// exchanged row shows. The section factors are primes as well.
-constexpr double kPrimes[12] = {2, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31, 37};
-constexpr double kEndI[7] = {41, 43, 47, 53, 59, 61, 67};   // STRS(13..19, 1)
-constexpr double kEndJ[7] = {71, 73, 79, 83, 89, 97, 101};  // STRS(20..26, 4)
-
-// A NROW x NEQ recovery matrix of integers. Rows 13..26 outside the factor
-// columns hold large values that must never reach a result.
-std::vector<double> test_matrix(int nrow, int neq, double scale = 1.0) {
-  std::vector<double> m(static_cast<size_t>(nrow * neq));
-  for (int j = 1; j <= neq; ++j) {
-    for (int i = 1; i <= nrow; ++i) {
-      double v;
-      if (i <= 12) v = scale * (j == 1 ? kPrimes[i - 1] : double((7 * i + 3 * j) % 11 - 5));
-      else if (i <= 19 && j == 1) v = kEndI[i - 13];
-      else if (i >= 20 && j == 4) v = kEndJ[i - 20];
-      else v = 1000.0 + i + j;
-      m[static_cast<size_t>((j - 1) * nrow + (i - 1))] = v;
-    }
+std::vector<double> primes(size_t n) {
+  std::vector<double> p;
+  for (int k = 2; p.size() < n; ++k) {
+    bool prime = true;
+    for (double q : p) prime = prime && k % static_cast<int>(q) != 0;
+    if (prime) p.push_back(k);
   }
-  return m;
+  return p;
 }
 
-// Displacement of equation E at step S: step 1 moves equation 1 alone.
-double disp(int e, int s) { return s == 1 ? (e == 1 ? 1.0 : 0.0) : double((5 * e + 3 * s) % 9 - 4); }
-
-std::vector<EquationHistory> equation_histories(int neq, int nsteps) {
-  std::vector<EquationHistory> eqs;
-  for (int e = 1; e <= neq; ++e) {
-    EquationHistory h;
-    for (int s = 1; s <= nsteps; ++s) {
-      h.disp.push_back(disp(e, s));
-      h.vel.push_back(0.0);
-      h.acc.push_back(0.0);
-    }
-    eqs.push_back(h);
-  }
-  return eqs;
-}
-
-// The expected rows of one step: the
-// composition of the axis change and the sign pattern, the factors in terms
-// of the stored matrix, and the stress and corner formulas.
-Rows expected_rows(const std::vector<double>& strs, int nrow, int neq, const std::vector<double>& d,
-                   const double* init = nullptr, double factor = 1.0) {
-  auto S = [&](int r, int c) {
-    return r <= nrow && c <= neq ? strs[static_cast<size_t>((c - 1) * nrow + r - 1)] : 0.0;
-  };
-  double s[13] = {};
-  for (int i = 1; i <= std::min(nrow, 12); ++i) {
-    for (int j = 1; j <= neq; ++j) s[i] += S(i, j) * d[static_cast<size_t>(j - 1)];
-  }
-  Rows F{};
-  const double table[13] = {0,     -s[1], s[3],  -s[2], -s[4], -s[6], -s[5],
-                            s[7],  -s[9], s[8],  s[10], s[12], s[11]};
-  for (int k = 1; k <= 12; ++k) F[k] = (table[k] + (init ? init[k - 1] : 0.0)) * factor;
-  double G[27] = {};
-  G[13] = S(13, 1);
-  G[14] = S(15, 1);
-  G[15] = S(14, 1);
-  for (int r = 16; r <= 19; ++r) G[r] = -S(r, 1);
-  G[20] = S(20, 4);
-  G[21] = S(22, 4);
-  G[22] = S(21, 4);
-  for (int r = 23; r <= 26; ++r) G[r] = -S(r, 4);
-  F[13] = -F[1] * G[13];
-  F[14] = -F[2] * G[14];
-  F[15] = -F[3] * G[15];
-  F[16] = -F[6] * G[16];
-  F[17] = -F[6] * G[17];
-  F[18] = F[5] * G[18];
-  F[19] = F[5] * G[19];
-  F[20] = F[7] * G[20];
-  F[21] = F[8] * G[21];
-  F[22] = F[9] * G[22];
-  F[23] = F[12] * G[23];
-  F[24] = F[12] * G[24];
-  F[25] = -F[11] * G[25];
-  F[26] = -F[11] * G[26];
-  F[27] = F[13] + F[17] + F[18];
-  F[28] = F[13] + F[16] + F[18];
-  F[29] = F[13] + F[16] + F[19];
-  F[30] = F[13] + F[17] + F[19];
-  F[31] = F[20] + F[24] + F[25];
-  F[32] = F[20] + F[23] + F[25];
-  F[33] = F[20] + F[23] + F[26];
-  F[34] = F[20] + F[24] + F[26];
-  return F;
-}
-
-std::vector<double> step_disp(int neq, int s) {
-  std::vector<double> d;
-  for (int e = 1; e <= neq; ++e) d.push_back(disp(e, s));
+// Step 1 moves equation 1 alone by one; later steps move every equation.
+Motion motion(int neq, int nsteps) {
+  Motion d(static_cast<size_t>(neq), std::vector<double>(static_cast<size_t>(nsteps)));
+  for (int e = 1; e <= neq; ++e)
+    for (int s = 1; s <= nsteps; ++s)
+      d[e - 1][s - 1] = s == 1 ? (e == 1) : double((5 * e + 3 * s) % 9 - 4);
   return d;
+}
+
+// NROW x NEQ: column 1 of the force rows and each block of factor words
+// (first, last, column) hold consecutive primes, so that an exchanged row
+// shows; rows that must never reach a result hold large values.
+struct Block {
+  int first, last, column;
+};
+std::vector<double> matrix(int nrow, int neq, int nforce, std::initializer_list<Block> blocks) {
+  const std::vector<double> p = primes(60);
+  std::vector<double> m(static_cast<size_t>(nrow * neq));
+  for (int j = 1; j <= neq; ++j)
+    for (int i = 1; i <= nrow; ++i)
+      m[static_cast<size_t>((j - 1) * nrow + i - 1)] =
+          i <= nforce ? (j == 1 ? p[static_cast<size_t>(i - 1)] : double((7 * i + 3 * j) % 11 - 5))
+                      : 1000.0 + i + j;
+  size_t next = static_cast<size_t>(nforce);
+  for (const Block& b : blocks)
+    for (int i = b.first; i <= b.last; ++i)
+      m[static_cast<size_t>((b.column - 1) * nrow + i - 1)] = p[next++];
+  return m;
 }
 
 std::vector<double> equations(int n) {
@@ -120,434 +62,262 @@ std::vector<double> equations(int n) {
   return lm;
 }
 
-// Rows 1..35 of every step, one mode-1 request per row.
-std::vector<Rows> all_rows(Kernel& k, Request r, int nsteps, std::array<double, 36>* row35 = nullptr) {
-  std::vector<Rows> out(static_cast<size_t>(nsteps));
-  for (int c = 1; c <= kRows + 1; ++c) {
-    r.result_comp = c;
-    Result res = k.run(r);
-    EXPECT_EQ(res.status, STATUS_DONE);
-    EXPECT_EQ(res.values.size(), static_cast<size_t>(nsteps));
-    for (int s = 0; s < nsteps && s < static_cast<int>(res.values.size()); ++s) {
-      if (c <= kRows) out[static_cast<size_t>(s)][static_cast<size_t>(c)] = res.values[static_cast<size_t>(s)];
-      else if (row35 != nullptr) (*row35)[static_cast<size_t>(s)] = res.values[static_cast<size_t>(s)];
-    }
-  }
-  return out;
+BeamRecord beam() {
+  return {.lm = equations(12), .strs = matrix(26, 12, 12, {{13, 19, 1}, {20, 26, 4}})};
+}
+WallBeamRecord wall_beam() {
+  return {.lm = equations(14),
+          .strs = matrix(72, 14, 18, {{19, 25, 1}, {26, 32, 4}, {33, 52, 1}}),
+          .node_i = 31,
+          .node_j = 32,
+          .a = 3.0,
+          .b = 5.0};
 }
 
-void expect_rows(const Rows& got, const Rows& want, const char* what) {
-  for (int k = 1; k <= kRows; ++k) EXPECT_EQ(got[k], want[k]) << what << ", row " << k;
-}
-
-// Case 1 keeps its histories in direct file FILE_NO, for NEQ equations.
-void direct_case(ArchiveFixture& a, int neq, int nsteps, int32_t file_no = 1) {
-  a.history_cases({{2, file_no, nsteps, 0, 0}});
-  a.direct_histories(file_no, equation_histories(neq, nsteps), nsteps);
-}
-
-TEST(BeamHistory, CompositionStressRowsAndCorners) {
-  constexpr int kSteps = 3;
-  ArchiveFixture a;
-  direct_case(a, 12, kSteps);
-  BeamRecord rec;
-  rec.lm = equations(12);
-  rec.strs = test_matrix(26, 12);
-  beam_section(a, {beam_words(rec)});
-  a.write();
-
+// Rows 1..35 of item SERIAL of family TYPE (13 beam, 14 wall beam).
+Rows line_rows(ArchiveFixture& a, int type, int nsteps, int serial = 1, int product_index = 1) {
   Kernel k;
-  std::array<double, 36> row35{};
-  row35.fill(-1.0);
-  auto got = all_rows(k, a.request(13, 1, kSteps), kSteps, &row35);
-  // Step 1 is the unit displacement of equation 1: the product rows are the
-  // primes, and the table reads directly.
-  const Rows& r1 = got[0];
-  EXPECT_EQ(r1[1], -2.0);
-  EXPECT_EQ(r1[2], 5.0);
-  EXPECT_EQ(r1[3], -3.0);
-  EXPECT_EQ(r1[4], -7.0);
-  EXPECT_EQ(r1[5], -13.0);
-  EXPECT_EQ(r1[6], -11.0);
-  EXPECT_EQ(r1[7], 17.0);
-  EXPECT_EQ(r1[8], -23.0);
-  EXPECT_EQ(r1[9], 19.0);
-  EXPECT_EQ(r1[10], 29.0);
-  EXPECT_EQ(r1[11], 37.0);
-  EXPECT_EQ(r1[12], 31.0);
-  // Axial stress of end i: -F(1) * STRS(13,1); a shear row takes the factor
-  // of the other shear row; a bending row of end j is negated by the axis
-  // change and then by its own formula.
-  EXPECT_EQ(r1[13], 2.0 * 41.0);
-  EXPECT_EQ(r1[14], -5.0 * 47.0);
-  EXPECT_EQ(r1[15], 3.0 * 43.0);
-  EXPECT_EQ(r1[25], -37.0 * -97.0);
-  EXPECT_EQ(r1[27], r1[13] + r1[17] + r1[18]);
-  for (int s = 1; s <= kSteps; ++s) {
-    expect_rows(got[static_cast<size_t>(s - 1)], expected_rows(rec.strs, 26, 12, step_disp(12, s)),
-                "step");
-    EXPECT_EQ(row35[static_cast<size_t>(s - 1)], 0.0) << "rows behind 34 stay untouched";
-  }
+  Request r = a.request(type, 1, nsteps);
+  r.serials = r.elements = {serial};
+  r.product_index = product_index;
+  return history_rows(k, r, 35);
 }
 
-TEST(BeamHistory, TwelveRowsGiveNoStresses) {
+void expect_rows(const Rows& got, const Rows& want, const std::string& what, double rel = 0.0) {
+  ASSERT_EQ(got.size(), want.size());
+  for (size_t r = 0; r < got.size(); ++r)
+    for (size_t s = 0; s < got[r].size(); ++s)
+      EXPECT_NEAR(got[r][s], want[r][s], rel * std::fabs(want[r][s])) << what << r << s;
+}
+
+TEST(LineHistory, UnitDisplacementRowsByHand) {
   ArchiveFixture a;
-  direct_case(a, 12, 2);
-  BeamRecord rec;
-  rec.nrow = 12;
-  rec.lm = equations(12);
-  rec.strs = test_matrix(12, 12);
-  beam_section(a, {beam_words(rec)});
+  a.direct_case(motion(14, 2));
+  beam_section(a, {beam_words(beam())});
+  wall_beam_section(a, {wall_beam_words(wall_beam())});
   a.write();
-  Kernel k;
-  auto got = all_rows(k, a.request(13, 1, 2), 2);
-  for (int s = 1; s <= 2; ++s) {
-    const Rows want = expected_rows(rec.strs, 12, 12, step_disp(12, s));
-    for (int r = 1; r <= 12; ++r) EXPECT_EQ(got[static_cast<size_t>(s - 1)][r], want[r]);
-    for (int r = 13; r <= 34; ++r) EXPECT_EQ(got[static_cast<size_t>(s - 1)][r], 0.0) << r;
-    EXPECT_NE(want[1], 0.0);
-  }
+  Rows b = line_rows(a, 13, 2);
+  auto r = [&](int row) { return b[static_cast<size_t>(row - 1)][0]; };
+  // The axis change and the sign pattern of the end forces.
+  const double forces[12] = {-2, 5, -3, -7, -13, -11, 17, -23, 19, 29, 37, 31};
+  for (int k = 1; k <= 12; ++k) EXPECT_EQ(r(k), forces[k - 1]) << k;
+  // Axial stress of end i: -F(1) STRS(13,1); a shear row takes the factor of
+  // the other; a bending row of end j is negated by the axis change and by
+  // its own formula; corners add axial and both bending stresses.
+  const std::pair<int, double> hand[] = {{13, 2.0 * 41},  {14, -5.0 * 47},   {15, 3.0 * 43},
+                                         {20, 17.0 * 71}, {25, -37.0 * -97}, {35, 0.0}};
+  for (auto [row, v] : hand) EXPECT_EQ(r(row), v) << row;
+  EXPECT_EQ(r(27), r(13) + r(17) + r(18));
+  EXPECT_EQ(r(31), r(20) + r(24) + r(25));
+
+  // The wall beam: the bimoment of end i (41) is negated, that of end j
+  // (43) is not; both reach the corners through their warping factors.
+  const Rows w = line_rows(a, 14, 2);
+  auto q = [&](int row) { return w[static_cast<size_t>(row - 1)][0]; };
+  const double R19 = 2.0 * 67, R23 = 11.0 * -83, R24 = -13.0 * -89, R26 = 41.0 * 139;
+  const double R46 = 17.0 * 101, R50 = 31.0 * 113, R51 = -37.0 * 127, R53 = 43.0 * -157;
+  const std::pair<int, double> wall[] = {{1, -2.0},
+                                         {5, -13.0},
+                                         {12, 31.0},
+                                         {13, R19},
+                                         {14, -5.0 * 73},
+                                         {17, R23},
+                                         {27, R19 + R23 + R24 + R26},
+                                         {20, R46},
+                                         {21, -23.0 * 103},
+                                         {31, R46 + R50 + R51 + R53},
+                                         {35, 0.0}};
+  for (auto [row, v] : wall) EXPECT_EQ(q(row), v) << row;
 }
 
-// Support motion makes the node pair observable: the constrained first dof
-// of end i follows the support row of its node.
-std::vector<double> support_history(int nsteps) {
-  std::vector<double> h;
-  for (int s = 1; s <= nsteps; ++s) h.push_back(100.0 + 7.0 * s);
-  return h;
-}
-
-TEST(BeamHistory, FewerEquationsPutTheNodePairBehindTheMatrix) {
-  constexpr int kSteps = 2;
-  ArchiveFixture a;
-  direct_case(a, 6, kSteps);
-  BeamRecord rec;
-  rec.neq = 6;
-  rec.lm = {0, 2, 3, 4, 5, 6};
-  rec.strs = test_matrix(26, 6);
-  rec.node_i = 77;
-  rec.node_j = 78;
-  std::vector<double> w = beam_words(rec);
-  // Integer parts of the count words play no role here.
-  w[324] = 555.06;
-  w[325] = 444.26;
-  beam_section(a, {w});
-  support_motion(a, 1, {{5, 1}, {77, 1}, {77, 4}}, {{1, 1}, support_history(kSteps), {9, 9}}, kSteps);
-  a.write();
-
-  Kernel k;
-  auto got = all_rows(k, a.request(13, 1, kSteps), kSteps);
-  for (int s = 1; s <= kSteps; ++s) {
-    std::vector<double> d = step_disp(6, s);
-    d[0] = support_history(kSteps)[static_cast<size_t>(s - 1)];
-    expect_rows(got[static_cast<size_t>(s - 1)], expected_rows(rec.strs, 26, 6, d), "six equations");
-  }
-}
-
-TEST(BeamHistory, PackedWordsShareNodeAndCount) {
-  constexpr int kSteps = 2;
-  ArchiveFixture a;
-  direct_case(a, 12, kSteps);
-  BeamRecord rec;
-  rec.lm = equations(12);
-  rec.lm[0] = 0;  // end i, x: support motion of node 1234
-  rec.lm[6] = 0;  // end j, x: the same node
-  rec.strs = test_matrix(26, 12);
-  std::vector<double> w = beam_words(rec);
-  w[324] = 1234.12;
-  w[325] = 1234.26;
-  beam_section(a, {w});
-  support_motion(a, 1, {{1234, 1}}, {support_history(kSteps)}, kSteps);
-  a.write();
-
-  Kernel k;
-  auto got = all_rows(k, a.request(13, 1, kSteps), kSteps);
-  for (int s = 1; s <= kSteps; ++s) {
-    std::vector<double> d = step_disp(12, s);
-    d[0] = d[6] = support_history(kSteps)[static_cast<size_t>(s - 1)];
-    expect_rows(got[static_cast<size_t>(s - 1)], expected_rows(rec.strs, 26, 12, d), "packed");
-  }
-}
-
-const std::vector<double> kInitial = {1.5, -2.5, 3.5, -4.5, 5.5, -6.5, 7.5, -8.5, 9.5, -10.5, 11.5, -12.5};
-
-TEST(BeamHistory, ElementFactorScalesForcesAfterInitialForcesUnderItsTagOnly) {
-  constexpr int kSteps = 2;
-  for (const bool hnq : {true, false}) {
-    ArchiveFixture a(hnq ? "H.N.Q" : "P.R.W");
-    direct_case(a, 12, kSteps);
-    BeamRecord rec;
-    rec.lm = equations(12);
-    rec.strs = test_matrix(26, 12);
-    rec.factor = 2.5;
-    beam_section(a, {beam_words(rec)});
-    beam_initial_forces(a, 1, {kInitial});
-    a.write();
-    Kernel k;
-    Request r = a.request(13, 1, kSteps);
-    r.product_index = hnq ? 4 : 1;
-    auto got = all_rows(k, r, kSteps);
-    for (int s = 1; s <= kSteps; ++s) {
-      const Rows want =
-          expected_rows(rec.strs, 26, 12, step_disp(12, s), kInitial.data(), hnq ? 2.5 : 1.0);
-      expect_rows(got[static_cast<size_t>(s - 1)], want, hnq ? "H.N.Q" : "P.R.W");
-    }
-  }
-}
-
-TEST(BeamHistory, InactiveBeamUnderFirstDirectFileKeepsOnlyItsInitialForces) {
-  constexpr int kSteps = 3;
-  ArchiveFixture a;
-  direct_case(a, 12, kSteps);
-  BeamRecord rec;
-  rec.lm = equations(12);
-  rec.strs = test_matrix(26, 12);
-  beam_section(a, {beam_words(rec), beam_words(rec)});
-  beam_initial_forces(a, 1, {kInitial, kInitial});
-  // Element 1 is a late-activated beam; element 2 is listed as a truss only.
-  inactive_elements(a, {1}, {{0, 2, 1}, {0, 1, 2}});
-  a.write();
-
-  Kernel k;
-  Request r = a.request(13, 1, kSteps);
-  auto inactive = all_rows(k, r, kSteps);
-  r.serials = {2};
-  auto active = all_rows(k, r, kSteps);
-  const std::vector<double> still(12, 0.0);
-  for (int s = 1; s <= kSteps; ++s) {
-    const Rows want = expected_rows(rec.strs, 26, 12, still, kInitial.data());
-    expect_rows(inactive[static_cast<size_t>(s - 1)], want, "inactive");
-    EXPECT_EQ(inactive[static_cast<size_t>(s - 1)][1], 1.5);
-    EXPECT_NE(inactive[static_cast<size_t>(s - 1)][13], 0.0);
-    expect_rows(active[static_cast<size_t>(s - 1)],
-                expected_rows(rec.strs, 26, 12, step_disp(12, s), kInitial.data()), "active");
-  }
-}
-
-TEST(BeamHistory, InactiveBeamUnderOtherDirectFileLosesItsActivationDisplacement) {
-  constexpr int kSteps = 2;
-  ArchiveFixture a;
-  direct_case(a, 12, kSteps, 2);
-  BeamRecord rec;
-  rec.lm = equations(12);
-  rec.lm[11] = 0;  // a constrained dof takes no initial displacement
-  rec.strs = test_matrix(26, 12);
-  beam_section(a, {beam_words(rec)});
-  inactive_elements(a, {1}, {{0, 2, 1}});
-  std::vector<double> at_activation;
-  for (int e = 1; e <= 12; ++e) at_activation.push_back(0.25 * e);
-  activation_displacements(a, at_activation);
-  a.write();
-
-  Kernel k;
-  auto got = all_rows(k, a.request(13, 1, kSteps), kSteps);
-  for (int s = 1; s <= kSteps; ++s) {
-    std::vector<double> d = step_disp(12, s);
-    for (int e = 1; e <= 11; ++e) d[static_cast<size_t>(e - 1)] -= 0.25 * e;
-    d[11] = 0.0;
-    expect_rows(got[static_cast<size_t>(s - 1)], expected_rows(rec.strs, 26, 12, d), "activated");
-  }
-}
-
-TEST(BeamHistory, ColumnRulesOfTheRequestModes) {
-  constexpr int kSteps = 3;
-  ArchiveFixture a;
-  direct_case(a, 12, kSteps);
-  BeamRecord one, two;
-  one.lm = two.lm = equations(12);
-  one.strs = test_matrix(26, 12, 1.0);
-  two.strs = test_matrix(26, 12, 3.0);
-  beam_section(a, {beam_words(one), beam_words(two)});
-  a.write();
-  const Rows one2 = expected_rows(one.strs, 26, 12, step_disp(12, 2));
-  const Rows two2 = expected_rows(two.strs, 26, 12, step_disp(12, 2));
-
-  Kernel k;
-  Request r = a.request(13, 1, 1);
-  r.request_mode = 2;
-  r.num_items = 2;
-  r.step_no = 2;
-  r.serials = {1, 2};
-  r.elements = {1, 2};
-  // C 1: force row 1 of both ends of each item; C 8: row 14 and 21; C 14:
-  // corner rows 27 and 31.
-  const std::array<std::array<int, 3>, 3> picks = {{{1, 1, 7}, {8, 14, 21}, {14, 27, 31}}};
-  for (const auto& [c, ra, rb] : picks) {
-    r.result_comp = c;
-    Result res = k.run(r);
-    ASSERT_EQ(res.values.size(), 4u);
-    EXPECT_EQ(res.values[0], one2[static_cast<size_t>(ra)]) << c;
-    EXPECT_EQ(res.values[1], one2[static_cast<size_t>(rb)]) << c;
-    EXPECT_EQ(res.values[2], two2[static_cast<size_t>(ra)]) << c;
-    EXPECT_EQ(res.values[3], two2[static_cast<size_t>(rb)]) << c;
-  }
-
-  // Mode 3: the step's rows 1..6 in the column of each item, zeros behind.
-  r.request_mode = 3;
-  r.num_steps = kSteps;
-  r.result_comp = 1;
-  Result res = k.run(r);
-  ASSERT_EQ(res.values.size(), 24u);
-  for (int row = 1; row <= 6; ++row) {
-    EXPECT_EQ(res.values[static_cast<size_t>(row - 1)], one2[static_cast<size_t>(row)]);
-    EXPECT_EQ(res.values[static_cast<size_t>(6 + row - 1)], two2[static_cast<size_t>(row)]);
-    EXPECT_EQ(res.values[static_cast<size_t>(12 + row - 1)], 0.0);
-    EXPECT_EQ(res.values[static_cast<size_t>(18 + row - 1)], 0.0);
-  }
-
-  // Mode 1 lists one item: the first.
-  Request h = a.request(13, 9, kSteps);
-  h.serials = {1, 2};
-  h.elements = {1, 2};
-  h.num_items = 2;
-  Result hist = k.run(h);
-  ASSERT_EQ(hist.values.size(), static_cast<size_t>(kSteps));
-  EXPECT_EQ(hist.values[1], one2[9]);
-}
-
-TEST(BeamHistory, ShortOrCorruptRecordsGiveZerosWithoutFailing) {
-  ArchiveFixture a;
-  direct_case(a, 12, 2);
-  // A section whose records are too short for a beam record.
-  Section& s = a.writer().second().add(sections::BEAM, 3, 200, 2);
-  s.put_f64s(1, 0, std::vector<double>(100, 1.12));
-  a.write();
-  Kernel k;
-  for (int c : {1, 7, 13, 27, 34}) {
-    Result res = k.run(a.request(13, c, 2));
-    ASSERT_EQ(res.status, STATUS_DONE);
-    ASSERT_EQ(res.values.size(), 2u);
-    EXPECT_EQ(res.values[0], 0.0);
-    EXPECT_EQ(res.values[1], 0.0);
-  }
-
-  // Counts far beyond the declared arrays, and an element number past the
-  // section's end: the run goes on and stays inside its arrays.
-  ArchiveFixture b;
-  direct_case(b, 12, 2);
-  std::vector<double> w(327, 1.0);
-  w[324] = 7.20;
-  w[325] = 7.40;
-  beam_section(b, {w});
-  b.write();
-  Kernel k2;
-  Request r = b.request(13, 27, 2);
-  EXPECT_EQ(k2.run(r).status, STATUS_DONE);
-  r.serials = {1000};
-  EXPECT_EQ(k2.run(r).status, STATUS_DONE);
-}
-
-// A prismatic member: the recovery matrix is its local stiffness in the dof
-// order u, v, w, rx, ry, rz of end i and then end j.
-struct Member {
-  double E = 210000.0, G = 80000.0, A = 0.02, Iy = 3.0e-4, Iz = 5.0e-4, J = 1.0e-4, L = 4.0;
-};
-
-std::vector<double> local_stiffness(const Member& m) {
-  std::vector<double> k(144, 0.0);
-  auto add = [&](int i, int j, double v) { k[static_cast<size_t>((j - 1) * 12 + (i - 1))] += v; };
-  auto block = [&](const int (&dof)[4], double c, const double (&t)[4][4]) {
-    for (int a = 0; a < 4; ++a) {
-      for (int b = 0; b < 4; ++b) add(dof[a], dof[b], c * t[a][b]);
-    }
+// A prismatic member: the recovery matrix is its local stiffness (dof u, v,
+// w, rx, ry, rz of end i, then end j).
+TEST(LineHistory, PrismaticMemberRigidBodyStretchAndCantilever) {
+  const double E = 210000.0, G = 80000.0, A = 0.02, Iy = 3.0e-4, Iz = 5.0e-4, J = 1.0e-4, L = 4.0;
+  std::vector<double> k(26 * 12, 0.0);
+  auto add = [&](int i, int j, double v) { k[static_cast<size_t>((j - 1) * 26 + i - 1)] += v; };
+  auto pair = [&](int i, int j, double c) {
+    add(i, i, c), add(j, j, c), add(i, j, -c), add(j, i, -c);
   };
-  const double L = m.L;
-  const double ea = m.E * m.A / L, gj = m.G * m.J / L;
-  add(1, 1, ea); add(7, 7, ea); add(1, 7, -ea); add(7, 1, -ea);
-  add(4, 4, gj); add(10, 10, gj); add(4, 10, -gj); add(10, 4, -gj);
-  const double xy[4][4] = {{12, 6 * L, -12, 6 * L},
-                           {6 * L, 4 * L * L, -6 * L, 2 * L * L},
-                           {-12, -6 * L, 12, -6 * L},
-                           {6 * L, 2 * L * L, -6 * L, 4 * L * L}};
-  const double xz[4][4] = {{12, -6 * L, -12, -6 * L},
-                           {-6 * L, 4 * L * L, 6 * L, 2 * L * L},
-                           {-12, 6 * L, 12, 6 * L},
-                           {-6 * L, 2 * L * L, 6 * L, 4 * L * L}};
-  block({2, 6, 8, 12}, m.E * m.Iz / (L * L * L), xy);
-  block({3, 5, 9, 11}, m.E * m.Iy / (L * L * L), xz);
-  return k;
-}
-
-TEST(BeamHistory, PrismaticMemberRigidBodyStretchAndCantilever) {
-  const Member m;
-  const double delta = 1.0e-3;
-  // Step 1: rigid-body translation and rotation; 2: axial stretch;
-  // 3: cantilever tip deflection in the x-y plane with its free-end slope;
-  // 4: the same in the x-z plane.
-  std::vector<std::array<double, 12>> d(4);
-  const double t[3] = {0.01, -0.02, 0.03}, w[3] = {0.002, -0.003, 0.004};
-  for (int c = 0; c < 3; ++c) {
-    d[0][static_cast<size_t>(c)] = t[c];
-    d[0][static_cast<size_t>(3 + c)] = d[0][static_cast<size_t>(9 + c)] = w[c];
-  }
-  d[0][6] = t[0];
-  d[0][7] = t[1] + w[2] * m.L;
-  d[0][8] = t[2] - w[1] * m.L;
-  d[1][6] = delta;
-  d[2][7] = delta;
-  d[2][11] = 1.5 * delta / m.L;
-  d[3][8] = delta;
-  d[3][10] = -1.5 * delta / m.L;
-
-  ArchiveFixture a;
-  a.history_cases({{2, 1, 4, 0, 0}});
-  std::vector<EquationHistory> eqs(12);
-  for (int e = 0; e < 12; ++e) {
-    for (int s = 0; s < 4; ++s) {
-      eqs[static_cast<size_t>(e)].disp.push_back(d[static_cast<size_t>(s)][static_cast<size_t>(e)]);
-      eqs[static_cast<size_t>(e)].vel.push_back(0.0);
-      eqs[static_cast<size_t>(e)].acc.push_back(0.0);
-    }
-  }
-  a.direct_histories(1, eqs, 4);
+  pair(1, 7, E * A / L);
+  pair(4, 10, G * J / L);
+  auto bending = [&](const int(&d)[4], double c, double s) {  // s: sign of the rotation terms
+    const double t[4][4] = {{12, s * 6 * L, -12, s * 6 * L},
+                            {s * 6 * L, 4 * L * L, -s * 6 * L, 2 * L * L},
+                            {-12, -s * 6 * L, 12, -s * 6 * L},
+                            {s * 6 * L, 2 * L * L, -s * 6 * L, 4 * L * L}};
+    for (int a = 0; a < 4; ++a)
+      for (int b = 0; b < 4; ++b) add(d[a], d[b], c * t[a][b]);
+  };
+  bending({2, 6, 8, 12}, E * Iz / (L * L * L), 1.0);
+  bending({3, 5, 9, 11}, E * Iy / (L * L * L), -1.0);
+  add(13, 1, -1.0 / A);  // end stresses F/A, tension positive
+  add(20, 4, 1.0 / A);
+  // Steps: rigid translation and rotation; axial stretch; tip deflections
+  // with their free-end slopes in x-y and x-z.
+  const double delta = 1.0e-3, t[3] = {0.01, -0.02, 0.03}, w[3] = {0.002, -0.003, 0.004};
+  Motion d(12, std::vector<double>(4, 0.0));
+  for (int c = 0; c < 3; ++c) d[c][0] = t[c], d[3 + c][0] = d[9 + c][0] = w[c];
+  d[6][0] = t[0], d[7][0] = t[1] + w[2] * L, d[8][0] = t[2] - w[1] * L;
+  d[6][1] = delta;
+  d[7][2] = delta, d[11][2] = 1.5 * delta / L;
+  d[8][3] = delta, d[10][3] = -1.5 * delta / L;
+  ArchiveFixture arch;
+  arch.direct_case(d);
   BeamRecord rec;
   rec.lm = equations(12);
-  std::vector<double> kmat = local_stiffness(m);
-  rec.strs.assign(26 * 12, 0.0);
-  for (int j = 1; j <= 12; ++j) {
-    for (int i = 1; i <= 12; ++i) {
-      rec.strs[static_cast<size_t>((j - 1) * 26 + i - 1)] = kmat[static_cast<size_t>((j - 1) * 12 + i - 1)];
+  rec.strs = k;
+  beam_section(arch, {beam_words(rec)});
+  arch.write();
+  const Rows r = line_rows(arch, 13, 4);
+  const double N = E * A * delta / L, Pz = 3 * E * Iz * delta / (L * L * L),
+               Py = 3 * E * Iy * delta / (L * L * L);
+  // Rows 1..12 of each step: nothing; tension at both ends; the cantilever
+  // with its root moment P L and no tip moment, in x-y, then in x-z with
+  // the rotation about y opposite to the slope.
+  const double want[4][12] = {{},
+                              {N, 0, 0, 0, 0, 0, N},
+                              {0, 0, Pz, 0, Pz * L, 0, 0, 0, Pz},
+                              {0, -Py, 0, 0, 0, -Py * L, 0, -Py}};
+  for (int s = 0; s < 4; ++s)
+    for (int row = 0; row < 12; ++row)
+      EXPECT_NEAR(r[row][s], want[s][row], 1e-9 * N) << s << " " << row + 1;
+  for (int row = 12; row < 34; ++row)
+    EXPECT_NEAR(r[row][0], 0.0, 1e-9 * N) << "rigid, row " << row + 1;
+  EXPECT_NEAR(r[12][1], E * delta / L, 1e-9);
+  EXPECT_NEAR(r[19][1], E * delta / L, 1e-9);
+}
+
+// Under "H.N.Q" the element factor scales every row, initial forces
+// included; under any other tag it does nothing.
+TEST(LineHistory, ElementFactorScalesEveryRowUnderItsTagOnly) {
+  auto run = [](const char* tag, double factor) {
+    ArchiveFixture a(tag);
+    a.direct_case(motion(12, 3));
+    BeamRecord rec = beam();
+    rec.factor = factor;
+    beam_section(a, {beam_words(rec)});
+    beam_initial_forces(a, 1,
+                        {{1.5, -2.5, 3.5, -4.5, 5.5, -6.5, 7.5, -8.5, 9.5, -10.5, 11.5, -12.5}});
+    a.write();
+    return line_rows(a, 13, 3, 1, std::string(tag) == "H.N.Q" ? 4 : 1);
+  };
+  const Rows plain = run("P.R.W", 1.0);
+  expect_rows(run("P.R.W", 2.5), plain, "other tag");
+  Rows scaled = plain;
+  for (auto& row : scaled)
+    for (double& v : row) v *= 2.5;
+  expect_rows(run("H.N.Q", 2.5), scaled, "H.N.Q", 1e-14);
+}
+
+// A late-activated element of a case kept in direct file 1 shows only its
+// initial forces (the run with no motion); in another direct file it moves
+// by its displacements less those at its activation. An element listed under
+// another kind is active.
+TEST(LineHistory, LateActivationIsTheRunWithTheMotionItHadSince) {
+  for (const int type : {13, 14}) {
+    const int neq = type == 13 ? 12 : 14, other_kind = type == 13 ? 1 : 2;
+    std::vector<double> init(static_cast<size_t>(neq)), dspl;
+    for (int e = 1; e <= neq; ++e) init[e - 1] = 0.5 * e - 4.0, dspl.push_back(0.25 * e);
+    auto run = [&](const Motion& d, int file_no, bool tables, int serial) {
+      ArchiveFixture a;
+      a.direct_case(d, file_no);
+      if (type == 13) {
+        BeamRecord rec = beam();
+        rec.lm[11] = 0;  // a constrained dof takes no activation displacement
+        beam_section(a, {beam_words(rec), beam_words(rec)});
+        beam_initial_forces(a, 1, {init, init});
+      } else {
+        wall_beam_section(a, {wall_beam_words(wall_beam()), wall_beam_words(wall_beam())});
+        wall_beam_initial_forces(a, 1, {init, init});
+      }
+      if (tables) {
+        inactive_elements(a, {1}, {{0, type == 13 ? 2 : 41, 1}, {0, other_kind, 2}});
+        activation_displacements(a, dspl);
+      }
+      a.write();
+      return line_rows(a, type, 3, serial);
+    };
+    const Motion d = motion(neq, 3);
+    Motion still(d.size(), std::vector<double>(3, 0.0)), since = d;
+    for (int e = 1; e <= neq; ++e)
+      for (double& v : since[e - 1]) v -= dspl[e - 1];
+    const std::string what = type == 13 ? "beam" : "wall beam";
+    expect_rows(run(d, 1, true, 1), run(still, 1, false, 1), what + ", direct file 1");
+    expect_rows(run(d, 1, true, 2), run(d, 1, false, 2), what + ", listed as another kind");
+    expect_rows(run(d, 2, true, 1), run(since, 2, false, 1), what + ", direct file 2", 1e-14);
+  }
+}
+
+// A constrained translation takes the support motion of its node (the node
+// pair behind the matrix, or in the packed count words): the same rows as an
+// equation whose history is that support motion.
+TEST(LineHistory, SupportMotionActsAsAnEquationWithThatHistory) {
+  struct Variant {
+    int type, neq, node;
+    std::vector<int> fixed;  // dof (from 0) constrained, all at NODE
+  };
+  for (const Variant& v :
+       {Variant{13, 6, 77, {0}}, Variant{13, 12, 1234, {0, 6}}, Variant{14, 14, 31, {0}}}) {
+    auto run = [&](bool support) {
+      ArchiveFixture a;
+      Motion d = motion(v.neq + 1, 2);
+      d.back() = {100.0 + 7.0, 100.0 + 14.0};
+      a.direct_case(d);
+      std::vector<double> lm = equations(v.neq);
+      for (int f : v.fixed) lm[static_cast<size_t>(f)] = support ? 0 : v.neq + 1;
+      if (v.type == 13) {
+        BeamRecord rec;
+        rec.neq = v.neq;
+        rec.lm = lm;
+        rec.strs = matrix(26, v.neq, 12, {{13, 19, 1}, {20, 26, 4}});
+        rec.node_i = v.node;
+        rec.node_j = v.neq == 12 ? v.node : 78;
+        beam_section(a, {beam_words(rec)});
+      } else {
+        WallBeamRecord rec = wall_beam();
+        rec.lm = lm;
+        wall_beam_section(a, {wall_beam_words(rec)});
+      }
+      if (support)
+        support_motion(a, 1, {{5, 1}, {v.node, 1}, {v.node, 4}}, {{1, 1}, d.back(), {9, 9}}, 2);
+      a.write();
+      return line_rows(a, v.type, 2);
+    };
+    expect_rows(run(true), run(false),
+                "type " + std::to_string(v.type) + " NEQ " + std::to_string(v.neq));
+  }
+}
+
+TEST(LineHistory, ShortOrCorruptRecordsGiveZerosWithoutFailing) {
+  for (int variant = 0; variant < 2; ++variant) {
+    ArchiveFixture a;
+    a.direct_case(motion(14, 2));
+    if (variant == 0) {
+      a.writer()
+          .second()
+          .add(sections::BEAM, 3, 200, 2)
+          .put_f64s(1, 0, std::vector<double>(100, 1.12));
+      a.writer()
+          .second()
+          .add(sections::WBMM, 3, 2000, 1)
+          .put_f64s(1, 0, std::vector<double>(1000, 1.14));
+    } else {  // counts far beyond the arrays, in records of the right length
+      std::vector<double> w(327, 1.0), ww(1053, 1.0);
+      w[324] = 7.20, w[325] = 7.40, ww[1050] = 7.20, ww[1051] = 7.90;
+      beam_section(a, {w});
+      wall_beam_section(a, {ww});
+    }
+    a.write();
+    for (int type : {13, 14}) {
+      for (const auto& row : variant == 0 ? line_rows(a, type, 2) : Rows{})
+        for (double v : row) EXPECT_EQ(v, 0.0);
+      Kernel k;
+      Request q = a.request(type, 27, 2);
+      q.serials = {1000};
+      EXPECT_EQ(k.run(q).status, STATUS_DONE);
     }
   }
-  // Axial stress factors that turn the end forces into F/A, tension positive.
-  rec.strs[static_cast<size_t>(12)] = -1.0 / m.A;               // STRS(13, 1)
-  rec.strs[static_cast<size_t>(3 * 26 + 19)] = 1.0 / m.A;       // STRS(20, 4)
-  beam_section(a, {beam_words(rec)});
-  a.write();
-
-  Kernel k;
-  auto got = all_rows(k, a.request(13, 1, 4), 4);
-  const double force_scale = m.E * m.A * delta / m.L;
-  for (int r = 1; r <= 34; ++r) EXPECT_NEAR(got[0][r], 0.0, 1e-9 * force_scale) << "rigid, row " << r;
-
-  // Axial stretch: EA delta / L at both ends, tension positive, and the
-  // axial stress E delta / L.
-  const double N = m.E * m.A * delta / m.L;
-  for (int r = 1; r <= 12; ++r) {
-    const double want = (r == 1 || r == 7) ? N : 0.0;
-    EXPECT_NEAR(got[1][r], want, 1e-12 * N) << "axial, row " << r;
-  }
-  EXPECT_NEAR(got[1][13], m.E * delta / m.L, 1e-9);
-  EXPECT_NEAR(got[1][20], m.E * delta / m.L, 1e-9);
-
-  // Cantilever in x-y: tip load P = 3 E Iz delta / L^3, root moment P L, no
-  // moment at the tip.
-  const double Pz = 3.0 * m.E * m.Iz * delta / (m.L * m.L * m.L);
-  const Rows& xy = got[2];
-  EXPECT_NEAR(xy[3], Pz, 1e-9 * Pz);
-  EXPECT_NEAR(xy[9], Pz, 1e-9 * Pz);
-  EXPECT_NEAR(xy[5], Pz * m.L, 1e-9 * Pz * m.L);
-  EXPECT_NEAR(xy[11], 0.0, 1e-9 * Pz * m.L);
-  for (int r : {1, 2, 4, 6, 7, 8, 10, 12}) EXPECT_NEAR(xy[r], 0.0, 1e-9 * Pz * m.L) << r;
-
-  // Cantilever in x-z, with the rotation about y opposite to the slope.
-  const double Py = 3.0 * m.E * m.Iy * delta / (m.L * m.L * m.L);
-  const Rows& xz = got[3];
-  EXPECT_NEAR(xz[2], -Py, 1e-9 * Py);
-  EXPECT_NEAR(xz[8], -Py, 1e-9 * Py);
-  EXPECT_NEAR(xz[6], -Py * m.L, 1e-9 * Py * m.L);
-  EXPECT_NEAR(xz[12], 0.0, 1e-9 * Py * m.L);
-  for (int r : {1, 3, 4, 5, 7, 9, 10, 11}) EXPECT_NEAR(xz[r], 0.0, 1e-9 * Py * m.L) << r;
 }
 
 }  // namespace

@@ -1,18 +1,17 @@
 // One plate quadrilateral at a time: stresses of fields whose answer is known
-// (rigid motion, constant strain and curvature, pure in-plane bending, the
-// side shear law, the warp rows), the stiffness's null space, the two
-// condensations and the message trace.
+// (rigid motion, constant strain and curvature, the side shear law, the warp
+// rows), the general routines against the ordinary ones, the stiffness's
+// null space and the membrane's condensations.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <sstream>
 #include <tuple>
 
-#include "run/kernel_state.hpp"
 #include "plane/panel_axes.hpp"
 #include "plate/dkmq.hpp"
 #include "plate/quad_drilling.hpp"
 #include "plate/wilson.hpp"
+#include "run/kernel_state.hpp"
 
 namespace respcore {
 namespace {
@@ -134,29 +133,6 @@ TEST_P(QuadFields, RigidMotionIsFreeAndConstantFieldsAreExact) {
 INSTANTIATE_TEST_SUITE_P(Quad, QuadFields,
                          ::testing::Combine(::testing::Values(0, 1), ::testing::Values(0, 1)));
 
-// u = k x y, v = -k (x^2 + nu y^2)/2 about the centre of a parallelogram
-// with sides along x: the incompatible modes carry it exactly, sx = E k y,
-// sy = txy = 0.
-TEST(QuadModes, PureInPlaneBendingIsExactWithTheModes) {
-  const double g[12] = {0, 0, 0, 3, 0, 0, 3.6, 1, 0, 0.6, 1, 0}, kb = 1e-3;
-  for (int routine : {0, 2}) {
-    Quad q(g);
-    double d[24] = {};
-    for (int n = 0; n < 4; ++n) {
-      const double x = q.loc[n][0] - 1.8, y = q.loc[n][1] - 0.5;
-      d[6 * n] = kb * x * y;
-      d[6 * n + 1] = -kb * (x * x + 0.25 * y * y) / 2;
-    }
-    q.stress(routine, 0, d, 1, 0, ordinary_section());
-    for (int p = 1; p < 5; ++p) {
-      const double y = (p < 3 ? -0.5 : 0.5) / std::sqrt(3.0);
-      EXPECT_NEAR(q.st[8 * p], kE * kb * y, 1e-12);
-      EXPECT_NEAR(q.st[8 * p + 1], 0.0, 1e-12);
-      EXPECT_NEAR(q.st[8 * p + 2], 0.0, 1e-12);
-    }
-  }
-}
-
 // Kinds 0-3: with the ordinary section the general routines are the
 // ordinary ones (thick or thin, either membrane), flat or warped. Kind 4:
 // with equal thicknesses and ribs the stiffened section is the plain plate,
@@ -260,81 +236,48 @@ TEST(QuadStiffness, RigidMotionsAreInItsNullSpace) {
     }
 }
 
-TEST(MembraneCondensation, CholeskyAndBlasFormsMatchTheOrdinaryOnes) {
-  double xy[8] = {0, 0, 2.0, 0.3, 1.6, 1.9, -0.2, 1.2}, xr[8], s[3][144], w[2][36];
+// The Cholesky form of the mode condensation is the ordinary one, and an
+// isotropic element's condensed stiffness turns with the element; the
+// general drilling membrane with an isotropic D is the ordinary one (up to
+// its single-precision penalty factor), whose uniform drilling rotation is
+// held by the spin penalty alone: energy 0.001 E T AREA / (1 + nu) rz^2.
+TEST(MembraneCondensation, GeneralFormsAreTheOrdinaryOnes) {
+  double xy[8] = {0, 0, 2.0, 0.3, 1.6, 1.9, -0.2, 1.2}, s[2][144], w[2][36];
   double d[9] = {900, 200, 40, 200, 700, -30, 40, -30, 300};
   double di[9] = {kC, 0.25 * kC, 0, 0.25 * kC, kC, 0, 0, 0, kG};
   MatRef<double> XY(xy, 2, 4, "XY"), D(d, 3, 3, "D");
-  auto S = [&](int k) { return MatRef<double>(s[k], 12, 12, "S"); };
-  WILSON(XY, D, 0.1, 12, 0, S(0), MatRef<double>(w[0], 4, 9, "W"));
-  WILSON_GNRL(XY, D, 0.1, 12, 0, S(1), MatRef<double>(w[1], 4, 9, "W"));
+  WILSON(XY, D, 0.1, 12, 0, MatRef<double>(s[0], 12, 12, "S"), MatRef<double>(w[0], 4, 9, "W"));
+  WILSON_GNRL(XY, D, 0.1, 12, 0, MatRef<double>(s[1], 12, 12, "S"),
+              MatRef<double>(w[1], 4, 9, "W"));
   for (int i = 0; i < 36; ++i) EXPECT_NEAR(w[0][i], w[1][i], 1e-12);
   for (int i = 0; i < 64; ++i)
     EXPECT_NEAR(s[0][i % 8 + 12 * (i / 8)], s[1][i % 8 + 12 * (i / 8)], 1e-9);
   // Isotropic: the condensed stiffness turns with the element, K' = R K R'.
+  double xr[8], sr[144];
   const double c = std::cos(0.7), sn = std::sin(0.7), r[2][2] = {{c, -sn}, {sn, c}};
   for (int k = 0; k < 8; ++k) xr[k] = r[k % 2][0] * xy[k - k % 2] + r[k % 2][1] * xy[k - k % 2 + 1];
-  WILSON(XY, MatRef<double>(di, 3, 3, "D"), 0.1, 12, 0, S(0), MatRef<double>(w[0], 4, 9, "W"));
-  WILSON(MatRef<double>(xr, 2, 4, "XY"), MatRef<double>(di, 3, 3, "D"), 0.1, 12, 0, S(2),
-         MatRef<double>(w[1], 4, 9, "W"));
-  for (int i = 0; i < 8; ++i)
-    for (int j = 0; j < 8; ++j) {
-      double v = 0.0;
-      for (int a = 0; a < 2; ++a)
-        for (int b = 0; b < 2; ++b)
-          v += r[i % 2][a] * s[0][i - i % 2 + a + 12 * (j - j % 2 + b)] * r[j % 2][b];
-      EXPECT_NEAR(s[2][i + 12 * j], v, 1e-9 * kE) << i << "," << j;
-    }
-  // Isotropic D: the general drilling membrane is the ordinary one, up to the
-  // single-precision penalty factor.
+  WILSON(XY, MatRef<double>(di, 3, 3, "D"), 0.1, 12, 0, MatRef<double>(s[0], 12, 12, "S"),
+         MatRef<double>(w[0], 4, 9, "W"));
+  WILSON(MatRef<double>(xr, 2, 4, "XY"), MatRef<double>(di, 3, 3, "D"), 0.1, 12, 0,
+         MatRef<double>(sr, 12, 12, "S"), MatRef<double>(w[1], 4, 9, "W"));
+  for (int i = 0; i < 64; ++i) {
+    double v = 0.0;
+    for (int a = 0; a < 4; ++a)
+      v += r[i % 2][a / 2] * s[0][i % 8 - i % 2 + a / 2 + 12 * (i / 8 - i / 8 % 2 + a % 2)] *
+           r[i / 8 % 2][a % 2];
+    EXPECT_NEAR(sr[i % 8 + 12 * (i / 8)], v, 1e-9 * kE) << i;
+  }
   Quad q(tilted());
   double s1[576] = {}, s2[576] = {};
   QUAD_WITH_DRILLING(q.ctx, XY, kE, kC, 0.25, 0.1, MatRef<double>(s1, 24, 24, "S"), 0);
   QUAD_WITH_DRILLING_GNRL(XY, MatRef<double>(di, 3, 3, "D1"), kG, 0.1,
                           MatRef<double>(s2, 24, 24, "S"));
   for (int i = 0; i < 576; ++i) EXPECT_NEAR(s1[i], s2[i], 1e-6 * std::fabs(s1[i]) + 1e-10);
-  // A uniform drilling rotation is held by the spin penalty alone:
-  // energy 0.001 E T AREA / (1 + nu) rz^2, the hourglass term taking none.
   double area = 0.0, e = 0.0;
   for (int k = 0; k < 4; ++k)
     area += 0.5 * (xy[2 * k] * xy[(2 * k + 3) % 8] - xy[(2 * k + 2) % 8] * xy[2 * k + 1]);
   for (int i = 0; i < 16; ++i) e += s1[6 * (i % 4) + 5 + 24 * (6 * (i / 4) + 5)];
   EXPECT_NEAR(e, 0.001 * kE * 0.1 * area / 1.25, 1e-7 * e);
-}
-
-// The set-up writes D, DB and DS to the message sink, once per element. The
-// scaled section rebuilds them from its factors: membrane without Poisson
-// coupling, bending with it, shear from one modulus (the first) for both.
-TEST(DkmqTrace, MatricesParseBackFromTheMessages) {
-  Quad q(tilted());
-  const double f[8] = {2, 3, 0.5, 1, 1, 2, 1, 4};
-  q.K.plate.SCALE_FLAG = 1;
-  std::copy(f, f + 8, q.K.plate.SCALE_FACTOR);
-  q.K.ELEM_MATERIAL.MAT_TYPE = 1;
-  q.K.ELEM_MATERIAL.MAT_VALS[7] = 300;  // G13, G23
-  q.K.ELEM_MATERIAL.MAT_VALS[8] = 200;
-  const double want[3][6] = {{2 * kE, 0, 0, 0.05 * kC, 0.0125 * kC, 0},
-                             {0, 3 * kE, 0, 0.0125 * kC, 0.05 * kC, 0},
-                             {0, 0, 0.5 * kG, 0, 0, 0.1 * kG}};
-  const double ds[2][2] = {{250, 0}, {0, 1000}};
-  double d[24] = {};
-  q.stress(0, 0, d);
-  q.stress(0, 0, d, 0);
-  std::istringstream in(q.K.diag.messages);
-  std::string line;
-  auto check = [&](const double* w, size_t n) {
-    std::getline(in, line);
-    ASSERT_EQ(line.size(), 15 * n) << line;
-    for (size_t j = 0; j < n; ++j)
-      EXPECT_NEAR(std::stod(line.substr(15 * j, 15)), w[j], 1e-6 * std::fabs(w[j]));
-  };
-  std::getline(in, line);
-  EXPECT_EQ(line, "D DB MATRIX");
-  for (const auto& row : want) check(row, 6);
-  std::getline(in, line);
-  EXPECT_EQ(line, "DS MATRIX");
-  for (const auto& row : ds) check(row, 2);
-  EXPECT_FALSE(std::getline(in, line)) << "one trace per set-up";
 }
 
 }  // namespace

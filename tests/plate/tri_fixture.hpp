@@ -2,8 +2,8 @@
 // with a given material and the plate context made from it.
 #pragma once
 
-#include "run/kernel_state.hpp"
 #include "plate/plate_context.hpp"
+#include "run/kernel_state.hpp"
 
 namespace respcore::tri_test {
 
@@ -20,8 +20,8 @@ struct Material {
     K.ELEM_MATERIAL.PLATE_PROP[1] = t2;
   }
   // Orthotropic plane-stress material: E1, NU12, E2, G12, G13, G23.
-  void orthotropic(double e1, double nu12, double e2, double g12, double g13, double g23,
-                   double t1, double t2) {
+  void orthotropic(double e1, double nu12, double e2, double g12, double g13, double g23, double t1,
+                   double t2) {
     isotropic(e1, nu12, t1, t2);
     ElementMaterial& m = K.ELEM_MATERIAL;
     m.MAT_TYPE = 1;

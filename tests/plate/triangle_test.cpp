@@ -21,8 +21,8 @@ enum Form { kDkt, kDkmt, kDktGnrl, kDkmtGnrl, kStiffened, kDrill };
 // A field in element axes: (u, v, w, rx, ry, rz) at (x, y).
 struct Field {
   double eps[3] = {}, w2[3] = {}, rigid[6] = {};  // membrane strain; w = (a x^2 + b y^2)/2 + c x y
-  double wlin = 0.0;                               // w = wlin x with no rotation
-  double extra[18] = {};                           // added to the nodal values
+  double wlin = 0.0;                              // w = wlin x with no rotation
+  double extra[18] = {};                          // added to the nodal values
   void at(int n, double x, double y, double d[6]) const {
     const double* r = rigid;  // translation r[0..2], rotation r[3..5]
     d[0] = eps[0] * x + eps[2] / 2 * y + r[0] - r[5] * y;
@@ -44,7 +44,8 @@ struct Placement {
 };
 
 void rotation(const Placement& pl, double Q[3][3]) {
-  const double n = std::sqrt(pl.axis[0] * pl.axis[0] + pl.axis[1] * pl.axis[1] + pl.axis[2] * pl.axis[2]);
+  const double n =
+      std::sqrt(pl.axis[0] * pl.axis[0] + pl.axis[1] * pl.axis[1] + pl.axis[2] * pl.axis[2]);
   const double k[3] = {pl.axis[0] / n, pl.axis[1] / n, pl.axis[2] / n};
   const double c = std::cos(pl.angle), s = std::sin(pl.angle);
   for (int i = 0; i < 3; ++i)
@@ -57,7 +58,8 @@ Blocks run(Form f, Material& m, const Placement& pl, const Field& fld) {
   double Q[3][3], xyz[9], X[3], Y[3], Z[3], tr[9], cst[24] = {}, st[40];
   rotation(pl, Q);
   for (int n = 0; n < 3; ++n) {
-    for (int i = 0; i < 3; ++i) xyz[3 * n + i] = Q[i][0] * pl.p[n][0] + Q[i][1] * pl.p[n][1] + pl.o[i];
+    for (int i = 0; i < 3; ++i)
+      xyz[3 * n + i] = Q[i][0] * pl.p[n][0] + Q[i][1] * pl.p[n][1] + pl.o[i];
     X[n] = xyz[3 * n], Y[n] = xyz[3 * n + 1], Z[n] = xyz[3 * n + 2];
   }
   MatRef<double> TR(tr, 3, 3, "TR"), XYZ(xyz, 3, 3, "XYZ");
@@ -66,27 +68,28 @@ Blocks run(Form f, Material& m, const Placement& pl, const Field& fld) {
     double d[6], g[6];
     fld.at(n, pl.p[n][0], pl.p[n][1], d);
     for (int h = 0; h < 2; ++h)  // to global, then back through the element's own axes
-      for (int i = 0; i < 3; ++i) g[3 * h + i] = Q[i][0] * d[3 * h] + Q[i][1] * d[3 * h + 1] + Q[i][2] * d[3 * h + 2];
+      for (int i = 0; i < 3; ++i)
+        g[3 * h + i] = Q[i][0] * d[3 * h] + Q[i][1] * d[3 * h + 1] + Q[i][2] * d[3 * h + 2];
     for (int h = 0; h < 2; ++h)
       for (int i = 0; i < 3; ++i)
-        cst[6 * n + 3 * h + i] = TR(i + 1, 1) * g[3 * h] + TR(i + 1, 2) * g[3 * h + 1] + TR(i + 1, 3) * g[3 * h + 2];
+        cst[6 * n + 3 * h + i] =
+            TR(i + 1, 1) * g[3 * h] + TR(i + 1, 2) * g[3 * h + 1] + TR(i + 1, 3) * g[3 * h + 2];
   }
   VecRef<double> CONST(cst, 24, "CONST"), ST(st, 40, "ST");
   const PlateContext C = m.ctx();
   int32_t nn = 0;
   DktSaved ds;
   DkmtSaved dm;
-  switch (f) {
-    case kDkt: DKTLMT_STR(C, ds, nn, CONST, ST, XYZ, TR, 1, 1); break;
-    case kDkmt: DKMTLMT_STR(C, dm, nn, CONST, ST, XYZ, TR, 1); break;
-    case kDktGnrl: DKTLMT_STR_GNRL(C, ds, nn, CONST, ST, XYZ, TR, 1, 0); break;
-    case kDkmtGnrl: DKMTLMT_STR_GNRL(C, dm, nn, CONST, ST, XYZ, TR, 1, 0); break;
-    case kStiffened: DKMTLMT_STR_STIFFENED(C, dm, 0, nn, CONST, ST, XYZ, TR, 1); break;
-    case kDrill: DKTLMT_PLANE_STR_DRILL(C, ds, 0, 0.0, 3, CONST, ST, XYZ, TR, 1); break;
-  }
+  if (f == kDkt) DKTLMT_STR(C, ds, nn, CONST, ST, XYZ, TR, 1, 1);
+  if (f == kDkmt) DKMTLMT_STR(C, dm, nn, CONST, ST, XYZ, TR, 1);
+  if (f == kDktGnrl) DKTLMT_STR_GNRL(C, ds, nn, CONST, ST, XYZ, TR, 1, 0);
+  if (f == kDkmtGnrl) DKMTLMT_STR_GNRL(C, dm, nn, CONST, ST, XYZ, TR, 1, 0);
+  if (f == kStiffened) DKMTLMT_STR_STIFFENED(C, dm, 0, nn, CONST, ST, XYZ, TR, 1);
+  if (f == kDrill) DKTLMT_PLANE_STR_DRILL(C, ds, 0, 0.0, 3, CONST, ST, XYZ, TR, 1);
   Blocks b{};
   for (int p = 0; p < 4; ++p)
-    for (int c = 0; c < 8; ++c) b[8 * p + c] = f == kDrill ? (c < 3 ? st[3 * p + c] : 0.0) : st[8 * p + c];
+    for (int c = 0; c < 8; ++c)
+      b[8 * p + c] = f == kDrill ? (c < 3 ? st[3 * p + c] : 0.0) : st[8 * p + c];
   return b;
 }
 
@@ -105,8 +108,8 @@ struct TrianglePhysics : ::testing::TestWithParam<std::tuple<Form, int>> {
 };
 
 // Constant membrane strain and constant Kirchhoff curvature together, on
-// top of a rigid motion (which must add nothing): the membrane rows are D eps, the bending rows (t/2) D kappa (moments per unit
-// width, t^3/12 D kappa, for the ribbed section; the ordinary thick
+// top of a rigid motion (which must add nothing): the membrane rows are D eps, the bending rows
+// (t/2) D kappa (moments per unit width, t^3/12 D kappa, for the ribbed section; the ordinary thick
 // triangle's isotropic rows carry D0 once more), the shear rows zero.
 TEST_P(TrianglePhysics, RigidMotionAndConstantFieldsGiveHandValues) {
   const auto [form, place] = GetParam();
@@ -119,7 +122,10 @@ TEST_P(TrianglePhysics, RigidMotionAndConstantFieldsGiveHandValues) {
   const double d0 = kE / (1 - kNu * kNu);
   const double D[3][3] = {{d0, kNu * d0, 0}, {kNu * d0, d0, 0}, {0, 0, d0 * (1 - kNu) / 2}};
   const double mscale = form == kStiffened ? kT : 1.0;
-  const double bscale = form == kStiffened ? kT * kT * kT / 12 : form == kDrill ? 0.0 : form == kDkmt ? d0 * kT / 2 : kT / 2;
+  const double bscale = form == kStiffened ? kT * kT * kT / 12
+                        : form == kDrill   ? 0.0
+                        : form == kDkmt    ? d0 * kT / 2
+                                           : kT / 2;
   const Blocks b = run(form, m, kPlacements[place], f);
   for (int p = 0; p < 4; ++p)
     for (int r = 0; r < 3; ++r) {
@@ -134,7 +140,8 @@ TEST_P(TrianglePhysics, RigidMotionAndConstantFieldsGiveHandValues) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, TrianglePhysics,
-                         ::testing::Combine(::testing::Values(kDkt, kDkmt, kDktGnrl, kDkmtGnrl, kStiffened, kDrill),
+                         ::testing::Combine(::testing::Values(kDkt, kDkmt, kDktGnrl, kDkmtGnrl,
+                                                              kStiffened, kDrill),
                                             ::testing::Values(0, 1, 2)));
 
 // Transverse shear of w = a x alone on an equilateral triangle: the thick
@@ -162,14 +169,15 @@ TEST(ThickTriangle, ShearFollowsPhiAndThinLimitIsTheThinTriangle) {
   }
   m.isotropic(kE, kNu, 1e-4, 1e-4);
   Field f;
-  const double extra[18] = {0.1, -0.2, 0.3, 0.05, -0.07, 0.02, 0.4, 0.1, -0.3,
-                            -0.02, 0.06, 0.01, -0.1, 0.3, 0.2, 0.03, 0.04, -0.05};
+  const double extra[18] = {0.1,   -0.2, 0.3,  0.05, -0.07, 0.02, 0.4,  0.1,  -0.3,
+                            -0.02, 0.06, 0.01, -0.1, 0.3,   0.2,  0.03, 0.04, -0.05};
   for (int k = 0; k < 18; ++k) f.extra[k] = extra[k];
   const Blocks thick = run(kDkmtGnrl, m, kPlacements[1], f);
   const Blocks thin = run(kDktGnrl, m, kPlacements[1], f);
   for (int p = 0; p < 4; ++p)
     for (int r = 0; r < 6; ++r)
-      EXPECT_NEAR(thick[8 * p + r], thin[8 * p + r], 1e-6 * std::fabs(thin[8 * p + r]) + 1e-9) << p << r;
+      EXPECT_NEAR(thick[8 * p + r], thin[8 * p + r], 1e-6 * std::fabs(thin[8 * p + r]) + 1e-9)
+          << p << r;
 }
 
 }  // namespace

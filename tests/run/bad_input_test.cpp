@@ -2,7 +2,6 @@
 // array, the system's error lines and zeros.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -17,8 +16,8 @@ constexpr double kGuard = -12345.678;
 // Runs a raw request with guard entries around the caller's array and
 // checks they survive.
 std::vector<double> guarded(Kernel& k, const Request& q) {
-  const int64_t n = result_size(q.elem_type, q.result_comp, q.num_steps, q.num_items,
-                                q.request_mode);
+  const int64_t n =
+      result_size(q.elem_type, q.result_comp, q.num_steps, q.num_items, q.request_mode);
   std::vector<double> buf(static_cast<size_t>(n) + 16, kGuard);
   ::testing::internal::CaptureStderr();
   ::testing::internal::CaptureStdout();

@@ -1,7 +1,6 @@
 // Test support for the solid families: small vector algebra, materials,
 // displacement fields, archives of solid elements written with the writer,
-// and an element formulation of the test's own (shape functions, B matrix,
-// integration) from which the stored stress-displacement matrices are made.
+// and the natural node coordinates and placements of the shapes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -92,8 +91,8 @@ inline V6 mul6(const M6& d, const V6& v) {
 struct Material {
   double E = 2.0e5;
   double nu = 0.3;
-  int type = 0;                   // 0 isotropic, 1 orthotropic
-  std::array<double, 9> vals{};   // E2, nu13, -, E3, nu23, -, G12, G23, G31
+  int type = 0;                  // 0 isotropic, 1 orthotropic
+  std::array<double, 9> vals{};  // E2, nu13, -, E3, nu23, -, G12, G23, G31
 };
 
 inline Material orthotropic() {
@@ -105,67 +104,36 @@ inline Material orthotropic() {
   return m;
 }
 
-// Compliance, written down from the engineering constants.
+// Compliance from the engineering constants (the isotropic material being
+// the orthotropic one with equal constants); the elastic matrix is its
+// inverse.
 inline M6 compliance(const Material& m) {
+  const bool o = m.type == 1;
+  const double E1 = m.E, E2 = o ? m.vals[0] : m.E, E3 = o ? m.vals[3] : m.E;
+  const double n12 = m.nu, n13 = o ? m.vals[1] : m.nu, n23 = o ? m.vals[4] : m.nu;
+  const M3 a = {{{1 / E1, -n12 / E1, -n13 / E1},
+                 {-n12 / E1, 1 / E2, -n23 / E2},
+                 {-n13 / E1, -n23 / E2, 1 / E3}}};
   M6 c{};
-  if (m.type == 1) {
-    const double E1 = m.E, E2 = m.vals[0], E3 = m.vals[3];
-    const double n12 = m.nu, n13 = m.vals[1], n23 = m.vals[4];
-    const double a[3][3] = {{1 / E1, -n12 / E1, -n13 / E1},
-                            {-n12 / E1, 1 / E2, -n23 / E2},
-                            {-n13 / E1, -n23 / E2, 1 / E3}};
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 3; ++j) c[i + 6 * j] = a[i][j];
-    for (int i = 0; i < 3; ++i) c[(3 + i) * 7] = 1.0 / m.vals[6 + i];
-  } else {
-    const double G = m.E / (2 * (1 + m.nu));
-    for (int i = 0; i < 3; ++i) {
-      for (int j = 0; j < 3; ++j) c[i + 6 * j] = (i == j ? 1.0 : -m.nu) / m.E;
-      c[(3 + i) * 7] = 1.0 / G;
-    }
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) c[i + 6 * j] = a[i][j];
+    c[(3 + i) * 7] = 1.0 / (o ? m.vals[6 + i] : m.E / (2 * (1 + m.nu)));
   }
   return c;
 }
 
-// Elastic matrix: Lame form for the isotropic material, the inverse of the
-// compliance (by Gauss elimination with pivoting) for the orthotropic one.
 inline M6 elastic(const Material& m) {
+  const M6 c = compliance(m);
+  M3 a;
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) a[i][j] = c[i + 6 * j];
+  const M3 cof = cofactor(a);
   M6 d{};
-  if (m.type != 1) {
-    const double lam = m.E * m.nu / ((1 + m.nu) * (1 - 2 * m.nu));
-    const double mu = m.E / (2 * (1 + m.nu));
-    for (int i = 0; i < 3; ++i) {
-      for (int j = 0; j < 3; ++j) d[i + 6 * j] = lam + (i == j ? 2 * mu : 0.0);
-      d[(3 + i) * 7] = mu;
-    }
-    return d;
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) d[i + 6 * j] = cof[j][i] / det3(a);
+    d[(3 + i) * 7] = 1.0 / c[(3 + i) * 7];
   }
-  M6 a = compliance(m);
-  M6 inv{};
-  for (int i = 0; i < 6; ++i) inv[i * 7] = 1.0;
-  for (int k = 0; k < 6; ++k) {
-    int piv = k;
-    for (int i = k + 1; i < 6; ++i)
-      if (std::fabs(a[i + 6 * k]) > std::fabs(a[piv + 6 * k])) piv = i;
-    for (int j = 0; j < 6; ++j) {
-      std::swap(a[k + 6 * j], a[piv + 6 * j]);
-      std::swap(inv[k + 6 * j], inv[piv + 6 * j]);
-    }
-    const double p = a[k + 6 * k];
-    for (int j = 0; j < 6; ++j) {
-      a[k + 6 * j] /= p;
-      inv[k + 6 * j] /= p;
-    }
-    for (int i = 0; i < 6; ++i) {
-      if (i == k) continue;
-      const double f = a[i + 6 * k];
-      for (int j = 0; j < 6; ++j) {
-        a[i + 6 * j] -= f * a[k + 6 * j];
-        inv[i + 6 * j] -= f * inv[k + 6 * j];
-      }
-    }
-  }
-  return inv;
+  return d;
 }
 
 // The global stress of a constant strain (displacement gradient G), the
@@ -235,28 +203,18 @@ struct SolidModel {
   }
 };
 
-// Rows 1..NROWS of TDSP of one item over NSTEPS steps, each row through its
-// own REQUEST_MODE 1 request: rows[r-1][s-1].
-inline std::vector<std::vector<double>> all_rows(Kernel& k, Request r, int nrows) {
-  std::vector<std::vector<double>> rows;
-  for (int c = 1; c <= nrows; ++c) {
-    r.result_comp = c;
-    Result res = k.run(r);
-    EXPECT_EQ(res.status, STATUS_DONE);
-    rows.push_back(res.values);
-  }
-  return rows;
-}
-
-inline V6 point6(const std::vector<std::vector<double>>& rows, int row0, int s) {
-  V6 v{};
-  for (int i = 0; i < 6; ++i) v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
+// Rows ROW0.. of step S as a force triple or a point's six values.
+template <size_t N>
+std::array<double, N> point(const std::vector<std::vector<double>>& rows, int row0, int s) {
+  std::array<double, N> v{};
+  for (size_t i = 0; i < N; ++i) v[i] = rows[row0 + i - 1][static_cast<size_t>(s - 1)];
   return v;
 }
-inline V3 point3(const std::vector<std::vector<double>>& rows, int row0, int s) {
-  V3 v{};
-  for (int i = 0; i < 3; ++i) v[i] = rows[static_cast<size_t>(row0 + i - 1)][static_cast<size_t>(s - 1)];
-  return v;
+inline V6 point6(const std::vector<std::vector<double>>& r, int row0, int s) {
+  return point<6>(r, row0, s);
+}
+inline V3 point3(const std::vector<std::vector<double>>& r, int row0, int s) {
+  return point<3>(r, row0, s);
 }
 
 inline double norm6(const V6& v) {
@@ -267,38 +225,44 @@ inline double norm6(const V6& v) {
 
 // Component by component; a message may be streamed behind.
 #define EXPECT_V6_NEAR(a, b, tol) \
-  for (int i_ = 0; i_ < 6; ++i_) EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
+  for (int i_ = 0; i_ < 6; ++i_)  \
+  EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
 #define EXPECT_V3_NEAR(a, b, tol) \
-  for (int i_ = 0; i_ < 3; ++i_) EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
+  for (int i_ = 0; i_ < 3; ++i_)  \
+  EXPECT_NEAR((a)[i_], (b)[i_], (tol)) << "component " << i_ + 1 << " "
 
 // ---------------------------------------------------------------------------
 // Natural node coordinates of the shapes, in element order.
 
 inline std::vector<V3> natural_nodes(int nn) {
   switch (nn) {
-    case 4: return {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-    case 5: return {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}, {0, 0, 1}};
-    case 6: return {{0, 0, -1}, {1, 0, -1}, {0, 1, -1}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}};
+    case 4:
+      return {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    case 5:
+      return {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}, {0, 0, 1}};
+    case 6:
+      return {{0, 0, -1}, {1, 0, -1}, {0, 1, -1}, {0, 0, 1}, {1, 0, 1}, {0, 1, 1}};
     case 8:
       return {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1},
               {-1, -1, 1},  {1, -1, 1},  {1, 1, 1},  {-1, 1, 1}};
     case 10:
-      return {{0, 0, 0},   {1, 0, 0},     {0, 1, 0},   {0, 0, 1},   {0.5, 0, 0},
+      return {{0, 0, 0},     {1, 0, 0},   {0, 1, 0},   {0, 0, 1},     {0.5, 0, 0},
               {0.5, 0.5, 0}, {0, 0.5, 0}, {0, 0, 0.5}, {0.5, 0, 0.5}, {0, 0.5, 0.5}};
     case 13:
-      return {{-1, -1, 0}, {1, -1, 0},   {1, 1, 0},    {-1, 1, 0},     {0, 0, 1},
-              {0, -1, 0},  {1, 0, 0},    {0, 1, 0},    {-1, 0, 0},     {-0.5, -0.5, 0.5},
+      return {{-1, -1, 0},      {1, -1, 0},      {1, 1, 0},       {-1, 1, 0}, {0, 0, 1},
+              {0, -1, 0},       {1, 0, 0},       {0, 1, 0},       {-1, 0, 0}, {-0.5, -0.5, 0.5},
               {0.5, -0.5, 0.5}, {0.5, 0.5, 0.5}, {-0.5, 0.5, 0.5}};
     case 15:
-      return {{0, 0, -1},   {1, 0, -1},   {0, 1, -1}, {0, 0, 1},   {1, 0, 1},
-              {0, 1, 1},    {0.5, 0, -1}, {0.5, 0.5, -1}, {0, 0.5, -1}, {0.5, 0, 1},
-              {0.5, 0.5, 1}, {0, 0.5, 1}, {0, 0, 0},  {1, 0, 0},   {0, 1, 0}};
+      return {{0, 0, -1},    {1, 0, -1},   {0, 1, -1},     {0, 0, 1},    {1, 0, 1},
+              {0, 1, 1},     {0.5, 0, -1}, {0.5, 0.5, -1}, {0, 0.5, -1}, {0.5, 0, 1},
+              {0.5, 0.5, 1}, {0, 0.5, 1},  {0, 0, 0},      {1, 0, 0},    {0, 1, 0}};
     case 20:
-      return {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}, {-1, -1, 1}, {1, -1, 1},
-              {1, 1, 1},    {-1, 1, 1},  {0, -1, -1}, {1, 0, -1}, {0, 1, -1}, {-1, 0, -1},
-              {0, -1, 1},   {1, 0, 1},   {0, 1, 1},  {-1, 0, 1},  {-1, -1, 0}, {1, -1, 0},
-              {1, 1, 0},    {-1, 1, 0}};
-    default: return {};
+      return {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}, {-1, -1, 1},
+              {1, -1, 1},   {1, 1, 1},   {-1, 1, 1}, {0, -1, -1}, {1, 0, -1},
+              {0, 1, -1},   {-1, 0, -1}, {0, -1, 1}, {1, 0, 1},   {0, 1, 1},
+              {-1, 0, 1},   {-1, -1, 0}, {1, -1, 0}, {1, 1, 0},   {-1, 1, 0}};
+    default:
+      return {};
   }
 }
 

@@ -34,6 +34,10 @@ class ArchiveFixture {
     writer_.modal_histories({coord, shapes});
   }
   void ground_motion(const std::vector<GroundMotion>& ground) { writer_.ground_motion(ground); }
+  // Cases 1..NCASES kept in direct file FILE_NO: DISP[e-1] is the
+  // displacement history of equation e, its velocity and acceleration zero.
+  void direct_case(const std::vector<std::vector<double>>& disp, int32_t file_no = 1,
+                   size_t ncases = 1);
 
   // Writes every file.
   void write() { writer_.write(); }
@@ -46,5 +50,9 @@ class ArchiveFixture {
   std::string base_;
   ArchiveWriter writer_;
 };
+
+// Rows 1..NROWS of one item, each through its own history request:
+// rows[r-1][s-1].
+std::vector<std::vector<double>> history_rows(Kernel& k, Request r, int nrows);
 
 }  // namespace respcore::testing
