@@ -165,6 +165,13 @@ PinnedSection ArchiveReader::pin(const SectionRef& s) const {
   return PinnedSection{unit_connection(units, s.unit), s.first};
 }
 
+bool ArchiveReader::read_part(const PinnedSection& s, int64_t index, int64_t nbytes,
+                              int64_t byte_offset, void* dst, int64_t len) {
+  int64_t rec = 0;
+  if (__builtin_add_overflow(s.first, index - 1, &rec)) return false;
+  return read_record_part(s.conn, rec, nbytes, byte_offset, dst, len);
+}
+
 int64_t ArchiveReader::read_run(const PinnedSection& s, int64_t index, int64_t count,
                                 int64_t nbytes, void* dst, std::vector<char>& ok) {
   int64_t rec = 0;

@@ -82,6 +82,9 @@ class ArchiveReader {
                    std::vector<char>& ok);
   // The connection S's look-up left on its unit, for reads after the unit moved on.
   PinnedSection pin(const SectionRef& s) const;
+  // As read_part, on a pinned section.
+  bool read_part(const PinnedSection& s, int64_t index, int64_t nbytes, int64_t byte_offset,
+                 void* dst, int64_t len);
   // As read_run, on a pinned section.
   int64_t read_run(const PinnedSection& s, int64_t index, int64_t count, int64_t nbytes, void* dst,
                    std::vector<char>& ok);

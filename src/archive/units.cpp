@@ -201,11 +201,17 @@ bool read_record_f64_at(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
 
 bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,
                       void* dst, int64_t len) {
-  const Connection* c = nullptr;
-  const int64_t off = readable_offset(U, unit, rec, nbytes, c);
-  if (off < 0) return false;
+  const Connection* c = connection(U, unit);
+  return c != nullptr && read_record_part(*c, rec, nbytes, byte_offset, dst, len);
+}
+
+bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t byte_offset,
+                      void* dst, int64_t len) {
+  if (!c.file || nbytes < 0 || nbytes > c.reclen) return false;
+  const int64_t off = record_offset(rec, c.reclen);
+  if (off < 0 || off > c.file->size - nbytes) return false;
   if (byte_offset < 0 || len <= 0 || byte_offset > nbytes - len) return true;
-  return pread_all(c->file->fd, dst, len, off + byte_offset);
+  return pread_all(c.file->fd, dst, len, off + byte_offset);
 }
 
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {

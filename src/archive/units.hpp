@@ -63,6 +63,9 @@ bool read_record_f64_at(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
 // read; only the bytes used are fetched.
 bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,
                       void* dst, int64_t len);
+// As read_record_part, on a kept connection.
+bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t byte_offset,
+                      void* dst, int64_t len);
 
 // The last record of UNIT from which NBYTES can be read (0 if none): records
 // behind it lie past the end of the file, so loops over a section may stop

@@ -297,13 +297,9 @@ bool inactive(const RunContext& R, InactiveTables& IT, int32_t kind, int32_t ser
 // row of a step is affine in the step's displacements (a product with the
 // record's matrix, fixed factors and sums), so the step is probed once for
 // its map and the row is combined from the histories as they are read. A
-// step leaves nothing that a later one reads. False when the case does not
-// allow it; nothing has then been read.
-bool one_row(const LineLayout& T, const RunContext& R, NodalMotion& M, LineElementArrays& E,
-             const LineRecord& rec, VecRef<int32_t> IIA, const double* init, bool scaled,
-             Tdsp& TDSP) {
-  const int64_t n = R.NUM_STEPS;
-  if (!TDSP.allocated() || TDSP.cols() < n) return false;
+// step leaves nothing that a later one reads.
+void one_row(const LineLayout& T, const RunContext& R, LineElementArrays& E, const LineRecord& rec,
+             const double* init, bool scaled, DispRow& row, Tdsp& TDSP) {
   Mat<double> X("DISP_EQ", T.dof, 1);
   double col[kLineRows];
   double coef[32];
@@ -315,7 +311,7 @@ bool one_row(const LineLayout& T, const RunContext& R, NodalMotion& M, LineEleme
         return col[C - 1];
       },
       X.data(), coef);
-  return DISP_ROW(M, T.dof, rec.NEQ, E.LM.ref(), IIA, 2, coef, base, TDSP.fresh_row(C));
+  row.combine(coef, base, TDSP.fresh_row(C));
 }
 
 void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, NodalMotion& M,
@@ -341,10 +337,14 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
     const int32_t serial = INUM_SERIAL(p);
     LineRecord rec = read_record(T, A, E, ID, serial);
     VecRef<int32_t> IIA(rec.nodes, 2, "IIA");
-    if (combined && fits(T, rec) && !inactive(R, IT, T.inactive_kind, serial)) {
-      unpack_matrix(T, E, rec);
-      const double* init = has_initial ? RST_INITIAL.col(p) : nullptr;
-      if (one_row(T, R, M, E, rec, IIA, init, scaled, TDSP)) continue;
+    if (combined && fits(T, rec) && !inactive(R, IT, T.inactive_kind, serial) &&
+        TDSP.allocated() && TDSP.cols() >= R.NUM_STEPS) {
+      DispRow row;
+      if (row.start(M, T.dof, rec.NEQ, E.LM.ref(), IIA, 2)) {
+        unpack_matrix(T, E, rec);
+        one_row(T, R, E, rec, has_initial ? RST_INITIAL.col(p) : nullptr, scaled, row, TDSP);
+        continue;
+      }
     }
     if (DISP_EQ.cols() != R.NUM_STEPS) {
       DISP_EQ.resize(T.dof, R.NUM_STEPS);

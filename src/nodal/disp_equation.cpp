@@ -16,7 +16,7 @@ void fetch_rows(NodalMotion& M, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t>
                 int32_t NNODE, Make make) {
   const RunContext& R = M.run;
   auto by_equation = [&](bool close_after) {
-    MotionFetch f = make(false);
+    MotionFetch& f = make(false);
     for (int32_t i = 1; i <= NLM; ++i) f.dof(i, LM(i), 0, 0);
     f.finish();
     if (close_after) f.close_direct_file();
@@ -36,7 +36,7 @@ void fetch_rows(NodalMotion& M, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t>
     by_equation(true);
     return;
   }
-  MotionFetch f = make(true);
+  MotionFetch& f = make(true);
   for (int32_t n = 1; n <= NNODE; ++n) {
     for (int32_t c = 1; c <= 6; ++c) {
       const int64_t row = 6 * (n - 1) + c;
@@ -62,8 +62,9 @@ void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, i
   StepWork work(M.run);
   const StepColumns cols =
       M.run.REQUEST_MODE == 1 ? StepColumns::AllSteps : StepColumns::OneStep;
-  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support) {
-    return MotionFetch(M, Quantity::Displacement, cols, support, work, DISP_EQ, NDOF, NLM);
+  std::optional<MotionFetch> f;
+  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support) -> MotionFetch& {
+    return f.emplace(M, Quantity::Displacement, cols, support, work, DISP_EQ, NDOF, NLM);
   });
 }
 
@@ -117,22 +118,27 @@ void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<
   }
 }
 
-bool DISP_ROW(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA,
-              int32_t NNODE, const double* COEF, double BASE, double* OUT) {
+bool DispRow::start(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> LM,
+                    VecRef<int32_t> IIA, int32_t NNODE) {
   const RunContext& R = M.run;
+  fetch_.reset();
   if (R.REQUEST_MODE != 1 || !MotionFetch::combinable(R) || NDOF < 0 || NLM > NDOF ||
       NNODE < 0 || NLM > LM.size())
     return false;
   // The layout by node reaches rows 6 NNODE (and a wall beam's 12 + NNODE).
   const bool by_node = R.HIST_STORE == 2 && R.HAS_SUPPORT_MOTION == 1;
-  if (by_node && (6 * int64_t{NNODE} > std::min<int64_t>(NDOF, LM.size()) ||
-                  NNODE > IIA.size() ||
-                  (R.ELEM_TYPE == 14 && 12 + int64_t{NNODE} > std::min<int64_t>(NDOF, LM.size()))))
+  const int64_t rows = std::min<int64_t>(NDOF, LM.size());
+  if (by_node && (6 * int64_t{NNODE} > rows || NNODE > IIA.size() ||
+                  (R.ELEM_TYPE == 14 && 12 + int64_t{NNODE} > rows)))
     return false;
-  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support) {
-    return MotionFetch(M, Quantity::Displacement, support, COEF, NDOF, BASE, OUT);
+  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support) -> MotionFetch& {
+    return fetch_.emplace(M, Quantity::Displacement, support, NDOF);
   });
   return true;
+}
+
+void DispRow::combine(const double* COEF, double BASE, double* OUT) {
+  if (fetch_) fetch_->combine(COEF, BASE, OUT);
 }
 
 }  // namespace respcore

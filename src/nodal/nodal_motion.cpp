@@ -161,32 +161,43 @@ MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t sum_r
   prepare(7);
 }
 
-MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, const double* coef,
-                         int64_t ncoef, double base, double* out)
+MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t nrows)
     : M_(M),
       R_(M.run),
       q_(q),
       cols_(StepColumns::AllSteps),
       support_(support),
-      sum_rows_(ncoef),
-      coef_(coef),
-      ncoef_(std::max<int64_t>(ncoef, 0)),
-      comb_(out) {
+      sum_rows_(nrows),
+      combined_(true),
+      ncoef_(std::max<int64_t>(nrows, 0)) {
   nsteps_ = std::max<int64_t>(R_.NUM_STEPS, 0);
-  base_ = base;
   delivered_.assign(static_cast<size_t>(ncoef_), 0);
   if (R_.HIST_STORE == 1) {
     storage_ = Storage::Modal;
     Modal& md = modal_.emplace();
     md.mode_values = Mat<double>("MODE_VALS", ncoef_, R_.NUM_MODES);
-    // The coordinates are read at the end, once the coefficients are
-    // folded; the look-ups stay in their order.
+    // The coordinates are read when the history is combined, once the
+    // coefficients are folded; the look-ups stay in their order.
     mdsp_ = M.archive.pin(M.archive.find(sections::MDSP, 3));
     md.mshp = M.archive.find(sections::MSHP, 3);
     md.mode_row.assign(static_cast<size_t>(std::max(R_.NUM_MODES, 0)), 0.0);
     return;
   }
   prepare(7);
+  dmed_pin_ = M.archive.pin(dmed_);
+  if (support_) mser_pin_ = M.archive.pin(mser_);
+}
+
+void MotionFetch::combine(const double* coef, double base, double* out) {
+  coef_ = coef;
+  base_ = base;
+  comb_ = out;
+  if (storage_ == Storage::Modal)
+    finish_combined();
+  else if (storage_ == Storage::Direct)
+    finish_combined_direct();
+  else
+    std::fill(comb_, comb_ + nsteps_, base_);
 }
 
 bool MotionFetch::combinable(const RunContext& R) {
@@ -194,7 +205,7 @@ bool MotionFetch::combinable(const RunContext& R) {
   return R.HIST_STORE == 1 && R.NUM_STEPS >= 1 && R.NUM_STEPS <= R.NUM_STORED_STEPS;
 }
 
-void MotionFetch::add_combined(int64_t row, const SectionRef* s, int64_t index) {
+void MotionFetch::add_combined(int64_t row, const PinnedSection* s, int64_t index) {
   if (row < 1 || row > ncoef_ || delivered_[static_cast<size_t>(row - 1)]) return;
   delivered_[static_cast<size_t>(row - 1)] = 1;
   if (s != nullptr) records_.push_back({row, s, index});
@@ -337,13 +348,13 @@ void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp)
     deliver_nothing(row);
     return;
   }
-  if (comb_ != nullptr) {
+  if (combined_) {
     // The combined road reads the rows' records at the end.
     if (support_ && equation == 0 && comp <= 3) {
       const int64_t r = find_support_row(M_.state.ISER, support_rows_, node, comp);
-      add_combined(row, r > 0 ? &mser_ : nullptr, record_index(q_, false, r));
+      add_combined(row, r > 0 ? &mser_pin_ : nullptr, record_index(q_, false, r));
     } else if (equation > 0) {
-      add_combined(row, &dmed_, record_index(q_, support_, equation));
+      add_combined(row, &dmed_pin_, record_index(q_, support_, equation));
     } else {
       add_combined(row, nullptr, 0);
     }
@@ -426,15 +437,7 @@ void MotionFetch::deliver(const SectionRef& s, int64_t index, int64_t row) {
 }
 
 void MotionFetch::finish() {
-  if (comb_ != nullptr) {
-    if (storage_ == Storage::Modal)
-      finish_combined();
-    else if (storage_ == Storage::Direct)
-      finish_combined_direct();
-    else
-      std::fill(comb_, comb_ + nsteps_, base_);
-    return;
-  }
+  if (combined_) return;
   if (storage_ == Storage::Modal)
     finish_modal();
   else if (storage_ == Storage::Direct && sink_ == nullptr && cols_ == StepColumns::AllSteps)
