@@ -10,9 +10,9 @@ namespace respcore {
 
 void CHECK_NODE_SKEW_INFM(int32_t node, int32_t n, VecRef<int32_t> NODE_SKEW, int32_t& index) {
   index = 0;
-  for (int32_t i = 1; i <= n; ++i) {
+  for (int64_t i = 1; i <= n; ++i) {
     if (NODE_SKEW(i) == node) {
-      index = i;
+      index = static_cast<int32_t>(i);
       return;
     }
   }
@@ -44,10 +44,15 @@ void read_skew_systems(ArchiveReader A, NodeSkew& S) {
     return;
   }
   constexpr int64_t kBytes = 4 + 9 * 8;  // the node number, then its matrix by rows
+  // The count is the system's 32-bit field. Entries past the file stay zero
+  // (node 0, a zero matrix); one of them stands for all, so that the table
+  // is no longer than the file can fill and finds the same entry for every
+  // node.
   S.NUM_SKEW = static_cast<int32_t>(nski.nrec);
+  const int64_t readable = std::min<int64_t>(S.NUM_SKEW, A.readable(nski, kBytes));
+  if (S.NUM_SKEW > readable) S.NUM_SKEW = static_cast<int32_t>(std::max<int64_t>(readable, 0) + 1);
   S.NODE_SKEW.resize(S.NUM_SKEW);
   S.SKEW_INFM.resize(9, S.NUM_SKEW);
-  const int64_t readable = std::min<int64_t>(S.NUM_SKEW, A.readable(nski, kBytes));
   for (int64_t r = 1; r <= readable; ++r) {
     unsigned char rec[kBytes];
     if (!A.read(nski, r, rec, kBytes)) continue;
