@@ -87,7 +87,9 @@ std::string section_problem(const SectionInfo& s, uint64_t size) {
   // past what 64 bits hold).
   const long double end = static_cast<long double>(s.last) * 4.0L * s.reclen;
   if (end > static_cast<long double>(size)) {
-    return name + " needs " + std::to_string(static_cast<unsigned long long>(end)) +
+    char bytes[64];
+    std::snprintf(bytes, sizeof bytes, "%.0Lf", end);
+    return name + " needs " + bytes +
            " bytes (records " + std::to_string(s.first) + " to " + std::to_string(s.last) + " of " +
            std::to_string(s.reclen) + " words), the file holds " + std::to_string(size);
   }

@@ -127,8 +127,10 @@ int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, i
   if (!pread_all(c.file->fd, buf.data(), span_len, span_off)) return 0;
   int64_t n_ok = 0;
   for (int64_t r = lo; r <= hi; ++r) {
-    std::memcpy(static_cast<char*>(dst) + (r - first) * nbytes, buf.data() + (r - lo) * c.reclen,
-                static_cast<size_t>(nbytes));
+    if (nbytes > 0) {
+      std::memcpy(static_cast<char*>(dst) + (r - first) * nbytes, buf.data() + (r - lo) * c.reclen,
+                  static_cast<size_t>(nbytes));
+    }
     (*ok)[static_cast<size_t>(r - first)] = 1;
     ++n_ok;
   }

@@ -365,9 +365,10 @@ void MotionFetch::finish_modal() {
     if (C.holds(nm, n) && mode_values.ref().holds(sum_rows_, nm)) {
       const int64_t ld = mode_values.rows();
       for (int64_t i = 1; i <= sum_rows_; ++i) {
-        // Row I of the modal sum, formed straight into the buffer.
-        modal_sum(RawMat<double>(buf.data(), 1), RawMat<double>(mode_values.data() + (i - 1), ld),
-                  C.raw(), 1, n, nm);
+        // Row I of the modal sum, formed straight into the buffer (of no
+        // terms when no mode is kept).
+        double* row = nm > 0 ? mode_values.data() + (i - 1) : nullptr;
+        modal_sum(RawMat<double>(buf.data(), 1), RawMat<double>(row, ld), C.raw(), 1, n, nm);
         sink_(i, buf.data());
       }
       return;

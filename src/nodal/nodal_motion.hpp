@@ -122,7 +122,7 @@ class MotionFetch {
   // Modal storage: the coordinates and the values of modes FIRST_MODE + 1,
   // ..., the ones whose records the file holds (see modal_range).
   struct Modal {
-    int64_t first_mode = 0;
+    int64_t first_mode;  // set when the fetch is made
     Arr3<double> coords;
     Mat<double> mode_values;
     SectionRef mshp;

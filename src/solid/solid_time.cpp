@@ -57,7 +57,7 @@ SolidCounts unpack_record(Vec<double>& SA, Vec<int32_t>& LM, Mat<double>& STRS, 
     report_bound_failure("STRS", n.nr, 1, kMaxRow);
     n.nr = kMaxRow;
   }
-  if (n.nn + 1 > kMaxPoints) {
+  if (n.nn >= kMaxPoints) {
     report_bound_failure("SIG", kForceRows + 6 * (int64_t{n.nn} + 1), 1, kMaxRow);
     n.nn = kMaxPoints - 1;
   }

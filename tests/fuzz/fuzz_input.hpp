@@ -68,17 +68,22 @@ inline RequestInput unpack(const uint8_t* data, size_t size) {
 // A directory of this process for the files of one input (in /dev/shm when
 // there is one, so that an input costs no disk writes), removed at exit.
 inline const std::string& scratch_dir() {
-  static const std::string dir = [] {
+  // Made once and never freed: the removal at exit runs after the statics
+  // are gone.
+  static const std::string* dir = [] {
     std::error_code ec;
     const std::filesystem::path root = std::filesystem::is_directory("/dev/shm", ec)
                                            ? std::filesystem::path("/dev/shm")
                                            : std::filesystem::temp_directory_path();
-    std::string t = (root / "respcore-fuzz-XXXXXX").string();
-    if (mkdtemp(t.data()) == nullptr) std::abort();
-    std::atexit([] { std::filesystem::remove_all(scratch_dir()); });
+    auto* t = new std::string((root / "respcore-fuzz-XXXXXX").string());
+    if (mkdtemp(t->data()) == nullptr) std::abort();
+    std::atexit([] {
+      std::error_code e;
+      std::filesystem::remove_all(*dir, e);
+    });
     return t;
   }();
-  return dir;
+  return *dir;
 }
 
 // Makes PATH hold BYTES, or removes it.
