@@ -59,11 +59,13 @@ TEST(Threads, TwoKernelsGiveTheirSerialResults) {
   std::vector<std::vector<double>> serial[2];
   for (int t = 0; t < 2; ++t) {
     Kernel k;
+    k.set_quiet(true);
     for (const Request& q : lists[t]) serial[t].push_back(k.run(q).values);
   }
   int mismatches[2] = {0, 0};
   auto work = [&](int t) {
     Kernel k;
+    k.set_quiet(true);
     const auto& list = lists[t];
     for (size_t i = 0; i < 2000; ++i) {
       if (k.run(list[i % list.size()]).values != serial[t][i % list.size()]) ++mismatches[t];
