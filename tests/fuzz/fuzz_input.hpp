@@ -22,10 +22,25 @@
 #include <string>
 #include <vector>
 
+#include "respcore/archive_writer.hpp"
+
 namespace respcore::fuzz {
 
 inline constexpr int kFields = 18;
 inline constexpr int kFiles = 4;
+
+// The product tags by PRODUCT_INDEX 1..8.
+inline constexpr const char* kProductTags[8] = {"P.R.W", "Y.J.P", "U.K.Y", "H.N.Q",
+                                                "W.M.Z", "J.W.U", "Q.L.D", "R.H.V"};
+
+// The paths of the four files of an input for the archive BASE under the tag
+// of PRODUCT (that of "P.R.W" for an index outside 1..8).
+inline std::array<std::string, kFiles> file_paths(const std::string& base, int32_t product) {
+  const std::string tag = product >= 1 && product <= 8 ? kProductTags[product - 1] : "P.R.W";
+  const std::string direct = base + ArchiveWriter::extension(tag, 3);
+  return {base + ArchiveWriter::extension(tag, 1), base + ArchiveWriter::extension(tag, 2),
+          direct + "1", direct + "2"};
+}
 
 struct RequestInput {
   std::array<int32_t, kFields> fields{};
@@ -84,6 +99,15 @@ inline const std::string& scratch_dir() {
     return t;
   }();
   return *dir;
+}
+
+// Makes PATH hold BYTES, or removes it.
+inline void put_file(const std::string& path, const std::string* bytes);
+
+// Writes the files of IN for the archive BASE (those it lacks are removed).
+inline void put_files(const RequestInput& in, const std::string& base) {
+  const auto paths = file_paths(base, in.fields[7]);
+  for (size_t i = 0; i < kFiles; ++i) put_file(paths[i], in.present[i] ? &in.files[i] : nullptr);
 }
 
 // Makes PATH hold BYTES, or removes it.

@@ -8,13 +8,10 @@
 #include <cstdlib>
 
 #include "fuzz_input.hpp"
-#include "respcore/archive_writer.hpp"
 #include "respcore/kernel.hpp"
 
 namespace {
 
-constexpr const char* kTags[8] = {"P.R.W", "Y.J.P", "U.K.Y", "H.N.Q",
-                                  "W.M.Z", "J.W.U", "Q.L.D", "R.H.V"};
 constexpr double kGuard = -7.25e300;
 constexpr int kGuards = 8;
 // Entries of the item lists: more than any extent a request of at most 400
@@ -34,13 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const fuzz::RequestInput in = fuzz::unpack(data, size);
   const auto& f = in.fields;
   const std::string base = fuzz::scratch_dir() + "/a";
-  const int32_t product = f[7];
-  const std::string tag = product >= 1 && product <= 8 ? kTags[product - 1] : "P.R.W";
-  const std::string names[fuzz::kFiles] = {
-      base + ArchiveWriter::extension(tag, 1), base + ArchiveWriter::extension(tag, 2),
-      base + ArchiveWriter::extension(tag, 3) + "1", base + ArchiveWriter::extension(tag, 3) + "2"};
-  for (size_t i = 0; i < fuzz::kFiles; ++i)
-    fuzz::put_file(names[i], in.present[i] ? &in.files[i] : nullptr);
+  fuzz::put_files(in, base);
 
   const int32_t steps = wrap(f[3], -1, 400);
   const int32_t items = wrap(f[4], -1, 4);
@@ -55,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Kernel k;
   k.set_quiet(true);
   k.request(base.c_str(), static_cast<int32_t>(base.size()), f[0], f[1], f[2], steps, items, f[5],
-            f[6], product, f[8], out.data() + kGuards, serials.data(), elements.data(), f[9]);
+            f[6], f[7], f[8], out.data() + kGuards, serials.data(), elements.data(), f[9]);
   for (int g = 0; g < kGuards; ++g) {
     if (out[static_cast<size_t>(g)] != kGuard || out[out.size() - 1 - static_cast<size_t>(g)] != kGuard)
       std::abort();

@@ -23,13 +23,10 @@ Request archive_of(const TempDir& dir, const std::string& name) {
   const std::string bytes((std::istreambuf_iterator<char>(in)), {});
   const fuzz::RequestInput input =
       fuzz::unpack(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
-  const std::string base = dir.file("m");
-  const char* ext[4] = {".PA1", ".PA2", ".PAT1", ".PAT2"};
-  for (size_t i = 0; i < 4; ++i)
-    fuzz::put_file(base + ext[i], input.present[i] ? &input.files[i] : nullptr);
   const auto& f = input.fields;
   Request q;
-  q.base = base;
+  q.base = dir.file("m");
+  fuzz::put_files(input, q.base);
   q.elem_type = f[0];
   q.num_steps = f[3];
   q.serials = {1, 2};
