@@ -249,15 +249,15 @@ void READING_ELEMENT_MATERIAL_DATA(ArchiveReader A, ElementMaterial& M, int32_t 
   int32_t mat_no = S.material_number;
   if (A.read(elmt, element_serial, &mat_no, 4)) S.material_number = mat_no;
   const SectionRef matl = A.find(sections::MATL, 3);
-  // Records past the end of the file cannot be read, so a count larger than
-  // the file holds is cut there rather than tried record by record.
+  // Records outside the file cannot be read, so the scan runs over those the
+  // file holds rather than trying every record the count claims.
   constexpr int64_t kWords = 13;
-  const int64_t count = std::min<int64_t>(matl.nrec, A.readable(matl, kWords * 8));
+  const auto [first, last] = A.readable_among(matl, kWords * 8, matl.nrec);
   constexpr int64_t kBatch = 4096;
   std::vector<double> recs;
   std::vector<char> ok;
-  for (int64_t done = 0; done < count; done += kBatch) {
-    const int64_t n = std::min(kBatch, count - done);
+  for (int64_t done = first - 1; done < last; done += kBatch) {
+    const int64_t n = std::min(kBatch, last - done);
     recs.assign(static_cast<size_t>(n * kWords), 0.0);
     A.read_run(matl, 1 + done, n, kWords * 8, recs.data(), ok);
     for (int64_t i = 0; i < n; ++i) {

@@ -18,6 +18,7 @@
 // with block_index, which detects overflow the same way.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -80,13 +81,24 @@ class ArchiveReader {
   int64_t read_run(const SectionRef& s, int64_t index, int64_t count, int64_t nbytes, void* dst,
                    std::vector<char>& ok);
   // The last record index of S from which NBYTES can be read (past the end of
-  // the file no record can); at most 0 when none can.
+  // the file no record can); at most 0 when none can. (A section whose first
+  // record lies before the file's has unreadable indices below that of
+  // record 1 too: a loop over its records takes readable_among.)
   int64_t readable(const SectionRef& s, int64_t nbytes) const;
   // The indices of S whose records hold NBYTES within the file: from that of
   // record 1 (which lies before the section's own records, at an index of 0
   // or below, unless the section starts at record 1) to that of the last
   // record that does; an empty range (LO > HI) when none can.
   std::pair<int64_t, int64_t> readable_indices(const SectionRef& s, int64_t nbytes) const;
+  // Of the indices 1..COUNT of S (the count a directory or record claims),
+  // the run FIRST..LAST whose records hold NBYTES within the file (empty when
+  // FIRST > LAST). A loop over a section's records runs over this run, and an
+  // array of them holds no more, whatever the count claims.
+  std::pair<int64_t, int64_t> readable_among(const SectionRef& s, int64_t nbytes,
+                                             int64_t count) const {
+    const auto [lo, hi] = readable_indices(s, nbytes);
+    return {std::max<int64_t>(lo, 1), std::min(hi, count)};
+  }
   // Closes the unit of S.
   void close(const SectionRef& s);
 

@@ -16,7 +16,7 @@ void READ_INFORM_INITIAL(ArchiveReader A, InactiveTables& T) {
   // The table is only ever consulted when its first entry is set, which
   // takes a successful read; a record that cannot be read leaves it zero,
   // so its first entry stands for all of it.
-  const bool readable = n > 0 && A.readable(iasi, int64_t{n} * 4) >= 1;
+  const bool readable = n > 0 && A.readable_among(iasi, int64_t{n} * 4, 1).first == 1;
   T.INFM_TMHL.resize(readable ? n : std::min(n, 1));
   if (readable) A.read_i32(iasi, 1, T.INFM_TMHL.ref(), n);
   if (T.INFM_TMHL(1) == 0) {
@@ -29,14 +29,16 @@ void READ_INFORM_INITIAL(ArchiveReader A, InactiveTables& T) {
     return;
   }
   T.NUM_INACTIVE = static_cast<int32_t>(iase.nrec);
-  // Entries past the file stay zero, of no kind: the table holds the ones
-  // the file can fill.
-  const int64_t filled = std::min<int64_t>(T.NUM_INACTIVE, A.readable(iase, 12));
+  // The records are read in batches from the first; each record has the
+  // outcome of its own read, a record that cannot be read leaves its column
+  // as it was, and a batch that reads nothing ends the reading. Entries the
+  // reading does not reach stay zero, of no kind: the table holds the ones it
+  // can fill (none when the file's first record lies past the first batch).
+  constexpr int64_t kBatch = 8192;
+  const auto [first, last] = A.readable_among(iase, 12, T.NUM_INACTIVE);
+  const int64_t filled = first <= last && first <= kBatch ? last : 0;
   T.INACTIVE_INFORM.resize(3, filled);
   T.NUM_TRUS = T.NUM_BEAM = T.NUM_WARB = 0;
-  // The records are read in batches; each record has the outcome of its own
-  // read, and a record that cannot be read leaves its column as it was.
-  constexpr int64_t kBatch = 8192;
   std::vector<int32_t> buf;
   std::vector<char> ok;
   for (int64_t done = 0; done < filled; done += kBatch) {

@@ -145,20 +145,22 @@ void modal_sum(MatRef<double> OUT, Mat<double>& MODE, MatRef<double> C, int64_t 
 }
 
 // The support-motion index of the case (MSES) into ISER, made on its first
-// use in a call. Returns the rows it holds: those the file holds (a row past
-// the file would be zero, which no node and component match).
+// use in a call: the rows the file holds, FIRST..LAST, as columns from 1 (a
+// row outside the file would be zero, which no node and component match).
+// Returns the rows it holds; ISER_first is FIRST - 1.
 int64_t read_support_index(NodalMotion& M) {
   const SectionRef mses = M.archive.find(sections::MSES, M.run.HIST_CASE);
-  const int64_t readable = std::min(mses.nrec, M.archive.readable(mses, 8));
+  const auto [first, last] = M.archive.readable_among(mses, 8, mses.nrec);
   Mat<int32_t>& ISER = M.state.ISER;
   if (!M.state.ISER_made) {
-    ISER.resize(2, readable);
+    ISER.resize(2, last - first + 1);
+    M.state.ISER_first = first - 1;
     M.state.ISER_made = true;
   }
-  const int64_t nrows = std::min(readable, ISER.cols());
+  const int64_t nrows = std::min(last - M.state.ISER_first, ISER.cols());
   for (int64_t r = 1; r <= nrows; ++r) {
     int32_t pair[2];
-    if (!M.archive.read(mses, r, pair, 8)) continue;
+    if (!M.archive.read(mses, M.state.ISER_first + r, pair, 8)) continue;
     ISER(1, r) = pair[0];
     ISER(2, r) = pair[1];
   }
@@ -166,10 +168,10 @@ int64_t read_support_index(NodalMotion& M) {
 }
 
 // The first row of the support-motion index with NODE and component C, or 0.
-int64_t find_support_row(Mat<int32_t>& ISER, int64_t nrows, int32_t node, int32_t c) {
-  const RawMat<int32_t> S = ISER.raw();
+int64_t find_support_row(NodalState& S, int64_t nrows, int32_t node, int32_t c) {
+  const RawMat<int32_t> I = S.ISER.raw();
   for (int64_t r = 1; r <= nrows; ++r) {
-    if (S(1, r) == node && S(2, r) == c) return r;
+    if (I(1, r) == node && I(2, r) == c) return S.ISER_first + r;
   }
   return 0;
 }
@@ -267,7 +269,7 @@ void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp)
     return;
   }
   if (support_ && equation == 0 && comp <= 3) {
-    const int64_t r = find_support_row(M_.state.ISER, support_rows_, node, comp);
+    const int64_t r = find_support_row(M_.state, support_rows_, node, comp);
     if (r > 0)
       deliver(mser_, record_index(q_, false, r), row);
     else
