@@ -16,7 +16,8 @@ void READ_INFORM_INITIAL(ArchiveReader A, InactiveTables& T) {
   // The table is only ever consulted when its first entry is set, which
   // takes a successful read; a record that cannot be read leaves it zero,
   // so its first entry stands for all of it.
-  const bool readable = n > 0 && A.readable_among(iasi, int64_t{n} * 4, 1).first == 1;
+  const auto [rec1, rec1_last] = A.readable_among(iasi, int64_t{n} * 4, 1);
+  const bool readable = n > 0 && rec1 <= rec1_last;
   T.INFM_TMHL.resize(readable ? n : std::min(n, 1));
   if (readable) A.read_i32(iasi, 1, T.INFM_TMHL.ref(), n);
   if (T.INFM_TMHL(1) == 0) {
