@@ -63,14 +63,15 @@ SolidCounts unpack_record(Vec<double>& SA, Vec<int32_t>& LM, Mat<double>& STRS, 
   }
 
   LM.fill(0);
-  for (int64_t i = 1; i <= n.ndof; ++i) LM(i) = trunc_i32(SA(i));
+  // (The counts are held to 48 and 78 above.)
+  for (int32_t i = 1; i <= n.ndof; ++i) LM(i) = trunc_i32(SA(i));
   const int64_t base0 = NDOF;
   auto copy_columns = [&](auto sa) {
-    for (int64_t j = 1; j <= n.ndof; ++j) {
+    for (int32_t j = 1; j <= n.ndof; ++j) {
       double* col = STRS.col(j);
       std::fill(col, col + kMaxRow, 0.0);
-      const int64_t base = base0 + (j - 1) * NR;
-      for (int64_t i = 1; i <= n.nr; ++i) col[i - 1] = sa(base + i);
+      const int64_t base = base0 + int64_t{j - 1} * NR;
+      for (int32_t i = 1; i <= n.nr; ++i) col[i - 1] = sa(base + i);
     }
   };
   if (base0 + int64_t{n.ndof} * NR <= kRecWords && n.nr == NR && n.ndof == NDOF)
