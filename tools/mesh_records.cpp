@@ -72,7 +72,9 @@ class SectionWords {
     out.assign(static_cast<size_t>(last - first + 1), 0.0);
     const uint64_t reclen = 4u * static_cast<uint64_t>(entry_.reclen);
     if (rec < 1 || rec > entry_.records() || first < 1 || static_cast<uint64_t>(last) * word_bytes_ > reclen) return false;
-    const uint64_t at = static_cast<uint64_t>(entry_.first + rec - 2) * reclen + static_cast<uint64_t>(first - 1) * word_bytes_;
+    const int64_t off = entry_.offset(rec);
+    if (off < 0) return false;
+    const uint64_t at = static_cast<uint64_t>(off) + static_cast<uint64_t>(first - 1) * word_bytes_;
     buf_.resize(out.size() * word_bytes_);
     in_.clear();
     in_.seekg(static_cast<std::streamoff>(at));

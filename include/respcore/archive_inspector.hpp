@@ -29,7 +29,22 @@ struct SectionInfo {
   int64_t first = 0;   // first record, in units of the section's record length
   int64_t last = 0;    // last record
   int32_t reclen = 0;  // record length in 4-byte words
-  int64_t records() const { return last - first + 1; }
+  // Records of the section (as the kernel counts them: an entry whose last
+  // record lies before its first gives a count of zero or below).
+  int64_t records() const {
+    return static_cast<int64_t>(static_cast<uint64_t>(last) - static_cast<uint64_t>(first) + 1u);
+  }
+  // Byte offset in the file of record REC (from 1) of the section,
+  // (first + REC - 2) x 4 x reclen, or -1 when it cannot be formed (below 0,
+  // or past what 64 bits hold).
+  int64_t offset(int64_t rec) const {
+    int64_t r = 0, off = 0;
+    if (__builtin_add_overflow(first, rec - 2, &r) || r < 0 || reclen < 0 ||
+        __builtin_mul_overflow(r, int64_t{4} * reclen, &off)) {
+      return -1;
+    }
+    return off;
+  }
 };
 
 // One file and its directory, followed through its chained blocks and

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <unordered_set>
 
+#include "archive/record_address.hpp"
 #include "archive/section_access.hpp"
 #include "archive/units.hpp"
 #include "core/diagnostics.hpp"
@@ -54,8 +55,9 @@ std::shared_ptr<DirWalk> walk_directory(UnitTable& U, int32_t unit, bool wide, i
       walk->end_status = LOOKUP_BAD_HEAD;
       return walk;
     }
-    for (int32_t n = 1; n <= head.entries; ++n) {
-      if (!read_record(U, unit, H + n, rec, dir_record_bytes(wide))) {
+    for (int64_t n = 1; n <= head.entries; ++n) {
+      // Entry N of the block lies at record H + N.
+      if (!read_record(U, unit, record_number(H, n + 1), rec, dir_record_bytes(wide))) {
         walk->end_status = LOOKUP_READ_ERROR;
         return walk;
       }
@@ -186,21 +188,21 @@ void CREATE_F(ArchiveReader A, int32_t unit, const std::string& name, int32_t na
   status = 0;
   const int64_t base = wide ? A.state.dir.create_base64 : 1;
   unsigned char rec[DIR_WORDS_64 * DIR_BYTES_PER_WORD];
-  auto write_rec = [&](int64_t r) {
-    int64_t off = 0;
-    if (r < 1 || __builtin_mul_overflow(r - 1, reclen, &off) ||
-        ::pwrite(fd, rec, static_cast<size_t>(reclen), off) != reclen) {
+  // Directory record K (0 the head) at record BASE + K.
+  auto write_rec = [&](int64_t k) {
+    const int64_t off = record_offset(record_number(base, k + 1), reclen);
+    if (off == kNoRecord || ::pwrite(fd, rec, static_cast<size_t>(reclen), off) != reclen) {
       status = 3;
     }
   };
   encode_head(make_head(file_code, A.state.dir.version, 0), wide, rec);
-  write_rec(base);
+  write_rec(0);
   encode_entry(own_entry(), wide, rec);
-  write_rec(base + 1);
+  write_rec(1);
   DirEntry blank;
   blank.tag = BLANK_TAG;
   encode_entry(blank, wide, rec);
-  for (int64_t r = 2; r <= DIR_ENTRIES_PER_BLOCK; ++r) write_rec(base + r);
+  for (int64_t k = 2; k <= DIR_ENTRIES_PER_BLOCK; ++k) write_rec(k);
   ::close(fd);
   unit_open(A.units, unit, path, reclen);
 }

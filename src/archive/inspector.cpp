@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "archive/directory_codec.hpp"
+#include "archive/record_address.hpp"
 #include "respcore/archive_inspector.hpp"
 
 namespace respcore {
@@ -82,9 +83,13 @@ std::string section_problem(const SectionInfo& s, uint64_t size) {
   if (s.first < 1 || s.last < s.first - 1) {
     return name + " has records " + std::to_string(s.first) + " to " + std::to_string(s.last);
   }
+  // Where its last record ends (in long double: an absurd entry may point
+  // past what 64 bits hold).
   const long double end = static_cast<long double>(s.last) * 4.0L * s.reclen;
   if (end > static_cast<long double>(size)) {
-    return name + " needs " + std::to_string(static_cast<unsigned long long>(end)) +
+    char bytes[64];
+    std::snprintf(bytes, sizeof bytes, "%.0Lf", end);
+    return name + " needs " + bytes +
            " bytes (records " + std::to_string(s.first) + " to " + std::to_string(s.last) + " of " +
            std::to_string(s.reclen) + " words), the file holds " + std::to_string(size);
   }
@@ -131,7 +136,8 @@ void read_directory(FileInspection& f) {
                         : "directory chain loops back to record " + std::to_string(H);
       return;
     }
-    if (!in.read(static_cast<uint64_t>(H - 1) * L, rec, L)) {
+    const int64_t head_off = record_offset(H, static_cast<int64_t>(L));
+    if (head_off == kNoRecord || !in.read(static_cast<uint64_t>(head_off), rec, L)) {
       f.problem = where + " lies beyond the end of the file (" + std::to_string(size) + " bytes)";
       return;
     }
@@ -139,11 +145,13 @@ void read_directory(FileInspection& f) {
     f.problem = head_problem(head, first, where);
     if (!f.sound()) return;
     ++f.blocks;
-    for (int n = 1; n <= DIR_ENTRIES_PER_BLOCK; ++n) {
-      const int64_t r = H + n;
-      if (!in.read(static_cast<uint64_t>(r - 1) * L, rec, L)) {
-        f.problem =
-            "directory entry at record " + std::to_string(r) + " lies beyond the end of the file";
+    for (int64_t n = 1; n <= DIR_ENTRIES_PER_BLOCK; ++n) {
+      const int64_t r = record_number(H, n + 1);
+      const int64_t off = record_offset(r, static_cast<int64_t>(L));
+      if (off == kNoRecord || !in.read(static_cast<uint64_t>(off), rec, L)) {
+        f.problem = "directory entry at record " +
+                    std::to_string(static_cast<uint64_t>(H) + static_cast<uint64_t>(n)) +
+                    " lies beyond the end of the file";
         return;
       }
       const DirEntry e = decode_entry(rec, wide);
@@ -224,9 +232,9 @@ std::optional<std::vector<unsigned char>> read_section_record(const FileInspecti
   if (rec < 1 || rec > section.records() || section.reclen < 1) return std::nullopt;
   RecordReader in(file.path);
   std::vector<unsigned char> buf(nbytes);
-  const uint64_t offset =
-      static_cast<uint64_t>(section.first + rec - 2) * 4u * static_cast<uint64_t>(section.reclen);
-  if (!in.ok() || !in.read(offset, buf.data(), nbytes)) return std::nullopt;
+  const int64_t offset = section.offset(rec);
+  if (offset < 0 || !in.ok() || !in.read(static_cast<uint64_t>(offset), buf.data(), nbytes))
+    return std::nullopt;
   return buf;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "archive/directory.hpp"
+#include "archive/record_address.hpp"
 #include "archive/section_tables.hpp"
 #include "archive/units.hpp"
 
@@ -129,9 +130,7 @@ SectionRef ArchiveReader::find_direct(const SectionName& name, int32_t serial, i
 }
 
 int64_t ArchiveReader::record_of(const SectionRef& s, int64_t index) {
-  int64_t rec = 0;
-  if (__builtin_add_overflow(s.first, index - 1, &rec)) return -1;
-  return rec;
+  return record_number(s.first, index);
 }
 
 bool ArchiveReader::read(const SectionRef& s, int64_t index, void* dst, int64_t nbytes) {
@@ -148,7 +147,7 @@ bool ArchiveReader::read_i32(const SectionRef& s, int64_t index, VecRef<int32_t>
 
 bool ArchiveReader::read_f64_at(const SectionRef& s, int64_t index, int64_t nbytes,
                                 int64_t byte_offset, double& out) {
-  return read_record_f64_at(units, s.unit, record_of(s, index), nbytes, byte_offset, out);
+  return read_part(s, index, nbytes, byte_offset, &out, 8);
 }
 
 bool ArchiveReader::read_part(const SectionRef& s, int64_t index, int64_t nbytes,
@@ -158,7 +157,12 @@ bool ArchiveReader::read_part(const SectionRef& s, int64_t index, int64_t nbytes
 
 int64_t ArchiveReader::read_run(const SectionRef& s, int64_t index, int64_t count, int64_t nbytes,
                                 void* dst, std::vector<char>& ok) {
-  return read_records(units, s.unit, record_of(s, index), count, nbytes, dst, &ok);
+  const int64_t start = run_start(s.first, index);
+  if (start == kNoIndex) {
+    ok.assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
+    return 0;
+  }
+  return read_records(units, s.unit, start, count, nbytes, dst, &ok);
 }
 
 PinnedSection ArchiveReader::pin(const SectionRef& s) const {
@@ -167,25 +171,33 @@ PinnedSection ArchiveReader::pin(const SectionRef& s) const {
 
 bool ArchiveReader::read_part(const PinnedSection& s, int64_t index, int64_t nbytes,
                               int64_t byte_offset, void* dst, int64_t len) {
-  int64_t rec = 0;
-  if (__builtin_add_overflow(s.first, index - 1, &rec)) return false;
-  return read_record_part(s.conn, rec, nbytes, byte_offset, dst, len);
+  return read_record_part(s.conn, record_number(s.first, index), nbytes, byte_offset, dst, len);
 }
 
 int64_t ArchiveReader::read_run(const PinnedSection& s, int64_t index, int64_t count,
                                 int64_t nbytes, void* dst, std::vector<char>& ok) {
-  int64_t rec = 0;
-  if (__builtin_add_overflow(s.first, index - 1, &rec)) {
+  const int64_t start = run_start(s.first, index);
+  if (start == kNoIndex) {
     ok.assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
     return 0;
   }
-  return read_records(s.conn, rec, count, nbytes, dst, &ok);
+  return read_records(s.conn, start, count, nbytes, dst, &ok);
 }
 
 int64_t ArchiveReader::readable(const SectionRef& s, int64_t nbytes) const {
-  int64_t last = 0;
-  if (__builtin_sub_overflow(unit_last_record(units, s.unit, nbytes), s.first - 1, &last)) return 0;
-  return last;
+  const int64_t last = unit_last_record(units, s.unit, nbytes);
+  if (last < 1) return 0;
+  const int64_t index = index_of_record(s.first, last);
+  return index == kNoIndex ? 0 : std::max<int64_t>(index, 0);
+}
+
+std::pair<int64_t, int64_t> ArchiveReader::readable_indices(const SectionRef& s,
+                                                            int64_t nbytes) const {
+  const int64_t last = unit_last_record(units, s.unit, nbytes);
+  const int64_t lo = index_of_record(s.first, 1);
+  const int64_t hi = index_of_record(s.first, last);
+  if (last < 1 || lo == kNoIndex || hi == kNoIndex) return {1, 0};
+  return {lo, hi};
 }
 
 void ArchiveReader::close(const SectionRef& s) { unit_close(units, s.unit); }
@@ -256,15 +268,15 @@ void READING_ELEMENT_MATERIAL_DATA(ArchiveReader A, ElementMaterial& M, int32_t 
   int32_t mat_no = S.material_number;
   if (A.read(elmt, element_serial, &mat_no, 4)) S.material_number = mat_no;
   const SectionRef matl = A.find(sections::MATL, 3);
-  // Records past the end of the file cannot be read, so a count larger than
-  // the file holds is cut there rather than tried record by record.
+  // Records outside the file cannot be read, so the scan runs over those the
+  // file holds rather than trying every record the count claims.
   constexpr int64_t kWords = 13;
-  const int64_t count = std::min<int64_t>(matl.nrec, A.readable(matl, kWords * 8));
+  const auto [first, last] = A.readable_among(matl, kWords * 8, matl.nrec);
   constexpr int64_t kBatch = 4096;
   std::vector<double> recs;
   std::vector<char> ok;
-  for (int64_t done = 0; done < count; done += kBatch) {
-    const int64_t n = std::min(kBatch, count - done);
+  for (int64_t done = first - 1; done < last; done += kBatch) {
+    const int64_t n = std::min(kBatch, last - done);
     recs.assign(static_cast<size_t>(n * kWords), 0.0);
     A.read_run(matl, 1 + done, n, kWords * 8, recs.data(), ok);
     for (int64_t i = 0; i < n; ++i) {
@@ -280,19 +292,21 @@ void READING_ELEMENT_MATERIAL_DATA(ArchiveReader A, ElementMaterial& M, int32_t 
   }
 }
 
-void RSET(double value, VecRef<double> arr, int64_t n) {
+namespace {
+
+// The fill of RSET and R4SET: N entries (the low 32 bits of N count), the
+// ones past the array reported once.
+template <class T>
+void fill_entries(T value, VecRef<T> arr, int64_t n) {
   const int32_t count = static_cast<int32_t>(static_cast<uint32_t>(n & 0xffffffff));
-  for (int32_t i = 1; i <= count; ++i) arr(i) = value;
+  const int64_t fit = arr.fit(1, count);
+  for (int64_t i = 1; i <= fit; ++i) arr(i) = value;
 }
 
-void R4SET(int32_t value, VecRef<int32_t> arr, int64_t n) {
-  const int32_t count = static_cast<int32_t>(static_cast<uint32_t>(n & 0xffffffff));
-  for (int32_t i = 1; i <= count; ++i) arr(i) = value;
-}
+}  // namespace
 
-void R4SET(float value, VecRef<float> arr, int64_t n) {
-  const int32_t count = static_cast<int32_t>(static_cast<uint32_t>(n & 0xffffffff));
-  for (int32_t i = 1; i <= count; ++i) arr(i) = value;
-}
+void RSET(double value, VecRef<double> arr, int64_t n) { fill_entries(value, arr, n); }
+void R4SET(int32_t value, VecRef<int32_t> arr, int64_t n) { fill_entries(value, arr, n); }
+void R4SET(float value, VecRef<float> arr, int64_t n) { fill_entries(value, arr, n); }
 
 }  // namespace respcore

@@ -10,14 +10,22 @@
 //
 // Everything above the archive subsystem reads the archive through an
 // ArchiveReader: a look-up returns what it found as a SectionRef, and the
-// reads take the SectionRef.
+// reads take the SectionRef and an index in the section. The record number
+// and the byte offset of a read are formed here, with overflow detected
+// (archive/record_address.hpp): an index, a first record or a record length
+// that no file could hold makes the read fail, as a read past the end of the
+// file does. An index computed from several numbers of the archive is formed
+// with block_index, which detects overflow the same way.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "archive/archive_state.hpp"
 #include "archive/directory.hpp"
+#include "archive/record_address.hpp"
 #include "core/arrays.hpp"
 #include "core/diagnostics.hpp"
 #include "core/element_material.hpp"
@@ -72,8 +80,8 @@ class ArchiveReader {
   // double at BYTE_OFFSET is fetched into OUT.
   bool read_f64_at(const SectionRef& s, int64_t index, int64_t nbytes, int64_t byte_offset,
                    double& out);
-  // The outcome of a read of NBYTES from record INDEX, of which only the LEN
-  // bytes at BYTE_OFFSET are fetched into DST.
+  // The same, fetching the LEN bytes at BYTE_OFFSET into DST (none when they
+  // do not lie within the NBYTES).
   bool read_part(const SectionRef& s, int64_t index, int64_t nbytes, int64_t byte_offset, void* dst,
                  int64_t len);
   // The first NBYTES of COUNT records from record INDEX on, record i at
@@ -89,8 +97,24 @@ class ArchiveReader {
   int64_t read_run(const PinnedSection& s, int64_t index, int64_t count, int64_t nbytes, void* dst,
                    std::vector<char>& ok);
   // The last record index of S from which NBYTES can be read (past the end of
-  // the file no record can); at most 0 when none can.
+  // the file no record can); at most 0 when none can. (A section whose first
+  // record lies before the file's has unreadable indices below that of
+  // record 1 too: a loop over its records takes readable_among.)
   int64_t readable(const SectionRef& s, int64_t nbytes) const;
+  // The indices of S whose records hold NBYTES within the file: from that of
+  // record 1 (which lies before the section's own records, at an index of 0
+  // or below, unless the section starts at record 1) to that of the last
+  // record that does; an empty range (LO > HI) when none can.
+  std::pair<int64_t, int64_t> readable_indices(const SectionRef& s, int64_t nbytes) const;
+  // Of the indices 1..COUNT of S (the count a directory or record claims),
+  // the run FIRST..LAST whose records hold NBYTES within the file (empty when
+  // FIRST > LAST). A loop over a section's records runs over this run, and an
+  // array of them holds no more, whatever the count claims.
+  std::pair<int64_t, int64_t> readable_among(const SectionRef& s, int64_t nbytes,
+                                             int64_t count) const {
+    const auto [lo, hi] = readable_indices(s, nbytes);
+    return {std::max<int64_t>(lo, 1), std::min(hi, count)};
+  }
   // Closes the unit of S.
   void close(const SectionRef& s);
 

@@ -5,7 +5,10 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <limits>
 #include <vector>
+
+#include "archive/record_address.hpp"
 
 namespace respcore {
 
@@ -42,13 +45,6 @@ std::shared_ptr<OpenFile> open_cached(UnitTable& U, const std::string& raw_path)
   }
   U.files.emplace(path, f);
   return f;
-}
-
-// Byte offset of record REC, or -1 when it cannot exist.
-int64_t record_offset(int64_t rec, int64_t reclen) {
-  int64_t off = 0;
-  if (rec < 1 || __builtin_mul_overflow(rec - 1, reclen, &off)) return -1;
-  return off;
 }
 
 bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
@@ -94,9 +90,9 @@ namespace {
 [[gnu::always_inline]] inline int64_t readable_offset(const UnitTable& U, int32_t unit, int64_t rec,
                                                       int64_t nbytes, const Connection*& c) {
   c = connection(U, unit);
-  if (c == nullptr || nbytes < 0 || nbytes > c->reclen) return -1;
+  if (c == nullptr || nbytes < 0 || nbytes > c->reclen) return kNoRecord;
   const int64_t off = record_offset(rec, c->reclen);
-  if (off < 0 || off > c->file->size - nbytes) return -1;
+  if (off == kNoRecord || off > c->file->size - nbytes) return kNoRecord;
   return off;
 }
 
@@ -105,7 +101,7 @@ namespace {
 bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nbytes) {
   const Connection* c = nullptr;
   const int64_t off = readable_offset(U, unit, rec, nbytes, c);
-  if (off < 0) return false;
+  if (off == kNoRecord) return false;
   if (nbytes == 0) return true;
   return pread_all(c->file->fd, dst, nbytes, off);
 }
@@ -130,17 +126,15 @@ int64_t read_records(const Connection& c, int64_t first, int64_t count, int64_t 
   ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
   if (count <= 0 || !c.file) return 0;
   if (nbytes < 0 || nbytes > c.reclen) return 0;
-  // Records that exist lie in one contiguous span of the file.
-  int64_t lo = std::max<int64_t>(first, 1);
-  int64_t hi = first + count - 1;
-  const int64_t size = c.file->size;
-  while (hi >= lo) {
-    const int64_t off = record_offset(hi, c.reclen);
-    if (off >= 0 && off <= size - nbytes) break;
-    --hi;
-  }
+  // Records that exist lie in one contiguous span of the file: from record 1
+  // (or FIRST) to the last that holds NBYTES.
+  const int64_t lo = std::max<int64_t>(first, 1);
+  int64_t hi = 0;
+  if (__builtin_add_overflow(first, count - 1, &hi)) hi = std::numeric_limits<int64_t>::max();
+  hi = std::min(hi, last_record_within(c.file->size, c.reclen, nbytes));
   if (hi < lo) return 0;
   const int64_t span_off = record_offset(lo, c.reclen);
+  // Within the file, so neither can overflow.
   const int64_t span_len = (hi - lo) * c.reclen + nbytes;
   char* out = static_cast<char*>(dst) + (lo - first) * nbytes;
   if (nbytes == c.reclen) {
@@ -149,7 +143,7 @@ int64_t read_records(const Connection& c, int64_t first, int64_t count, int64_t 
   } else {
     std::vector<char> buf(static_cast<size_t>(checked_count(1, span_len)));
     if (!pread_all(c.file->fd, buf.data(), span_len, span_off)) return 0;
-    for (int64_t r = lo; r <= hi; ++r) {
+    for (int64_t r = lo; r <= hi && nbytes > 0; ++r) {
       std::memcpy(out + (r - lo) * nbytes, buf.data() + (r - lo) * c.reclen,
                   static_cast<size_t>(nbytes));
     }
@@ -190,15 +184,6 @@ void close_all_units(UnitTable& U) {
   U.walks.clear();
 }
 
-bool read_record_f64_at(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
-                        int64_t byte_offset, double& out) {
-  const Connection* c = nullptr;
-  const int64_t off = readable_offset(U, unit, rec, nbytes, c);
-  if (off < 0) return false;
-  if (byte_offset < 0 || byte_offset + 8 > nbytes) return true;
-  return pread_all(c->file->fd, &out, 8, off + byte_offset);
-}
-
 bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,
                       void* dst, int64_t len) {
   const Connection* c = connection(U, unit);
@@ -209,15 +194,15 @@ bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t 
                       void* dst, int64_t len) {
   if (!c.file || nbytes < 0 || nbytes > c.reclen) return false;
   const int64_t off = record_offset(rec, c.reclen);
-  if (off < 0 || off > c.file->size - nbytes) return false;
+  if (off == kNoRecord || off > c.file->size - nbytes) return false;
   if (byte_offset < 0 || len <= 0 || byte_offset > nbytes - len) return true;
   return pread_all(c.file->fd, dst, len, off + byte_offset);
 }
 
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {
   const Connection* c = connection(U, unit);
-  if (c == nullptr || nbytes < 0 || nbytes > c->reclen || c->file->size < nbytes) return 0;
-  return (c->file->size - nbytes) / c->reclen + 1;
+  if (c == nullptr) return 0;
+  return last_record_within(c->file->size, c->reclen, nbytes);
 }
 
 }  // namespace respcore

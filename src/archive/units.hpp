@@ -52,12 +52,6 @@ bool read_f64(UnitTable& U, int32_t unit, int64_t rec, VecRef<double> dst, int64
 bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int64_t n);
 
 // Checks that a read of NBYTES from record REC of UNIT would succeed, and
-// then reads only the 8 bytes at BYTE_OFFSET of the record into OUT. The
-// outcome is that of the whole read; only the bytes used are fetched.
-bool read_record_f64_at(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes,
-                        int64_t byte_offset, double& out);
-
-// Checks that a read of NBYTES from record REC of UNIT would succeed, and
 // then reads only the LEN bytes at BYTE_OFFSET of the record into DST (none
 // when they do not lie within the NBYTES). The outcome is that of the whole
 // read; only the bytes used are fetched.

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "archive/directory_codec.hpp"
+#include "archive/record_address.hpp"
 #include "respcore/archive_writer.hpp"
 
 namespace respcore {
@@ -140,8 +141,9 @@ std::vector<unsigned char> ArchiveFile::build() {
     }
   }
   for (auto& s : sections_) {
-    const size_t off = static_cast<size_t>(s->first - 1) * static_cast<size_t>(s->reclen_words()) * 4;
-    if (!s->bytes().empty()) std::memcpy(out.data() + off, s->bytes().data(), s->bytes().size());
+    const int64_t off = record_offset(s->first, int64_t{s->reclen_words()} * 4);
+    if (!s->bytes().empty())
+      std::memcpy(out.data() + off, s->bytes().data(), s->bytes().size());
   }
   return out;
 }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -51,6 +52,25 @@ struct DefaultInitAllocator : std::allocator<T> {
     ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
   }
 };
+
+// A loop driven by a count read from a record, over the subscripts FIRST,
+// FIRST + 1, ... of an array of extent LO:HI: how many of its COUNT steps the
+// extent holds. A count past the extent reports the first subscript outside
+// it once, as its access would; the loop stops there, since every later
+// access would fail too (reading zero, dropping its write).
+inline int64_t fit_extent(const char* name, int64_t lo, int64_t hi, int64_t first, int64_t count) {
+  if (count <= 0) return 0;
+  if (first < lo || first > hi) {
+    report_bound_failure(name, first, lo, hi);
+    return 0;
+  }
+  const int64_t room = hi - first + 1;
+  if (count > room) {
+    report_bound_failure(name, hi + 1, lo, hi);
+    return room;
+  }
+  return count;
+}
 
 template <class T>
 T& bound_scratch() {
@@ -125,6 +145,10 @@ class VecRef {
   RawVec<T> raw() const { return RawVec<T>(data_, lo_); }
   // Whether subscripts FIRST..LAST all lie within the extent.
   bool holds(int64_t first, int64_t last) const { return last < first || (first >= lo_ && last <= hi_); }
+  // Of COUNT subscripts from FIRST on, how many a loop may run (fit_extent).
+  int64_t fit(int64_t first, int64_t count) const {
+    return fit_extent(name_, lo_, hi_, first, count);
+  }
 
  private:
   T* data_ = nullptr;
@@ -158,6 +182,9 @@ class MatRef {
   RawMat<T> raw() const { return RawMat<T>(data_, rows_); }
   // Whether rows 1..R and columns 1..C lie within the extents.
   bool holds(int64_t r, int64_t c) const { return r <= rows_ && c <= cols_; }
+  // Of COUNT rows (columns) from 1 on, how many a loop may run (fit_extent).
+  int64_t fit_rows(int64_t count) const { return fit_extent(name_, 1, rows_, 1, count); }
+  int64_t fit_cols(int64_t count) const { return fit_extent(name_, 1, cols_, 1, count); }
 
  private:
   T* data_ = nullptr;
@@ -192,6 +219,7 @@ class Vec {
   void fill(T v) { std::fill(v_.begin(), v_.end(), v); }
   VecRef<T> ref() { return VecRef<T>(v_.data(), size(), name_, lo_); }
   VecRef<T> sub(int64_t start, int64_t len) { return ref().sub(start, len); }
+  int64_t fit(int64_t first, int64_t count) { return ref().fit(first, count); }
   RawVec<T> raw() { return RawVec<T>(v_.data(), lo_); }
   const char* name() const { return name_; }
 
@@ -235,6 +263,8 @@ class Mat {
   MatRef<T> ref() { return MatRef<T>(v_.data(), rows_, cols_, name_); }
   VecRef<T> flat() { return VecRef<T>(v_.data(), rows_ * cols_, name_); }
   RawMat<T> raw() { return RawMat<T>(v_.data(), rows_); }
+  int64_t fit_rows(int64_t count) { return ref().fit_rows(count); }
+  int64_t fit_cols(int64_t count) { return ref().fit_cols(count); }
   const char* name() const { return name_; }
 
  private:
@@ -271,6 +301,7 @@ class Arr3 {
     return v_[static_cast<size_t>((i - 1) + n1_ * ((j - 1) + n2_ * (k - 1)))];
   }
   int64_t extent(int d) const { return d == 1 ? n1_ : d == 2 ? n2_ : n3_; }
+  const char* name() const { return name_; }
   T* data() { return v_.data(); }
   void fill(T v) { std::fill(v_.begin(), v_.end(), v); }
   // The plane of third subscript K (within 1..N3) as a matrix under the
@@ -317,10 +348,16 @@ inline int32_t trunc_i32(double x) {
 }
 
 // A packed word holds an integer and, as two digits behind the decimal point,
-// a count.
+// a count: the truncation of (x + 0.0001) * 100 - trunc(x) * 100. The integer
+// part is taken whole (not cut to 32 bits), so that the count is the two
+// digits whatever the magnitude of the word; a result outside 0..99 (a
+// negative word, a fraction of .9999 and more, a word too large for its
+// fraction to survive, not a number) is held to 0..99.
 inline int32_t packed_count(double x) {
-  const double t = static_cast<double>(trunc_i32(x));
-  return trunc_i32((x + 0.0001) * 100.0 - t * 100.0);
+  const double v = (x + 0.0001) * 100.0 - std::trunc(x) * 100.0;
+  if (!(v > 0.0)) return 0;
+  if (v >= 99.0) return 99;
+  return static_cast<int32_t>(v);
 }
 
 }  // namespace respcore

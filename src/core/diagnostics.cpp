@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "core/arrays.hpp"
@@ -9,26 +10,69 @@
 namespace respcore {
 
 namespace {
+
 // The quiet kernel whose call runs on this thread, if any.
 thread_local Diagnostics* t_quiet_sink = nullptr;
-}  // namespace
 
-DiagnosticScope::DiagnosticScope(Diagnostics& D) : previous_(t_quiet_sink) {
-  t_quiet_sink = D.quiet ? &D : nullptr;
+// The bound lines of the call that runs on this thread.
+struct BoundLines {
+  bool counting = false;  // a call runs
+  int64_t written = 0;
+  int64_t suppressed = 0;
+};
+thread_local BoundLines t_bounds;
+
+// TEXT and its newline in one write to F: the stream's lock is held for the
+// whole line, so lines written from other threads land before or after it.
+void write_line(std::FILE* f, std::string_view text) {
+  char small[512];
+  if (text.size() < sizeof small) {
+    std::memcpy(small, text.data(), text.size());
+    small[text.size()] = '\n';
+    std::fwrite(small, 1, text.size() + 1, f);
+    return;
+  }
+  std::string whole(text);
+  whole.push_back('\n');
+  std::fwrite(whole.data(), 1, whole.size(), f);
 }
 
-DiagnosticScope::~DiagnosticScope() { t_quiet_sink = previous_; }
+}  // namespace
+
+DiagnosticScope::DiagnosticScope(Diagnostics& D)
+    : previous_(t_quiet_sink),
+      previous_written_(t_bounds.written),
+      previous_suppressed_(t_bounds.suppressed),
+      previous_active_(t_bounds.counting) {
+  t_quiet_sink = D.quiet ? &D : nullptr;
+  t_bounds = BoundLines{true, 0, 0};
+}
+
+DiagnosticScope::~DiagnosticScope() {
+  if (t_bounds.suppressed > 0) {
+    print_diagnostic("array bound exceeded: " + std::to_string(t_bounds.suppressed) +
+                     " more failures suppressed");
+  }
+  t_quiet_sink = previous_;
+  t_bounds = BoundLines{previous_active_, previous_written_, previous_suppressed_};
+}
 
 void print_diagnostic(std::string_view line) {
   if (t_quiet_sink != nullptr) {
     t_quiet_sink->diagnostic_lines.emplace_back(line);
     return;
   }
-  std::fwrite(line.data(), 1, line.size(), stderr);
-  std::fputc('\n', stderr);
+  write_line(stderr, line);
 }
 
 void report_bound_failure(const char* name, int64_t value, int64_t lo, int64_t hi) {
+  if (t_bounds.counting) {
+    if (t_bounds.written >= kMaxBoundLines) {
+      ++t_bounds.suppressed;
+      return;
+    }
+    ++t_bounds.written;
+  }
   char line[256];
   std::snprintf(line, sizeof line, "array bound exceeded: %s subscript %lld bound %lld:%lld", name,
                 static_cast<long long>(value), static_cast<long long>(lo),
@@ -48,10 +92,7 @@ int64_t checked_count(int64_t elem_size, int64_t n1, int64_t n2, int64_t n3) {
 }
 
 void print_line(Diagnostics& D, std::string_view line) {
-  if (!D.quiet) {
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fputc('\n', stdout);
-  }
+  if (!D.quiet) write_line(stdout, line);
   D.output_lines.emplace_back(line);
 }
 

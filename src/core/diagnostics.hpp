@@ -3,7 +3,12 @@
 // - Standard output carries only the system's own error lines (look-up
 //   failures, singular inverses, geometry warnings). Each line is also kept
 //   in the kernel state so that the C++ API can hand it back.
-// - Standard error carries the bound diagnostics of the checked arrays.
+// - Standard error carries the bound diagnostics of the checked arrays. A
+//   call writes at most kMaxBoundLines of them; the failures after those are
+//   counted, and the end of the call writes one line with their number.
+//
+// Every line goes out in one write of its text and its newline, so that the
+// lines of kernels that run in separate threads never mix.
 // - Unit 78 is the element message sink: kept in memory, never a file.
 #pragma once
 
@@ -36,9 +41,14 @@ void print_line(Diagnostics& D, std::string_view line);
 // of the quiet kernel that runs on this thread.
 void print_diagnostic(std::string_view line);
 
-// While one of these lives, the standard-error lines of this thread go to D
-// if D is quiet. Kernels run one call at a time on a thread, so one sink per
-// thread suffices.
+// Bound lines one call writes; the failures past them are only counted.
+inline constexpr int64_t kMaxBoundLines = 100;
+
+// One call of a kernel on this thread. While one of these lives, the
+// standard-error lines of this thread go to D if D is quiet, and its bound
+// lines are counted against kMaxBoundLines; when it ends, one line says how
+// many failures were not written. Kernels run one call at a time on a thread,
+// so one sink per thread suffices.
 class DiagnosticScope {
  public:
   explicit DiagnosticScope(Diagnostics& D);
@@ -48,6 +58,9 @@ class DiagnosticScope {
 
  private:
   Diagnostics* previous_;
+  int64_t previous_written_;
+  int64_t previous_suppressed_;
+  bool previous_active_;
 };
 
 // Appends LINE and a newline to the message sink (unit 78).

@@ -177,9 +177,12 @@ void step_product(Sig SIG, Strs STRS, Disp D, int64_t s, int64_t nrows, int64_t 
   }
 }
 
-// What an element's record holds beside its matrix.
+// What an element's record holds beside its matrix. NEQ and NROW are the
+// counts as the record gives them (0..99); NEQ_IN and NROW_IN the part of
+// them that the element's arrays hold, which is all a step can use.
 struct LineRecord {
   int32_t NEQ = 0, NROW = 0;
+  int64_t neq_in = 0, nrow_in = 0;
   int32_t nodes[2] = {};
   double factor = 1.0;      // the element factor (beam)
   double a = 0.0, b = 0.0;  // the scale words (wall beam)
@@ -196,7 +199,10 @@ LineRecord read_record(const LineLayout& T, ArchiveReader A, LineElementArrays& 
   // full; with fewer equations the node pair moves up behind the matrix.
   rec.NEQ = packed_count(SA(T.neq_word));
   rec.NROW = packed_count(SA(T.nrow_word));
-  for (int32_t i = 1; i <= rec.NEQ; ++i) E.LM(i) = trunc_i32(SA(i));
+  // Equation numbers past LM cannot be kept: the first is reported, and the
+  // step uses the ones LM holds.
+  const int64_t nlm = E.LM.fit(1, rec.NEQ);
+  for (int64_t i = 1; i <= nlm; ++i) E.LM(i) = trunc_i32(SA(i));
   const int64_t behind = int64_t{rec.NEQ} * (int64_t{rec.NROW} + 1);
   rec.nodes[0] = trunc_i32(SA(behind + 1));
   rec.nodes[1] = trunc_i32(SA(behind + 2));
@@ -209,14 +215,21 @@ LineRecord read_record(const LineLayout& T, ArchiveReader A, LineElementArrays& 
 }
 
 // The matrix, column by column, NROW values per column, and the factor words
-// of the step vector, saved to be put back after each step's product.
-void unpack_matrix(const LineLayout& T, LineElementArrays& E, const LineRecord& rec) {
+// of the step vector, saved to be put back after each step's product. Rows
+// and columns past STRS, and values past the record array, are reported
+// once each; what the arrays hold is filled, the rest stays zero.
+void unpack_matrix(const LineLayout& T, LineElementArrays& E, LineRecord& rec) {
   Mat<double>& STRS = E.STRS;
   STRS.fill(0.0);
-  for (int32_t j = 1; j <= rec.NEQ; ++j) {
-    for (int32_t r = 1; r <= rec.NROW; ++r) {
-      STRS(r, j) = E.SA(int64_t{rec.NEQ} + int64_t{j - 1} * rec.NROW + r);
-    }
+  rec.nrow_in = STRS.fit_rows(rec.NROW);
+  rec.neq_in = STRS.fit_cols(rec.NEQ);
+  for (int64_t j = 1; j <= rec.neq_in; ++j) {
+    // Column j lies at SA(NEQ + (j - 1) NROW + 1 ...): once a column runs past
+    // SA, every later one starts past it.
+    const int64_t start = int64_t{rec.NEQ} + (j - 1) * rec.NROW + 1;
+    const int64_t n = E.SA.fit(start, rec.nrow_in);
+    for (int64_t r = 1; r <= n; ++r) STRS(r, j) = E.SA(start + r - 1);
+    if (n < rec.nrow_in) break;
   }
   E.SIG.fill(0.0);
   for (const FactorBlock& f : T.factors) {
@@ -235,14 +248,12 @@ void step_rows(const LineLayout& T, LineElementArrays& E, const LineRecord& rec,
   const RawVec<double> out = E.SIG_OUT.raw();
   std::fill(SIG.data(), SIG.data() + T.kept, 0.0);
   // Product rows behind the kept ones land on the factors and are thrown
-  // away when the factors are put back, so only the kept rows need forming
-  // when the record's counts fit the declared arrays; otherwise the product
-  // runs over every row, through the checked subscripts. Every other
-  // subscript of the step lies within the arrays.
-  if (rec.NEQ >= 0 && rec.NEQ <= T.dof && rec.NROW >= 0 && rec.NROW <= T.rows)
-    step_product(sig, E.STRS.raw(), DISP_EQ.raw(), s, std::min(rec.NROW, T.kept), rec.NEQ);
-  else
-    step_product(SIG.ref(), E.STRS.ref(), DISP_EQ.ref(), s, rec.NROW, rec.NEQ);
+  // away when the factors are put back, so only the kept rows are formed.
+  // Rows and columns of the record past STRS (and past DISP_EQ, whose rows
+  // are those of STRS's columns) read as zero: their terms add nothing, and
+  // the product runs over what the arrays hold, unchecked.
+  step_product(sig, E.STRS.raw(), DISP_EQ.raw(), s, std::min<int64_t>(rec.nrow_in, T.kept),
+               rec.neq_in);
   // The axis change must always meet the stored factors.
   std::copy(E.SIG_SAVE.data(), E.SIG_SAVE.data() + T.saved, SIG.data() + T.kept);
   T.axis_change(SIG.ref());
@@ -403,8 +414,11 @@ void remove_initial_state(const RunContext& R, ArchiveReader A, InactiveTables& 
     return;
   }
   DISP_EQUATION_INITIAL(A, DISP_INIT.ref(), NEQ, LM);
+  // Equations past DISP_EQ or past DISP_INIT change nothing: the first of
+  // them is reported, and the steps run over the others.
+  const int64_t n = DISP_INIT.fit(1, DISP_EQ.fit_rows(NEQ));
   for (int64_t s = 1; s <= R.NUM_STEPS; ++s) {
-    for (int32_t j = 1; j <= NEQ; ++j) DISP_EQ(j, s) = DISP_EQ(j, s) - DISP_INIT(j);
+    for (int64_t j = 1; j <= n; ++j) DISP_EQ(j, s) = DISP_EQ(j, s) - DISP_INIT(j);
   }
 }
 

@@ -1,6 +1,9 @@
 // Truss history: axial force and axial stress at both ends of each listed
 // truss, for each requested step, from the element's stored force-recovery
 // matrix and its nodal displacements.
+#include <algorithm>
+#include <cstdint>
+
 #include "line/line_element.hpp"
 #include "nodal/disp_equation.hpp"
 #include "nodal/inactive.hpp"
@@ -16,15 +19,42 @@ constexpr int32_t kWords = 63;
 constexpr int32_t kExtendedWords = 1245;
 constexpr int32_t kRows = 4;  // of a step: two end forces, two end stresses
 
+// STRS(NSTR, NDOF), the recovery matrix as it lies in the record array SA,
+// column by column behind the equation numbers: entry (i, j) is
+// SA(BASE + i + (j - 1) NSTR), zero past SA. It is read where it lies rather
+// than copied, so that no count of the record decides the size of an array.
+class RecordMatrix {
+ public:
+  RecordMatrix(const Vec<double>& SA, int64_t base, int64_t nstr, int64_t ndof)
+      : sa_(SA.data()), n_sa_(SA.size()), base_(base), nstr_(nstr), ndof_(ndof) {}
+  // Whether rows 1..R and columns 1..C lie within the matrix.
+  bool holds(int64_t r, int64_t c) const { return r <= nstr_ && c <= ndof_; }
+  // Entry (i, j) of a matrix that holds it.
+  double raw(int64_t i, int64_t j) const {
+    const int64_t k = base_ + i + (j - 1) * nstr_;
+    return k <= n_sa_ ? sa_[k - 1] : 0.0;
+  }
+  // Entry (i, j), checked as an array subscript of STRS.
+  double operator()(int64_t i, int64_t j) const {
+    if (i < 1 || i > nstr_) return bound_fail<double>("STRS", i, 1, std::max<int64_t>(nstr_, 0));
+    if (j < 1 || j > ndof_) return bound_fail<double>("STRS", j, 1, std::max<int64_t>(ndof_, 0));
+    return raw(i, j);
+  }
+
+ private:
+  const double* sa_;
+  int64_t n_sa_, base_, nstr_, ndof_;
+};
+
 // The step S of the element: the two end forces come with opposite signs;
 // both ends carry their mean, tension positive; the initial forces are added
 // before the stresses are formed, and the factor scales the forces alone.
 template <class Strs, class Disp, class Out>
-void truss_step(Strs STRS, Disp D, Out SSIG, int64_t s, int32_t NDOF, const double* init,
+void truss_step(Strs STRS, Disp D, Out SSIG, int64_t s, int64_t NDOF, const double* init,
                 bool scaled, double SCALE) {
   double SIG[2] = {0.0, 0.0};
-  for (int32_t i = 1; i <= 2; ++i) {
-    for (int32_t j = 1; j <= NDOF; ++j) SIG[i - 1] += STRS(i, j) * D(j, s);
+  for (int64_t i = 1; i <= 2; ++i) {
+    for (int64_t j = 1; j <= NDOF; ++j) SIG[i - 1] += STRS(i, j) * D(j, s);
   }
   const double F = (SIG[1] - SIG[0]) * 0.5;
   SSIG(1, s) = F;
@@ -52,6 +82,8 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
   Mat<double> RST_INITIAL("RST_INITIAL", 0, 0);
   const bool has_initial =
       line_detail::read_initial_forces(R, A, sections::ITTR, 2, INUM_SERIAL, RST_INITIAL);
+  // DISP_EQUATION is asked for no node-axis copy, so it needs no storage.
+  MatRef<double> DISP_NO(nullptr, 0, 0, "DISP_NO");
 
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
   for (int64_t k = 1; k <= R.NUM_ITEMS; ++k) {
@@ -63,7 +95,7 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
     // only the tag "H.N.Q" reads; its factor and word 1245 change places.
     const bool extended = trunc_i32(SA(kWords)) < 0;
     int32_t reclen = kWords;
-    int32_t NNODE = 2;
+    int64_t NNODE = 2;
     double SCALE = SA(kWords);
     if (extended && hnq) {
       A.read_f64(A.find(sections::EMBT, ID), serial, SA.ref(), kExtendedWords);
@@ -73,41 +105,62 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
       SA(kWords) = G;
       SCALE = -F;
       reclen = kExtendedWords;
-      NNODE = trunc_i32(SA(1201)) + trunc_i32(SA(1202));
+      NNODE = int64_t{trunc_i32(SA(1201))} + trunc_i32(SA(1202));
     }
     if (SCALE < 0.0) SCALE = -SCALE;
 
-    const int32_t NDOF = trunc_i32(SA(reclen - 2));
+    const int32_t NDOF_WORD = trunc_i32(SA(reclen - 2));
     const int32_t NSTR = trunc_i32(SA(reclen - 1));
+    // The equation numbers past SA read as zero (the first is reported); past
+    // the record SA holds zeros. An element that claims more equations than
+    // its record holds therefore has a matrix of zeros behind them, and its
+    // equations past the record contribute nothing: it is cut there, so that
+    // no count of the record sizes its arrays.
+    int64_t NDOF = SA.fit(1, NDOF_WORD);
+    if (NDOF > reclen) NDOF = reclen;
     Vec<int32_t> LM("LM", NDOF);
-    for (int32_t i = 1; i <= NDOF; ++i) LM(i) = trunc_i32(SA(i));
+    for (int64_t i = 1; i <= NDOF; ++i) LM(i) = trunc_i32(SA(i));
 
-    Vec<int32_t> IIA("IIA", NNODE);
+    // The node lists: NA nodes from SA(1204), NB from SA(1223), the second
+    // behind the first. Only the nodes whose six rows reach into LM take part
+    // in the motion, and only those IIA holds.
+    NNODE = std::clamp<int64_t>(NNODE, 0, INT32_MAX);
+    const int64_t nodes = std::min(NNODE, (NDOF + 5) / 6);
+    Vec<int32_t> IIA("IIA", nodes);
     if (extended) {
-      const int32_t NA = trunc_i32(SA(1201));
-      const int32_t NB = trunc_i32(SA(1202));
-      for (int32_t i = 1; i <= NA; ++i) IIA(i) = trunc_i32(SA(1203 + i));
-      for (int32_t i = 1; i <= NB; ++i) IIA(NA + i) = trunc_i32(SA(1222 + i));
+      const int64_t NA = trunc_i32(SA(1201));
+      const int64_t NB = trunc_i32(SA(1202));
+      const int64_t na = SA.fit(1204, std::min(NA, nodes));
+      for (int64_t i = 1; i <= na; ++i) IIA(i) = trunc_i32(SA(1203 + i));
+      // Node i of the second list is IIA(NA + i).
+      const int64_t lo = std::max<int64_t>(1, 1 - NA);
+      const int64_t hi = std::min(NB, nodes - NA);
+      const int64_t nb = lo > hi ? 0 : SA.fit(1222 + lo, hi - lo + 1);
+      for (int64_t i = lo; i < lo + nb; ++i) IIA(NA + i) = trunc_i32(SA(1222 + i));
     }
 
     Mat<double> DISP_EQ("DISP_EQ", NDOF, R.NUM_STEPS);
-    Mat<double> DISP_NO("DISP_NO", NDOF, R.NUM_STEPS);
-    DISP_EQUATION(M, NDOF, DISP_EQ.ref(), DISP_NO.ref(), NDOF, LM.ref(), IIA.ref(), NNODE, 1);
-    line_detail::remove_initial_state(R, A, IT, INACTIVE_KIND_TRUSS, serial, NDOF, LM.ref(),
-                                      L.TRUSS_DISP_INIT, DISP_EQ);
+    DISP_EQUATION(M, static_cast<int32_t>(NDOF), DISP_EQ.ref(), DISP_NO, static_cast<int32_t>(NDOF),
+                  LM.ref(), IIA.ref(), static_cast<int32_t>(NNODE), 1);
+    line_detail::remove_initial_state(R, A, IT, INACTIVE_KIND_TRUSS, serial,
+                                      static_cast<int32_t>(NDOF), LM.ref(), L.TRUSS_DISP_INIT,
+                                      DISP_EQ);
 
-    Mat<double> STRS("STRS", NSTR, NDOF);
-    const int64_t nvals = int64_t{std::max(NSTR, 0)} * std::max(NDOF, 0);
-    for (int64_t v = 1; v <= nvals; ++v) STRS.flat()(v) = SA(NDOF + v);
+    // The matrix from word NDOF_WORD + 1 on; what runs past SA is reported
+    // once and reads as zero.
+    const RecordMatrix STRS(SA, std::max<int64_t>(NDOF_WORD, 0), NSTR, NDOF);
+    const int64_t nvals = int64_t{std::max(NSTR, 0)} * std::max<int64_t>(NDOF, 0);
+    SA.fit(std::max<int64_t>(NDOF_WORD, 0) + 1, nvals);
 
     const double* init = has_initial ? RST_INITIAL.col(k) : nullptr;
     // Rows 1..4 of column 1 and rows 1, 2 of every column are read.
-    const bool inside = NSTR >= 4 && NDOF >= 1;
+    const bool inside = STRS.holds(4, NDOF) && NDOF >= 1;
     for (int64_t s = 1; s <= R.NUM_STEPS; ++s) {
       if (inside)
-        truss_step(STRS.raw(), DISP_EQ.raw(), SSIG.raw(), s, NDOF, init, hnq, SCALE);
+        truss_step([&](int64_t i, int64_t j) { return STRS.raw(i, j); }, DISP_EQ.raw(), SSIG.raw(),
+                   s, NDOF, init, hnq, SCALE);
       else
-        truss_step(STRS.ref(), DISP_EQ.ref(), SSIG.ref(), s, NDOF, init, hnq, SCALE);
+        truss_step(STRS, DISP_EQ.ref(), SSIG.ref(), s, NDOF, init, hnq, SCALE);
     }
 
     deliver_rows(TDSP, R.REQUEST_MODE, SSIG, kRows, k);

@@ -15,9 +15,12 @@ template <class Make>
 void fetch_rows(NodalMotion& M, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA,
                 int32_t NNODE, Make make) {
   const RunContext& R = M.run;
+  // Equations past LM read as equation 0, which has no motion: the first is
+  // reported and the element's equations are those LM holds.
+  const int64_t nlm = LM.fit(1, NLM);
   auto by_equation = [&](bool close_after) {
-    MotionFetch& f = make(false);
-    for (int32_t i = 1; i <= NLM; ++i) f.dof(i, LM(i), 0, 0);
+    MotionFetch& f = make(false, nlm);
+    for (int64_t i = 1; i <= nlm; ++i) f.dof(i, LM(i), 0, 0);
     f.finish();
     if (close_after) f.close_direct_file();
   };
@@ -26,9 +29,18 @@ void fetch_rows(NodalMotion& M, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t>
     return;
   }
   if (R.HIST_STORE != 2 || R.HAS_SUPPORT_MOTION != 1) return;
+  // The nodes whose rows reach into LM. A node behind them has only rows
+  // past LM: equation 0, whose motion, if any, lands past the element's rows
+  // and is dropped. It still counts as a constrained node.
+  const int64_t reach = (LM.hi() + 5) / 6;
+  const int64_t nnode = std::min<int64_t>(std::max(NNODE, 0), std::max<int64_t>(reach, 0));
   int32_t zeros = 0;
-  for (int32_t n = 1; n <= NNODE; ++n) {
-    for (int32_t c = 1; c <= 3; ++c) {
+  if (nnode < NNODE) {
+    report_bound_failure(LM.name(), 6 * nnode + 1, LM.lo(), LM.hi());
+    ++zeros;
+  }
+  for (int64_t n = 1; n <= nnode; ++n) {
+    for (int64_t c = 1; c <= 3; ++c) {
       if (LM(6 * (n - 1) + c) == 0) ++zeros;
     }
   }
@@ -36,8 +48,8 @@ void fetch_rows(NodalMotion& M, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t>
     by_equation(true);
     return;
   }
-  MotionFetch& f = make(true);
-  for (int32_t n = 1; n <= NNODE; ++n) {
+  MotionFetch& f = make(true, nlm);
+  for (int64_t n = 1; n <= nnode; ++n) {
     for (int32_t c = 1; c <= 6; ++c) {
       const int64_t row = 6 * (n - 1) + c;
       const int32_t L = LM(row);
@@ -63,8 +75,8 @@ void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, i
   const StepColumns cols =
       M.run.REQUEST_MODE == 1 ? StepColumns::AllSteps : StepColumns::OneStep;
   std::optional<MotionFetch> f;
-  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support) -> MotionFetch& {
-    return f.emplace(M, Quantity::Displacement, cols, support, work, DISP_EQ, NDOF, NLM);
+  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support, int64_t nlm) -> MotionFetch& {
+    return f.emplace(M, Quantity::Displacement, cols, support, work, DISP_EQ, NDOF, nlm);
   });
 }
 
@@ -100,16 +112,21 @@ void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<
   const RunContext& R = M.run;
   const SectionRef ndsp = M.archive.find(sections::NDSP, 3);
   const int64_t ncol = DISP_NO.cols();
-  if (DISP_NO.holds(NDOF, ncol))
-    clear_rows(DISP_NO.raw(), NDOF, ncol);
-  else
-    clear_rows(DISP_NO, NDOF, ncol);
+  clear_rows(DISP_NO.raw(), DISP_NO.fit_rows(NDOF), ncol);
   const int32_t K = M.node_dofs();
   const bool wall = R.ELEM_TYPE == 14;
   const int64_t nsteps = R.NUM_STEPS;
-  const int64_t last_row = std::max<int64_t>(6 * int64_t{NNODE}, wall ? 12 + NNODE : 0);
+  // Nodes whose rows all lie past DISP_NO would only drop their writes: the
+  // first such row is reported, and the turn stops there.
+  const int64_t reach = (DISP_NO.rows() + 5) / 6;
+  int64_t nnode = std::max(NNODE, 0);
+  if (nnode > reach) {
+    report_bound_failure(DISP_NO.name(), 6 * reach + 1, 1, DISP_NO.rows());
+    nnode = reach;
+  }
+  const int64_t last_row = std::max<int64_t>(6 * nnode, wall ? 12 + nnode : 0);
   const bool inside = DISP_EQ.holds(last_row, nsteps) && DISP_NO.holds(last_row, nsteps);
-  for (int32_t n = 1; n <= NNODE; ++n) {
+  for (int64_t n = 1; n <= nnode; ++n) {
     const NodeRecord rec = M.node_transform(ndsp, IIA(n), K);
     if (inside)
       turn_node(DISP_EQ.raw(), DISP_NO.raw(), rec, n, nsteps, wall);
@@ -131,7 +148,7 @@ bool DispRow::start(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> L
   if (by_node && (6 * int64_t{NNODE} > rows || NNODE > IIA.size() ||
                   (R.ELEM_TYPE == 14 && 12 + int64_t{NNODE} > rows)))
     return false;
-  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support) -> MotionFetch& {
+  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support, int64_t) -> MotionFetch& {
     return fetch_.emplace(M, Quantity::Displacement, support, NDOF);
   });
   return true;

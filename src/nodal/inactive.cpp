@@ -16,7 +16,8 @@ void READ_INFORM_INITIAL(ArchiveReader A, InactiveTables& T) {
   // The table is only ever consulted when its first entry is set, which
   // takes a successful read; a record that cannot be read leaves it zero,
   // so its first entry stands for all of it.
-  const bool readable = n > 0 && A.readable(iasi, int64_t{n} * 4) >= 1;
+  const auto [rec1, rec1_last] = A.readable_among(iasi, int64_t{n} * 4, 1);
+  const bool readable = n > 0 && rec1 <= rec1_last;
   T.INFM_TMHL.resize(readable ? n : std::min(n, 1));
   if (readable) A.read_i32(iasi, 1, T.INFM_TMHL.ref(), n);
   if (T.INFM_TMHL(1) == 0) {
@@ -29,15 +30,20 @@ void READ_INFORM_INITIAL(ArchiveReader A, InactiveTables& T) {
     return;
   }
   T.NUM_INACTIVE = static_cast<int32_t>(iase.nrec);
-  T.INACTIVE_INFORM.resize(3, T.NUM_INACTIVE);
-  T.NUM_TRUS = T.NUM_BEAM = T.NUM_WARB = 0;
-  // The records are read in batches; each record has the outcome of its own
-  // read, and a record that cannot be read leaves its column as it was.
+  // The records are read in batches from the first; each record has the
+  // outcome of its own read, a record that cannot be read leaves its column
+  // as it was, and a batch that reads nothing ends the reading. Entries the
+  // reading does not reach stay zero, of no kind: the table holds the ones it
+  // can fill (none when the file's first record lies past the first batch).
   constexpr int64_t kBatch = 8192;
+  const auto [first, last] = A.readable_among(iase, 12, T.NUM_INACTIVE);
+  const int64_t filled = first <= last && first <= kBatch ? last : 0;
+  T.INACTIVE_INFORM.resize(3, filled);
+  T.NUM_TRUS = T.NUM_BEAM = T.NUM_WARB = 0;
   std::vector<int32_t> buf;
   std::vector<char> ok;
-  for (int64_t done = 0; done < T.NUM_INACTIVE; done += kBatch) {
-    const int64_t cnt = std::min<int64_t>(kBatch, T.NUM_INACTIVE - done);
+  for (int64_t done = 0; done < filled; done += kBatch) {
+    const int64_t cnt = std::min<int64_t>(kBatch, filled - done);
     buf.assign(static_cast<size_t>(3 * cnt), 0);
     if (A.read_run(iase, 1 + done, cnt, 12, buf.data(), ok) == 0) break;
     for (int64_t i = 0; i < cnt; ++i) {
@@ -47,7 +53,7 @@ void READ_INFORM_INITIAL(ArchiveReader A, InactiveTables& T) {
       }
     }
   }
-  for (int64_t k = 1; k <= T.NUM_INACTIVE; ++k) {
+  for (int64_t k = 1; k <= filled; ++k) {
     const int32_t kind = T.INACTIVE_INFORM(2, k);
     if (kind == INACTIVE_KIND_TRUSS) ++T.NUM_TRUS;
     else if (kind == INACTIVE_KIND_BEAM) ++T.NUM_BEAM;
@@ -57,7 +63,7 @@ void READ_INFORM_INITIAL(ArchiveReader A, InactiveTables& T) {
   T.BEAM.resize(T.NUM_BEAM);
   T.WARB.resize(T.NUM_WARB);
   int32_t nt = 0, nb = 0, nw = 0;
-  for (int64_t k = 1; k <= T.NUM_INACTIVE; ++k) {
+  for (int64_t k = 1; k <= filled; ++k) {
     const int32_t kind = T.INACTIVE_INFORM(2, k);
     const int32_t id = T.INACTIVE_INFORM(3, k);
     if (kind == INACTIVE_KIND_TRUSS) T.TRUS(++nt) = id;
@@ -79,7 +85,7 @@ void CHECK_INACTIVE_ELEM(InactiveTables& T, int32_t kind, int32_t element, int32
     case INACTIVE_KIND_WALL_BEAM: list = &T.WARB; count = T.NUM_WARB; break;
     default: return;
   }
-  for (int32_t i = 1; i <= count; ++i) {
+  for (int64_t i = 1; i <= count; ++i) {
     if ((*list)(i) == element) {
       flag = 1;
       T.IS_INACTIVE = 1;
@@ -94,13 +100,16 @@ void DISP_EQUATION_INITIAL(ArchiveReader A, VecRef<double> DISP_INIT, int32_t ND
   // doubles.
   const SectionRef dspl = A.find_direct(sections::DSPL, 1, 1);
   const int64_t n = dspl.reclen / 2;
-  for (int32_t i = 1; i <= NDOF; ++i) DISP_INIT(i) = 0.0;
+  // Equations past DISP_INIT (or past LM) are reported once and left out.
+  const int64_t ndof = DISP_INIT.fit(1, NDOF);
+  for (int64_t i = 1; i <= ndof; ++i) DISP_INIT(i) = 0.0;
+  const int64_t nlm = LM.fit(1, ndof);
   // The whole record of N doubles is read; only the entries of the
   // element's equations are fetched from it.
   double probe = 0.0;
   if (!A.read_f64_at(dspl, 1, std::max<int64_t>(n, 0) * 8, -1, probe)) {
     // A failed read leaves the freshly made work array at zero.
-    for (int32_t i = 1; i <= NDOF; ++i) {
+    for (int64_t i = 1; i <= nlm; ++i) {
       const int32_t e = LM(i);
       if (e <= 0) continue;
       if (e > n) report_bound_failure("DTEMP", e, 1, std::max<int64_t>(n, 0));
@@ -108,7 +117,7 @@ void DISP_EQUATION_INITIAL(ArchiveReader A, VecRef<double> DISP_INIT, int32_t ND
     }
     return;
   }
-  for (int32_t i = 1; i <= NDOF; ++i) {
+  for (int64_t i = 1; i <= nlm; ++i) {
     const int32_t e = LM(i);
     if (e <= 0) continue;
     if (e > n) {

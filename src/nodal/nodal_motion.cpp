@@ -19,54 +19,108 @@ int64_t record_index(Quantity q, bool support, int64_t e) {
   return support ? (4 - k) * e : 3 * e + 1 - k;
 }
 
-// INDX_NF: 1 for each mode that takes part. A MODE_NO within 1..NUM_MODES
-// selects that mode alone; any other value selects all.
-void select_modes(const RunContext& R, Vec<int32_t>& INDX_NF) {
-  INDX_NF.resize(R.NUM_MODES);
-  if (R.MODE_NO >= 1 && R.MODE_NO <= R.NUM_MODES) {
-    INDX_NF.fill(0);
-    INDX_NF(R.MODE_NO) = 1;
-  } else {
-    INDX_NF.fill(1);
-  }
+// Whether mode M takes part: a MODE_NO within 1..NUM_MODES selects that mode
+// alone; any other value selects all.
+bool mode_selected(const RunContext& R, int64_t m) {
+  if (R.MODE_NO >= 1 && R.MODE_NO <= R.NUM_MODES) return m == R.MODE_NO;
+  return true;
 }
 
-// The modal coordinates (mode, step, quantity) of the selected modes from
-// MDSP: with ALL_STEPS steps 1..NUM_STEPS into steps 1..NUM_STEPS, otherwise
-// the record of STEP_NO into step 1. The records of a mode are read in one go
-// and kept for the call.
-void read_modal_coordinates(NodalMotion& M, const SectionRef& mdsp, Arr3<double>& coords,
-                            bool all_steps) {
+// Where the modal coordinates of a fetch lie: mode m's steps FIRST_STEP, ...
+// are the records from index(m) = ((MODAL_SET - 1) NUM_MODES + m - 1)
+// NUM_STORED_STEPS + FIRST_STEP of MDSP. Only the part of them that a request
+// can touch is kept, and only what the file can supply:
+//   steps  1..min(NUM_STORED_STEPS, max(NUM_STEPS, 1)), the columns any step
+//          of the request reaches (a step past the stored ones is a bound
+//          failure either way);
+//   modes  FIRST_MODE + 1 ..FIRST_MODE + MODES, the ones with a record within
+//          the file; every other mode has zero coordinates, and a zero term
+//          in every modal sum.
+struct ModalRange {
+  int64_t first_mode = 0;
+  int64_t modes = 0;
+  int64_t steps = 0;
+  int64_t count = 0;       // records of a mode read (steps 1..count)
+  int64_t wanted = 0;      // steps the request reads from each mode's first record
+  int64_t first_step = 1;  // of the record index
+};
+
+int64_t mode_index(const RunContext& R, const ModalRange& r, int64_t m) {
+  return block_index(block_index(R.MODAL_SET, R.NUM_MODES, m), R.NUM_STORED_STEPS, r.first_step);
+}
+
+__extension__ using Wide = __int128;
+
+ModalRange modal_range(NodalMotion& M, const SectionRef& mdsp, bool all_steps) {
   const RunContext& R = M.run;
-  Vec<int32_t> INDX_NF("INDX_NF");
-  select_modes(R, INDX_NF);
+  ModalRange r;
+  const int64_t nm = std::max<int64_t>(R.NUM_MODES, 0);
+  const int64_t nss = std::max<int64_t>(R.NUM_STORED_STEPS, 0);
+  r.first_step = all_steps ? 1 : R.STEP_NO;
+  r.wanted = all_steps ? std::max<int64_t>(R.NUM_STEPS, 0) : 1;
+  r.steps = std::min(nss, std::max<int64_t>(R.NUM_STEPS, 1));
+  r.count = std::min(r.wanted, r.steps);
+  if (nm == 0 || nss == 0) return r;
+  // The indices whose records lie within the file.
+  const auto [lo, hi] = M.archive.readable_indices(mdsp, 24);
+  const int64_t i1 = mode_index(R, r, 1);
+  if (lo > hi || i1 == kNoIndex) return r;
+  // index(m) = I1 + (m - 1) NSS; mode m has a record within the file when
+  // index(m) <= HI and index(m) + COUNT - 1 >= LO.
+  const Wide top = (Wide{hi} - i1) < 0 ? Wide{0} : (Wide{hi} - i1) / nss + 1;
+  const Wide need = Wide{lo} - (std::max<int64_t>(r.count, 1) - 1) - i1;
+  const Wide bottom = need <= 0 ? Wide{1} : (need + nss - 1) / nss + 1;
+  const int64_t m_hi = static_cast<int64_t>(std::min<Wide>(top, nm));
+  if (bottom > m_hi) return r;
+  r.first_mode = static_cast<int64_t>(bottom) - 1;
+  r.modes = m_hi - r.first_mode;
+  return r;
+}
+
+// The modal coordinates of the selected modes of RANGE from MDSP into COORDS
+// (mode, step, quantity): with ALL_STEPS steps 1..NUM_STEPS, otherwise the
+// record of STEP_NO into step 1. The records of a mode are read in one go and
+// kept for the call.
+void read_modal_coordinates(NodalMotion& M, const SectionRef& mdsp, const ModalRange& range,
+                            Arr3<double>& coords) {
+  const RunContext& R = M.run;
   coords.fill(0.0);
-  const int64_t nss = R.NUM_STORED_STEPS;
-  const int64_t count = all_steps ? std::max<int64_t>(R.NUM_STEPS, 0) : 1;
-  MatRef<double> C[3] = {coords.plane(1), coords.plane(2), coords.plane(3)};
-  for (int64_t m = 1; m <= R.NUM_MODES; ++m) {
-    if (INDX_NF(m) != 1) continue;
-    const int64_t index =
-        ((int64_t{R.MODAL_SET} - 1) * R.NUM_MODES + m) * nss - nss + (all_steps ? 1 : R.STEP_NO);
+  if (range.steps == 0) {
+    // No stored step: nothing read could be kept.
+    if (range.wanted > 0 && R.NUM_MODES > 0) report_bound_failure(coords.name(), 1, 1, 0);
+    return;
+  }
+  const auto [lo, hi] = M.archive.readable_indices(mdsp, 24);
+  const RawMat<double> C1(coords.plane(1).data(), range.modes);
+  const RawMat<double> C2(coords.plane(2).data(), range.modes);
+  const RawMat<double> C3(coords.plane(3).data(), range.modes);
+  bool told = false;
+  for (int64_t k = 1; k <= range.modes; ++k) {
+    const int64_t m = range.first_mode + k;
+    if (!mode_selected(R, m)) continue;
+    const int64_t index = mode_index(R, range, m);
     // The same block of records serves every element of the call.
-    auto& block = M.state.modal_blocks[{index, count}];
-    if (block.ok.empty() && count > 0) {
-      block.values.assign(static_cast<size_t>(3 * count), 0.0);
-      M.archive.read_run(mdsp, index, count, 24, block.values.data(), block.ok);
+    auto& block = M.state.modal_blocks[{index, range.count}];
+    if (block.ok.empty() && range.count > 0) {
+      block.values.assign(static_cast<size_t>(3 * range.count), 0.0);
+      M.archive.read_run(mdsp, index, range.count, 24, block.values.data(), block.ok);
     }
-    auto put = [&](auto c1, auto c2, auto c3) {
-      for (int64_t s = 1; s <= count; ++s) {
-        if (!block.ok[static_cast<size_t>(s - 1)]) continue;
-        const double* v = block.values.data() + 3 * (s - 1);
-        c1(m, s) = v[0];
-        c2(m, s) = v[1];
-        c3(m, s) = v[2];
+    for (int64_t s = 1; s <= range.count; ++s) {
+      if (!block.ok[static_cast<size_t>(s - 1)]) continue;
+      const double* v = block.values.data() + 3 * (s - 1);
+      C1(k, s) = v[0];
+      C2(k, s) = v[1];
+      C3(k, s) = v[2];
+    }
+    // More steps wanted than are stored: the first step past them is a step
+    // that cannot be kept, when the file holds its record.
+    if (!told && range.wanted > range.steps) {
+      const Wide past = Wide{index} + range.steps;
+      if (past >= lo && past <= hi) {
+        report_bound_failure(coords.name(), range.steps + 1, 1, range.steps);
+        told = true;
       }
-    };
-    if (C[0].holds(m, count))
-      put(C[0].raw(), C[1].raw(), C[2].raw());
-    else
-      put(C[0], C[1], C[2]);
+    }
   }
 }
 
@@ -93,21 +147,23 @@ void modal_sum(MatRef<double> OUT, Mat<double>& MODE, MatRef<double> C, int64_t 
     modal_sum(OUT, MODE.ref(), C, nrows, ncols, nm);
 }
 
-// The support-motion index of the case (MSES) into ISER, made with the row
-// count on its first use in a call. Returns the row count.
+// The support-motion index of the case (MSES) into ISER, made on its first
+// use in a call: the rows the file holds, FIRST..LAST, as columns from 1 (a
+// row outside the file would be zero, which no node and component match).
+// Returns the rows it holds; ISER_first is FIRST - 1.
 int64_t read_support_index(NodalMotion& M) {
   const SectionRef mses = M.archive.find(sections::MSES, M.run.HIST_CASE);
-  const int64_t nrows = mses.nrec;
+  const auto [first, last] = M.archive.readable_among(mses, 8, mses.nrec);
   Mat<int32_t>& ISER = M.state.ISER;
   if (!M.state.ISER_made) {
-    ISER.resize(2, nrows);
+    ISER.resize(2, last - first + 1);
+    M.state.ISER_first = first - 1;
     M.state.ISER_made = true;
   }
-  // Rows past the end of the file cannot be read, whatever the count says.
-  const int64_t readable = std::min(nrows, M.archive.readable(mses, 8));
-  for (int64_t r = 1; r <= readable; ++r) {
+  const int64_t nrows = std::min(last - M.state.ISER_first, ISER.cols());
+  for (int64_t r = 1; r <= nrows; ++r) {
     int32_t pair[2];
-    if (!M.archive.read(mses, r, pair, 8)) continue;
+    if (!M.archive.read(mses, M.state.ISER_first + r, pair, 8)) continue;
     ISER(1, r) = pair[0];
     ISER(2, r) = pair[1];
   }
@@ -115,9 +171,10 @@ int64_t read_support_index(NodalMotion& M) {
 }
 
 // The first row of the support-motion index with NODE and component C, or 0.
-int64_t find_support_row(Mat<int32_t>& ISER, int64_t nrows, int32_t node, int32_t c) {
+int64_t find_support_row(NodalState& S, int64_t nrows, int32_t node, int32_t c) {
+  const RawMat<int32_t> I = S.ISER.raw();
   for (int64_t r = 1; r <= nrows; ++r) {
-    if (ISER(1, r) == node && ISER(2, r) == c) return r;
+    if (I(1, r) == node && I(2, r) == c) return S.ISER_first + r;
   }
   return 0;
 }
@@ -306,12 +363,14 @@ void MotionFetch::prepare(int64_t mode_rows) {
   if (R_.HIST_STORE == 1) {
     storage_ = Storage::Modal;
     Modal& md = modal_.emplace();
-    md.coords = Arr3<double>("MODAL_COORD", R_.NUM_MODES, R_.NUM_STORED_STEPS, 3);
-    md.mode_values = Mat<double>("MODE_VALS", mode_rows, R_.NUM_MODES);
     const SectionRef mdsp = A.find(sections::MDSP, 3);
-    read_modal_coordinates(M_, mdsp, md.coords, cols_ != StepColumns::OneStep);
+    const ModalRange range = modal_range(M_, mdsp, cols_ != StepColumns::OneStep);
+    md.first_mode = range.first_mode;
+    md.coords = Arr3<double>("MODAL_COORD", range.modes, range.steps, 3);
+    md.mode_values = Mat<double>("MODE_VALS", mode_rows, range.modes);
+    read_modal_coordinates(M_, mdsp, range, md.coords);
     md.mshp = A.find(sections::MSHP, 3);
-    md.mode_row.assign(static_cast<size_t>(std::max(R_.NUM_MODES, 0)), 0.0);
+    md.mode_row.assign(static_cast<size_t>(range.modes), 0.0);
   } else if (R_.HIST_STORE == 2) {
     storage_ = Storage::Direct;
     if (support_) {
@@ -332,8 +391,11 @@ void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp)
   if (storage_ == Storage::Modal) {
     if (equation <= 0) return;
     Modal& md = *modal_;
+    // The record holds every mode; the values of the modes kept are fetched.
     const int64_t nm = static_cast<int64_t>(md.mode_row.size());
-    if (!M_.archive.read(md.mshp, equation, md.mode_row.data(), int64_t{R_.NUM_MODES} * 8)) return;
+    if (!M_.archive.read_part(md.mshp, equation, int64_t{R_.NUM_MODES} * 8, md.first_mode * 8,
+                              md.mode_row.data(), nm * 8))
+      return;
     MatRef<double> MV = md.mode_values.ref();
     auto copy = [&](auto V) {
       for (int64_t m = 1; m <= nm; ++m) V(row, m) = md.mode_row[static_cast<size_t>(m - 1)];
@@ -351,7 +413,7 @@ void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp)
   if (combined_) {
     // The combined road reads the rows' records at the end.
     if (support_ && equation == 0 && comp <= 3) {
-      const int64_t r = find_support_row(M_.state.ISER, support_rows_, node, comp);
+      const int64_t r = find_support_row(M_.state, support_rows_, node, comp);
       add_combined(row, r > 0 ? &mser_pin_ : nullptr, record_index(q_, false, r));
     } else if (equation > 0) {
       add_combined(row, &dmed_pin_, record_index(q_, support_, equation));
@@ -361,7 +423,7 @@ void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp)
     return;
   }
   if (support_ && equation == 0 && comp <= 3) {
-    const int64_t r = find_support_row(M_.state.ISER, support_rows_, node, comp);
+    const int64_t r = find_support_row(M_.state, support_rows_, node, comp);
     if (r > 0)
       deliver(mser_, record_index(q_, false, r), row);
     else
@@ -460,9 +522,10 @@ void MotionFetch::finish_modal() {
     if (C.holds(nm, n) && mode_values.ref().holds(sum_rows_, nm)) {
       const int64_t ld = mode_values.rows();
       for (int64_t i = 1; i <= sum_rows_; ++i) {
-        // Row I of the modal sum, formed straight into the buffer.
-        modal_sum(RawMat<double>(buf.data(), 1), RawMat<double>(mode_values.data() + (i - 1), ld),
-                  C.raw(), 1, n, nm);
+        // Row I of the modal sum, formed straight into the buffer (of no
+        // terms when no mode is kept).
+        double* row = nm > 0 ? mode_values.data() + (i - 1) : nullptr;
+        modal_sum(RawMat<double>(buf.data(), 1), RawMat<double>(row, ld), C.raw(), 1, n, nm);
         sink_(i, buf.data());
       }
       return;
@@ -477,9 +540,12 @@ void MotionFetch::finish_modal() {
     return;
   }
   out_.fill(0.0);
+  // Rows past the mode values are sums of zeros, rows past OUT are dropped:
+  // the first of them is reported, and the sums stop there.
+  const int64_t rows = out_.fit_rows(mode_values.ref().fit_rows(sum_rows_));
   if (cols_ == StepColumns::Extremes) {
     const StepWork& W = *work_;
-    for (int64_t i = 1; i <= sum_rows_; ++i) {
+    for (int64_t i = 1; i <= rows; ++i) {
       double smx = 0.0, smn = 0.0;
       for (int64_t m = 1; m <= nm; ++m) {
         smx += mode_values(i, m) * C(m, W.smax);
@@ -490,7 +556,7 @@ void MotionFetch::finish_modal() {
     }
     return;
   }
-  modal_sum(out_, mode_values, C, sum_rows_, nsteps_);
+  modal_sum(out_, mode_values, C, rows, nsteps_);
 }
 
 void MotionFetch::finish_columns() {

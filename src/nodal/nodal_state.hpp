@@ -19,8 +19,10 @@ struct NodeSkew {
 };
 
 struct NodalState {
-  // The support-motion index, made on its first use in a call.
+  // The support-motion index, made on its first use in a call: column r is
+  // row ISER_first + r of the section.
   Mat<int32_t> ISER{"ISER", 0, 0};
+  int64_t ISER_first = 0;
   bool ISER_made = false;
   // One node-transform record. A record that cannot be read leaves what the
   // last one put here, also from an earlier call.
@@ -43,6 +45,7 @@ struct NodalState {
 
   void end_call() {
     ISER.clear();
+    ISER_first = 0;
     ISER_made = false;
     modal_blocks.clear();
     row_buffer.clear();

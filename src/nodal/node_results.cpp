@@ -10,9 +10,9 @@ namespace respcore {
 
 void CHECK_NODE_SKEW_INFM(int32_t node, int32_t n, VecRef<int32_t> NODE_SKEW, int32_t& index) {
   index = 0;
-  for (int32_t i = 1; i <= n; ++i) {
+  for (int64_t i = 1; i <= n; ++i) {
     if (NODE_SKEW(i) == node) {
-      index = i;
+      index = static_cast<int32_t>(i);
       return;
     }
   }
@@ -44,20 +44,30 @@ void read_skew_systems(ArchiveReader A, NodeSkew& S) {
     return;
   }
   constexpr int64_t kBytes = 4 + 9 * 8;  // the node number, then its matrix by rows
+  // The count is the system's 32-bit field. The table holds the records the
+  // file holds, FIRST..LAST, in their order; entries outside the file would
+  // be zero (node 0, a zero matrix), and one zero entry before them and one
+  // behind stand for those, so that every node finds an entry of the same
+  // contents as in the whole table.
   S.NUM_SKEW = static_cast<int32_t>(nski.nrec);
+  const auto [first, last] = A.readable_among(nski, kBytes, S.NUM_SKEW);
+  const int64_t nread = std::max<int64_t>(last - first + 1, 0);
+  const int64_t lead = S.NUM_SKEW > 0 && (nread == 0 || first > 1) ? 1 : 0;
+  const int64_t trail = nread > 0 && S.NUM_SKEW > last ? 1 : 0;
+  if (S.NUM_SKEW > 0) S.NUM_SKEW = static_cast<int32_t>(lead + nread + trail);
   S.NODE_SKEW.resize(S.NUM_SKEW);
   S.SKEW_INFM.resize(9, S.NUM_SKEW);
-  const int64_t readable = std::min<int64_t>(S.NUM_SKEW, A.readable(nski, kBytes));
-  for (int64_t r = 1; r <= readable; ++r) {
+  for (int64_t r = first; r <= last; ++r) {
     unsigned char rec[kBytes];
     if (!A.read(nski, r, rec, kBytes)) continue;
+    const int64_t k = lead + r - first + 1;
     int32_t node;
     std::memcpy(&node, rec, 4);
-    S.NODE_SKEW(r) = node;
+    S.NODE_SKEW(k) = node;
     for (int64_t v = 0; v < 9; ++v) {
       double x;
       std::memcpy(&x, rec + 4 + 8 * v, 8);
-      S.SKEW_INFM(v + 1, r) = x;
+      S.SKEW_INFM(v + 1, k) = x;
     }
   }
 }

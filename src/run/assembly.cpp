@@ -11,7 +11,8 @@ namespace {
 // Points per item (m) and the TDSP row of point n, for REQUEST_MODE 2. A
 // family's component selector C picks either a block of point values or the
 // block of element values behind it. Returns false for a family outside 1..14.
-bool snapshot_layout(int32_t type, int32_t C, int32_t& m, int32_t& base, int32_t& stride) {
+// (In 64 bits: C is the caller's, and any value of it must give a row.)
+bool snapshot_layout(int32_t type, int64_t C, int64_t& m, int64_t& base, int64_t& stride) {
   // row = base + stride * (n - 1)
   switch (type) {
     case 1: case 2:
@@ -59,9 +60,9 @@ int64_t history_size(int32_t elem_type, int32_t result_comp, int32_t num_steps,
                      int32_t num_items, int32_t request_mode) {
   if (request_mode == 1) return std::max(num_steps, 0);
   if (request_mode == 3) return 12 * int64_t{std::max(num_items, 0)};
-  int32_t m = 0, base = 0, stride = 0;
+  int64_t m = 0, base = 0, stride = 0;
   if (!snapshot_layout(elem_type, result_comp, m, base, stride)) return 0;
-  return int64_t{m} * std::max(num_items, 0);
+  return m * std::max(num_items, 0);
 }
 
 void assemble_history(const RunContext& R, const Tdsp& TDSP, VecRef<double> TDSP_COMP) {
@@ -84,7 +85,7 @@ void assemble_history(const RunContext& R, const Tdsp& TDSP, VecRef<double> TDSP
     }
     return;
   }
-  int32_t m = 0, base = 0, stride = 0;
+  int64_t m = 0, base = 0, stride = 0;
   if (!snapshot_layout(R.ELEM_TYPE, R.RESULT_COMP, m, base, stride)) return;
   for (int64_t k = 1; k <= R.NUM_ITEMS; ++k) {
     for (int64_t n = 1; n <= m; ++n) {

@@ -137,8 +137,8 @@ void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
     const int32_t neq = 3 * nn;
     IIA.fill(0);
     LM.fill(0);
-    for (int32_t k = 1; k <= nn; ++k) IIA(k) = trunc_i32(SA(1 + k));
-    for (int32_t i = 1; i <= neq; ++i) LM(i) = trunc_i32(SA(21 + i));
+    for (int64_t k = 1; k <= nn; ++k) IIA(k) = trunc_i32(SA(1 + k));
+    for (int64_t i = 1; i <= neq; ++i) LM(i) = trunc_i32(SA(21 + i));
     for (int32_t v = 1; v <= 9; ++v) C.material.mat_vals()(v) = SA(81 + v);
 
     // 2. Node coordinates and element axes.

@@ -56,6 +56,7 @@ void solid_deliver(int32_t REQUEST_MODE, Tdsp& TDSP, int64_t ITEM, MatRef<double
                    int32_t NROWS, MatRef<double> STRAIN_TIME, int32_t STRAIN_ROW0,
                    int32_t NSTRAIN) {
   const int64_t nsteps = OUT.cols();
+  if (nsteps <= 0) return;  // no step: nothing to deliver
   auto put_row = [&](int64_t row, const double* src, int64_t ld) {
     if (REQUEST_MODE == 1)
       TDSP.put_row(row, src, ld, nsteps);

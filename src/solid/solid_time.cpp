@@ -57,12 +57,13 @@ SolidCounts unpack_record(Vec<double>& SA, Vec<int32_t>& LM, Mat<double>& STRS, 
     report_bound_failure("STRS", n.nr, 1, kMaxRow);
     n.nr = kMaxRow;
   }
-  if (n.nn + 1 > kMaxPoints) {
+  if (n.nn >= kMaxPoints) {
     report_bound_failure("SIG", kForceRows + 6 * (int64_t{n.nn} + 1), 1, kMaxRow);
     n.nn = kMaxPoints - 1;
   }
 
   LM.fill(0);
+  // (The counts are held to 48 and 78 above.)
   for (int32_t i = 1; i <= n.ndof; ++i) LM(i) = trunc_i32(SA(i));
   const int64_t base0 = NDOF;
   auto copy_columns = [&](auto sa) {

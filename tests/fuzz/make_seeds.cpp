@@ -1,0 +1,291 @@
+// Writes the seed corpus of the fuzz targets into DIR/request and
+// DIR/directory: archives of every family written by the archive writer, in
+// both directory forms, with requests that reach every road through them,
+// and the spoiled archives of known faults (fault-*), each a regression case.
+//
+//   make_fuzz_seeds tests/fuzz/corpus
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+#include "fuzz_input.hpp"
+
+namespace {
+
+using namespace respcore;
+namespace fs = std::filesystem;
+
+constexpr int32_t kSteps = 4;
+constexpr int32_t kNodes = 4;  // node n: equations 6(n-1)+1 .. 6n
+constexpr int32_t kModes = 3;
+
+// Deterministic values: V(I), and N of them, a different run for each SALT.
+double v(int i) { return std::sin(1.0 + 0.37 * i) * (1 + i % 7); }
+std::vector<double> values(int n, int salt) {
+  std::vector<double> out;
+  for (int i = salt * 31; i < salt * 31 + n; ++i) out.push_back(v(i));
+  return out;
+}
+std::vector<double> count_up(int n, int from = 1) {
+  std::vector<double> out;
+  for (int i = 0; i < n; ++i) out.push_back(from + i);
+  return out;
+}
+
+// The records of the line families, sound.
+TrussRecord truss(std::vector<double> lm, int salt) {
+  TrussRecord t;
+  t.strs = values(4 * static_cast<int>(lm.size()), salt);
+  t.lm = std::move(lm);
+  return t;
+}
+BeamRecord beam() {
+  BeamRecord b;
+  b.lm = count_up(12);
+  b.strs = values(26 * 12, 3);
+  return b;
+}
+WallBeamRecord wall_beam() {
+  WallBeamRecord b;
+  b.lm = count_up(14);
+  b.strs = values(72 * 14, 6);
+  return b;
+}
+// WORDS as the one record of section NAME, word WORD (from 1) set to VALUE.
+void spoiled(ArchiveWriter& w, const SectionName& name, std::vector<double> words, int word, double value) {
+  words[static_cast<size_t>(word - 1)] = value;
+  w.second().add_f64_rows(name, 3, {words});
+}
+
+// The request fields of fuzz_input.hpp; the items are 1, 2, 3, 4.
+struct Ask {
+  int32_t type, comp, mode = 1, items = 1, steps = kSteps, step = 1, mode_no = 0, axis = 1;
+};
+
+// Nodes, case 1 and its motion: modal (MODAL), or direct in file 1; the
+// ground motion and a skew system for the node requests. With SUPPORT the
+// translations of node 1 are constrained.
+void motion(ArchiveWriter& w, bool modal, bool support = false) {
+  std::vector<NodeTransform> nodes;
+  for (int n = 1; n <= kNodes; ++n) nodes.push_back({count_up(6, 6 * (n - 1) + 1), {}});
+  if (support) nodes[0].equations = {0, 0, 0, 4, 5, 6};
+  w.node_transforms(nodes);
+  if (modal) {
+    w.history_cases({{1, 1, kSteps, kModes, 0}});
+    ModalHistory h;
+    for (int m = 0; m < kModes; ++m) {
+      h.coords.emplace_back();
+      for (int s = 0; s < kSteps; ++s) h.coords.back().push_back({v(m * 9 + s), v(m + s), v(s)});
+    }
+    for (int e = 0; e < 6 * kNodes; ++e) h.shapes.push_back(values(kModes, e));
+    w.modal_histories(h);
+  } else {
+    w.history_cases({{2, 1, kSteps, 0, 0}});
+    std::vector<EquationHistory> eqs;
+    for (int e = 0; e < 6 * kNodes; ++e)
+      eqs.push_back({values(kSteps, 3 * e), values(kSteps, 3 * e + 1), values(kSteps, 3 * e + 2)});
+    w.direct_histories(1, eqs, kSteps);
+  }
+  GroundMotion g;
+  for (size_t d = 0; d < 3; ++d)
+    for (size_t q = 0; q < 3; ++q) g[d][q] = values(kSteps, static_cast<int>(9 * d + q));
+  w.ground_motion({g});
+  w.skew_systems({{2, {0, 1, 0, -1, 0, 0, 0, 0, 1}}});
+}
+
+void materials(ArchiveWriter& w) {
+  w.element_table({{1}, {1}});
+  w.materials({{1, 2.0e5, 0.3, 0, {}}});
+}
+
+// An archive of one family: its records beside the motion, its requests.
+struct Family {
+  std::string name;
+  int32_t product = 1;  // PRODUCT_INDEX
+  bool modal_too = true;
+  std::function<void(ArchiveWriter&)> records;
+  std::vector<Ask> asks;
+};
+
+std::vector<Family> families() {
+  std::vector<Family> out;
+  out.push_back({"node", 1, true, [](ArchiveWriter&) {},
+                 {{9, 1}, {10, 5, 2, 3}, {11, 2, 3, 2}, {9, 3, 1, 1, kSteps, 2}, {9, 2, 1, 2, kSteps, 3},
+                  {9, 1, 3, 2, kSteps, 1, 0, 0}}});
+  out.push_back({"support", 1, false,
+                 [](ArchiveWriter& w) {
+                   SupportMotion sm;
+                   for (int c = 1; c <= 3; ++c) {
+                     sm.rows.push_back({1, c});
+                     sm.histories.push_back({values(kSteps, c), values(kSteps, c + 1), values(kSteps, c + 2)});
+                   }
+                   w.support_motion(1, sm, kSteps);
+                   w.truss_records(3, {truss({0, 0, 0, 7, 8, 9}, 5)});
+                 },
+                 {{9, 1}, {9, 2, 2, 1}, {12, 1}}});
+  out.push_back({"truss", 1, true,
+                 [](ArchiveWriter& w) {
+                   TrussRecord u = truss(count_up(6, 7), 1);
+                   u.scale = 2.0;
+                   w.truss_records(3, {truss(count_up(6), 1), u});
+                   w.initial_forces(sections::ITTR, 1, {{1.5, -1.5}, {0.5, 0.25}});
+                   w.inactive_elements({1}, {{0, 1, 2}});
+                   w.activation_displacements(values(6 * kNodes, 7));
+                 },
+                 {{12, 1}, {12, 3, 2, 2}, {12, 2, 1, 1}}});
+  out.push_back({"truss-extended", 4, false,  // "H.N.Q"
+                 [](ArchiveWriter& w) {
+                   ExtendedTrussRecord x;
+                   x.truss = truss(count_up(12), 2);
+                   x.truss.scale = -1.0;
+                   x.nodes_a = {1};
+                   x.nodes_b = {2};
+                   w.truss_records(3, {x.truss});
+                   w.extended_truss_records(3, {x});
+                 },
+                 {{12, 1}, {12, 4, 2, 1}}});
+  out.push_back({"beam", 1, true,
+                 [](ArchiveWriter& w) {
+                   w.beam_records(3, {beam(), beam()});
+                   w.initial_forces(sections::ITBM, 1, {values(12, 4), values(12, 5)});
+                 },
+                 {{13, 1}, {13, 27}, {13, 14, 2, 2}, {13, 30, 1, 1, kSteps, 1, 2}}});
+  out.push_back({"wall-beam", 1, false, [](ArchiveWriter& w) { w.wall_beam_records(3, {wall_beam()}); },
+                 {{14, 1}, {14, 31}, {14, 20, 2, 1}}});
+  out.push_back({"solid", 1, false,
+                 [](ArchiveWriter& w) {
+                   w.solid_records(3, {{count_up(24), 78, values(78 * 24, 8), 8,
+                                        {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}}}});
+                   materials(w);
+                 },
+                 {{4, 30}, {4, 80, 1, 1, kSteps, 1, 0, 0}, {4, 5, 2, 1}}});
+  out.push_back({"solid-high", 1, false,
+                 [](ArchiveWriter& w) {
+                   w.node_coordinates({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0.5, 0, 0},
+                                       {0.5, 0.5, 0}, {0, 0.5, 0}, {0, 0, 0.5}, {0.5, 0, 0.5}, {0, 0.5, 0.5}});
+                   std::vector<double> equations = count_up(24);
+                   equations.resize(30, 0.0);
+                   w.solid_high_records(3, {{count_up(10), equations, {2.0e5, 0.3}}});
+                   materials(w);
+                 },
+                 {{8, 70}, {8, 2, 2, 1}}});
+  return out;
+}
+
+// Archives of known faults: one word (or entry) of a sound archive spoiled.
+struct Fault {
+  std::string name;
+  DirectoryForm form;
+  bool modal;
+  std::function<void(ArchiveWriter&)> records;
+  Ask ask;
+};
+
+std::vector<Fault> faults() {
+  const auto plain = DirectoryForm::Plain;
+  BeamRecord empty;  // no equations, no rows
+  empty.neq = empty.nrow = 0;
+  return {
+      // Count words of 5.0e9 (two digits 0, whatever the size), an NDOF of 1.3e8.
+      {"fault-1-beam-count-word", plain, false,
+       [](ArchiveWriter& w) { spoiled(w, sections::BEAM, beam().words(), 325, 5.0e9); }, {13, 1, 1, 1, 200}},
+      {"fault-1-wall-beam-count-word", plain, false,
+       [](ArchiveWriter& w) { spoiled(w, sections::WBMM, wall_beam().words(), 1051, 5.0e9); }, {14, 1, 1, 1, 200}},
+      {"fault-1-truss-ndof-word", plain, false,
+       [](ArchiveWriter& w) { spoiled(w, sections::TRUS, truss(count_up(6), 1).words(), 61, 1.3e8); },
+       {12, 1, 1, 1, 200}},
+      // No equations and 3e9 rows.
+      {"fault-2-beam-rows", plain, false,
+       [empty](ArchiveWriter& w) { spoiled(w, sections::BEAM, empty.words(), 326, 3.0e9); }, {13, 1, 1, 1, 200}},
+      // A modal case of 44,000,000 stored steps and one mode.
+      {"fault-3-modal-steps-history", plain, true,
+       [](ArchiveWriter& w) { w.history_cases({{1, 1, 44000000, 1, 0}}); }, {9, 1, 1, 1, 200}},
+      {"fault-3-modal-steps-envelope", plain, true,
+       [](ArchiveWriter& w) { w.history_cases({{1, 1, 44000000, 1, 0}}); }, {9, 1, 3, 4, 200}},
+      // A 64-bit entry whose first record is 2^63 - 1.
+      {"fault-4-first-record", DirectoryForm::Wide, false,
+       [](ArchiveWriter& w) { w.second().add_raw_entry(sections::BEAM, 3, INT64_MAX, INT64_MAX, 654); },
+       {13, 1, 1, 1, 200}},
+  };
+}
+
+std::string slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return in ? std::string((std::istreambuf_iterator<char>(in)), {}) : std::string();
+}
+void spit(const fs::path& path, const std::string& bytes) {
+  std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: %s OUTDIR\n", argv[0]);
+    return 2;
+  }
+  const fs::path out = argv[1];
+  fs::create_directories(out / "request");
+  fs::create_directories(out / "directory");
+  int n_request = 0, n_directory = 0;
+  // Seeds of the archive BASE: one per request, and with FILES_TOO its files.
+  auto emit = [&](const std::string& name, const std::string& base, int32_t product,
+                  const std::vector<Ask>& asks, bool files_too) {
+    const auto paths = fuzz::file_paths(base, product);
+    for (size_t i = 0; i < asks.size(); ++i) {
+      const Ask& a = asks[i];
+      fuzz::RequestInput in;
+      in.fields = {a.type, a.comp, 1, a.steps, a.items, a.step, a.mode, product, a.mode_no, a.axis,
+                   1, 2, 3, 4, 1, 2, 3, 4};
+      for (size_t f = 0; f < fuzz::kFiles; ++f) {
+        in.files[f] = slurp(paths[f]);
+        in.present[f] = true;
+      }
+      const auto bytes = fuzz::pack(in);
+      spit(out / "request" / (name + "-" + std::to_string(i + 1)), std::string(bytes.begin(), bytes.end()));
+      ++n_request;
+    }
+    for (size_t kind = 0; files_too && kind < 3; ++kind) {
+      const std::string b = slurp(paths[kind]);
+      if (b.empty()) continue;
+      spit(out / "directory" / (name + "-" + std::to_string(kind + 1)), b);
+      ++n_directory;
+    }
+  };
+  const std::string work = fuzz::scratch_dir() + "/";
+  for (const Family& f : families()) {
+    for (const DirectoryForm form : {DirectoryForm::Plain, DirectoryForm::Wide}) {
+      for (const bool modal : {false, true}) {
+        if (modal && !f.modal_too) continue;
+        const std::string name =
+            f.name + (form == DirectoryForm::Wide ? "-wide" : "-plain") + (modal ? "-modal" : "");
+        ArchiveWriter w(work + name, fuzz::kProductTags[f.product - 1], form);
+        w.first();
+        motion(w, modal, f.name == "support");
+        f.records(w);
+        w.write();
+        emit(name, work + name, f.product, f.asks, !modal);
+      }
+    }
+  }
+  for (const Fault& f : faults()) {
+    ArchiveWriter w(work + f.name, "P.R.W", f.form);
+    w.first();
+    if (f.modal) {
+      // One node and two stored steps of one mode; the case comes with the fault.
+      w.node_transforms({{count_up(6), {}}});
+      w.modal_histories({{{{1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}}},
+                         {values(1, 1), values(1, 2), values(1, 3), values(1, 4), values(1, 5), values(1, 6)}});
+    } else {
+      motion(w, false);
+    }
+    f.records(w);
+    w.write();
+    emit(f.name, work + f.name, 1, {f.ask}, f.form == DirectoryForm::Wide);
+  }
+  std::printf("%d request seeds, %d directory seeds in %s\n", n_request, n_directory, out.string().c_str());
+  return 0;
+}
