@@ -232,12 +232,16 @@ MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t nrows
   if (R_.HIST_STORE == 1) {
     storage_ = Storage::Modal;
     Modal& md = modal_.emplace();
-    md.mode_values = Mat<double>("MODE_VALS", ncoef_, R_.NUM_MODES);
     // The coordinates are read when the history is combined, once the
-    // coefficients are folded; the look-ups stay in their order.
-    mdsp_ = M.archive.pin(M.archive.find(sections::MDSP, 3));
+    // coefficients are folded; the look-ups stay in their order. Only the
+    // modes with records within the file are kept, as on the other roads.
+    const SectionRef mdsp = M.archive.find(sections::MDSP, 3);
+    const ModalRange range = modal_range(M_, mdsp, true);
+    md.first_mode = range.first_mode;
+    md.mode_values = Mat<double>("MODE_VALS", ncoef_, range.modes);
+    mdsp_ = M.archive.pin(mdsp);
     md.mshp = M.archive.find(sections::MSHP, 3);
-    md.mode_row.assign(static_cast<size_t>(std::max(R_.NUM_MODES, 0)), 0.0);
+    md.mode_row.assign(static_cast<size_t>(range.modes), 0.0);
     return;
   }
   prepare(7);
@@ -305,6 +309,7 @@ void MotionFetch::finish_combined() {
   // of COEF(r) times the value of mode m at row r.
   Mat<double>& MV = modal_->mode_values;
   const int64_t nm = MV.cols();
+  const int64_t m0 = modal_->first_mode;
   std::vector<double> c(static_cast<size_t>(nm), 0.0);
   for (int64_t m = 1; m <= nm; ++m) {
     const double* phi = MV.col(m);
@@ -320,7 +325,7 @@ void MotionFetch::finish_combined() {
   // coefficient is not finite.
   for (int64_t m = 1; m <= nm; ++m) {
     const double cm = c[static_cast<size_t>(m - 1)];
-    if ((one_mode && m != R_.MODE_NO) && !std::isfinite(cm)) {
+    if ((one_mode && m0 + m != R_.MODE_NO) && !std::isfinite(cm)) {
       for (int64_t s = 0; s < n; ++s) y[s] += cm * 0.0;
     }
   }
@@ -334,11 +339,13 @@ void MotionFetch::finish_combined() {
   for (int64_t s0 = 0; s0 < n; s0 += kBlock) {
     const int64_t cnt = std::min(kBlock, n - s0);
     for (int64_t m = 1; m <= nm; ++m) {
-      if (one_mode && m != R_.MODE_NO) continue;
-      // Record index ((MODAL_SET - 1) NUM_MODES + m - 1) NUM_STORED_STEPS + s0 + 1.
+      const int64_t mode = m0 + m;
+      if (one_mode && mode != R_.MODE_NO) continue;
+      // Record index ((MODAL_SET - 1) NUM_MODES + mode - 1) NUM_STORED_STEPS + s0 + 1.
       int64_t index = 0;
-      const bool formed = !__builtin_mul_overflow(int64_t{R_.MODAL_SET} - 1, nm, &index) &&
-                          !__builtin_add_overflow(index, m - 1, &index) &&
+      const bool formed = !__builtin_mul_overflow(int64_t{R_.MODAL_SET} - 1,
+                                                  int64_t{R_.NUM_MODES}, &index) &&
+                          !__builtin_add_overflow(index, mode - 1, &index) &&
                           !__builtin_mul_overflow(index, nss, &index) &&
                           !__builtin_add_overflow(index, s0 + 1, &index);
       if (formed) {
