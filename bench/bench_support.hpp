@@ -4,9 +4,13 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "respcore/kernel.hpp"
 
@@ -36,6 +40,18 @@ inline Request history_request(const std::string& base, int32_t elem_type, int32
   return q;
 }
 
+// Runs Q through the C entry's road into OUT, the caller's own array kept
+// between calls, as a post-processor calls it.
+inline void run_into(Kernel& k, const Request& q, std::vector<double>& out) {
+  const int64_t n = result_size(q.elem_type, q.result_comp, q.num_steps, q.num_items,
+                                q.request_mode);
+  if (static_cast<int64_t>(out.size()) < n) out.resize(static_cast<size_t>(n));
+  k.request(q.base.c_str(), static_cast<int32_t>(q.base.size()), q.elem_type, q.result_comp,
+            q.hist_case, q.num_steps, q.num_items, q.step_no, q.request_mode, q.product_index,
+            q.mode_no, out.data(), q.serials.data(), q.elements.data(), q.axis_flag);
+  benchmark::DoNotOptimize(out.data());
+}
+
 // Runs Q once per iteration of ST.
 inline void run_each_iteration(benchmark::State& st, const Request& q) {
   Kernel k;
@@ -60,6 +76,47 @@ inline Request snapshot_request(const std::string& base, int32_t elem_type, int3
     q.elements.push_back(e);
   }
   return q;
+}
+
+// Runs KERNEL and BASELINE in alternation, ROUNDS pairs after one warm-up
+// pair, and reports as counters of ST the median time of each (ms), the
+// median of the per-pair ratios kernel / baseline and its spread (the
+// smallest and the largest ratio); the line is printed as well, under
+// LABEL. Set the benchmark to one iteration.
+template <class Kernel, class Baseline>
+void alternate(benchmark::State& st, const std::string& label, Kernel kernel, Baseline baseline,
+               int rounds = 9) {
+  using Clock = std::chrono::steady_clock;
+  auto time = [](auto& f) {
+    const auto t0 = Clock::now();
+    f();
+    return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
+  };
+  std::vector<double> tk, tb, ratio;
+  for (auto _ : st) {
+    time(kernel);
+    time(baseline);
+    for (int i = 0; i < rounds; ++i) {
+      const double k = time(kernel);
+      const double b = time(baseline);
+      tk.push_back(k);
+      tb.push_back(b);
+      ratio.push_back(k / b);
+    }
+  }
+  auto median = [](std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0.0 : v[v.size() / 2];
+  };
+  st.counters["kernel_ms"] = median(tk);
+  st.counters["base_ms"] = median(tb);
+  st.counters["ratio"] = median(ratio);
+  st.counters["ratio_min"] = *std::min_element(ratio.begin(), ratio.end());
+  st.counters["ratio_max"] = *std::max_element(ratio.begin(), ratio.end());
+  std::printf("%s: kernel %.3f ms, baseline %.3f ms, ratio %.2f (%.2f..%.2f)\n",
+              label.c_str(), median(tk), median(tb), median(ratio),
+              *std::min_element(ratio.begin(), ratio.end()),
+              *std::max_element(ratio.begin(), ratio.end()));
 }
 
 }  // namespace respcore::bench

@@ -165,6 +165,25 @@ int64_t ArchiveReader::read_run(const SectionRef& s, int64_t index, int64_t coun
   return read_records(units, s.unit, start, count, nbytes, dst, &ok);
 }
 
+PinnedSection ArchiveReader::pin(const SectionRef& s) const {
+  return PinnedSection{unit_connection(units, s.unit), s.first};
+}
+
+bool ArchiveReader::read_part(const PinnedSection& s, int64_t index, int64_t nbytes,
+                              int64_t byte_offset, void* dst, int64_t len) {
+  return read_record_part(s.conn, record_number(s.first, index), nbytes, byte_offset, dst, len);
+}
+
+int64_t ArchiveReader::read_run(const PinnedSection& s, int64_t index, int64_t count,
+                                int64_t nbytes, void* dst, std::vector<char>& ok) {
+  const int64_t start = run_start(s.first, index);
+  if (start == kNoIndex) {
+    ok.assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
+    return 0;
+  }
+  return read_records(s.conn, start, count, nbytes, dst, &ok);
+}
+
 int64_t ArchiveReader::readable(const SectionRef& s, int64_t nbytes) const {
   const int64_t last = unit_last_record(units, s.unit, nbytes);
   if (last < 1) return 0;

@@ -47,6 +47,14 @@ struct SectionRef {
   bool found() const { return status != LOOKUP_NOT_FOUND; }
 };
 
+// A section's records as its look-up left them to be read: the connection
+// of its unit and its first record. Kept by a caller that must look up
+// another section of the same file before it reads this one's records.
+struct PinnedSection {
+  Connection conn;
+  int64_t first = 0;
+};
+
 // The archive as one call sees it: the shared archive state, the units and the
 // diagnostics that receive the error lines. Made from the kernel's state; it
 // holds references only.
@@ -79,6 +87,14 @@ class ArchiveReader {
   // The first NBYTES of COUNT records from record INDEX on, record i at
   // DST + i * NBYTES, with one flag per record in OK; as COUNT single reads.
   int64_t read_run(const SectionRef& s, int64_t index, int64_t count, int64_t nbytes, void* dst,
+                   std::vector<char>& ok);
+  // The connection S's look-up left on its unit, for reads after the unit moved on.
+  PinnedSection pin(const SectionRef& s) const;
+  // As read_part, on a pinned section.
+  bool read_part(const PinnedSection& s, int64_t index, int64_t nbytes, int64_t byte_offset,
+                 void* dst, int64_t len);
+  // As read_run, on a pinned section.
+  int64_t read_run(const PinnedSection& s, int64_t index, int64_t count, int64_t nbytes, void* dst,
                    std::vector<char>& ok);
   // The last record index of S from which NBYTES can be read (past the end of
   // the file no record can); at most 0 when none can. (A section whose first

@@ -106,12 +106,25 @@ bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nby
   return pread_all(c->file->fd, dst, nbytes, off);
 }
 
+Connection unit_connection(const UnitTable& U, int32_t unit) {
+  const Connection* c = connection(U, unit);
+  return c == nullptr ? Connection{} : *c;
+}
+
 int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
                      void* dst, std::vector<char>* ok) {
-  ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
   const Connection* conn = connection(U, unit);
-  if (count <= 0 || conn == nullptr) return 0;
-  const Connection& c = *conn;
+  if (conn == nullptr) {
+    ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
+    return 0;
+  }
+  return read_records(*conn, first, count, nbytes, dst, ok);
+}
+
+int64_t read_records(const Connection& c, int64_t first, int64_t count, int64_t nbytes, void* dst,
+                     std::vector<char>* ok) {
+  ok->assign(static_cast<size_t>(std::max<int64_t>(count, 0)), 0);
+  if (count <= 0 || !c.file) return 0;
   if (nbytes < 0 || nbytes > c.reclen) return 0;
   // Records that exist lie in one contiguous span of the file: from record 1
   // (or FIRST) to the last that holds NBYTES.
@@ -123,18 +136,20 @@ int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, i
   const int64_t span_off = record_offset(lo, c.reclen);
   // Within the file, so neither can overflow.
   const int64_t span_len = (hi - lo) * c.reclen + nbytes;
-  std::vector<char> buf(static_cast<size_t>(checked_count(1, span_len)));
-  if (!pread_all(c.file->fd, buf.data(), span_len, span_off)) return 0;
-  int64_t n_ok = 0;
-  for (int64_t r = lo; r <= hi; ++r) {
-    if (nbytes > 0) {
-      std::memcpy(static_cast<char*>(dst) + (r - first) * nbytes, buf.data() + (r - lo) * c.reclen,
+  char* out = static_cast<char*>(dst) + (lo - first) * nbytes;
+  if (nbytes == c.reclen) {
+    // Whole records lie in the file as they lie in DST: one read, no copy.
+    if (!pread_all(c.file->fd, out, span_len, span_off)) return 0;
+  } else {
+    std::vector<char> buf(static_cast<size_t>(checked_count(1, span_len)));
+    if (!pread_all(c.file->fd, buf.data(), span_len, span_off)) return 0;
+    for (int64_t r = lo; r <= hi && nbytes > 0; ++r) {
+      std::memcpy(out + (r - lo) * nbytes, buf.data() + (r - lo) * c.reclen,
                   static_cast<size_t>(nbytes));
     }
-    (*ok)[static_cast<size_t>(r - first)] = 1;
-    ++n_ok;
   }
-  return n_ok;
+  std::fill(ok->begin() + (lo - first), ok->begin() + (hi - first) + 1, 1);
+  return hi - lo + 1;
 }
 
 namespace {
@@ -171,11 +186,17 @@ void close_all_units(UnitTable& U) {
 
 bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,
                       void* dst, int64_t len) {
-  const Connection* c = nullptr;
-  const int64_t off = readable_offset(U, unit, rec, nbytes, c);
-  if (off == kNoRecord) return false;
+  const Connection* c = connection(U, unit);
+  return c != nullptr && read_record_part(*c, rec, nbytes, byte_offset, dst, len);
+}
+
+bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t byte_offset,
+                      void* dst, int64_t len) {
+  if (!c.file || nbytes < 0 || nbytes > c.reclen) return false;
+  const int64_t off = record_offset(rec, c.reclen);
+  if (off == kNoRecord || off > c.file->size - nbytes) return false;
   if (byte_offset < 0 || len <= 0 || byte_offset > nbytes - len) return true;
-  return pread_all(c->file->fd, dst, len, off + byte_offset);
+  return pread_all(c.file->fd, dst, len, off + byte_offset);
 }
 
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {

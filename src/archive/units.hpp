@@ -37,6 +37,14 @@ bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nby
 int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, int64_t nbytes,
                      void* dst, std::vector<char>* ok);
 
+// The connection UNIT holds now (none: a default Connection). A caller that
+// keeps it reads the records of the section the unit was positioned on after
+// the unit has moved to another section of the same file.
+Connection unit_connection(const UnitTable& U, int32_t unit);
+// As read_records, on a kept connection.
+int64_t read_records(const Connection& c, int64_t first, int64_t count, int64_t nbytes, void* dst,
+                     std::vector<char>* ok);
+
 // Reads N doubles from record REC into DST(1..N). A target shorter than N is
 // a bound failure: what does not fit is dropped.
 bool read_f64(UnitTable& U, int32_t unit, int64_t rec, VecRef<double> dst, int64_t n);
@@ -48,6 +56,9 @@ bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int6
 // when they do not lie within the NBYTES). The outcome is that of the whole
 // read; only the bytes used are fetched.
 bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,
+                      void* dst, int64_t len);
+// As read_record_part, on a kept connection.
+bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t byte_offset,
                       void* dst, int64_t len);
 
 // The last record of UNIT from which NBYTES can be read (0 if none): records

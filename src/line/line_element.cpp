@@ -291,15 +291,54 @@ void step_rows(const LineLayout& T, LineElementArrays& E, const LineRecord& rec,
   for (int32_t k = 0; k < kLineRows; ++k) col[k] = out(T.delivered[static_cast<size_t>(k)]);
 }
 
+// Whether the record's counts fit the declared arrays.
+bool fits(const LineLayout& T, const LineRecord& rec) {
+  return rec.NEQ >= 0 && rec.NEQ <= T.dof && rec.NROW >= 0 && rec.NROW <= T.rows;
+}
+
+// Whether element SERIAL is one activated late in the case.
+bool inactive(const RunContext& R, InactiveTables& IT, int32_t kind, int32_t serial) {
+  if (IT.NUM_INACTIVE <= 0) return false;
+  int32_t flag = 0;
+  CHECK_INACTIVE_ELEM(IT, kind, serial, R.HIST_CASE, flag);
+  return flag == 1;
+}
+
+// Row RESULT_COMP of the element over all steps into TDSP. Every delivered
+// row of a step is affine in the step's displacements (a product with the
+// record's matrix, fixed factors and sums), so the step is probed once for
+// its map and the row is combined from the histories as they are read. A
+// step leaves nothing that a later one reads.
+void one_row(const LineLayout& T, const RunContext& R, LineElementArrays& E, const LineRecord& rec,
+             const double* init, bool scaled, DispRow& row, Tdsp& TDSP) {
+  Mat<double> X("DISP_EQ", T.dof, 1);
+  double col[kLineRows];
+  double coef[32];
+  const int32_t C = R.RESULT_COMP;
+  const double base = affine_probe(
+      T.dof,
+      [&](const double*) {
+        step_rows(T, E, rec, X, 1, init, scaled, col);
+        return col[C - 1];
+      },
+      X.data(), coef);
+  row.combine(coef, base, TDSP.fresh_row(C));
+}
+
 void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, NodalMotion& M,
                   InactiveTables& IT, LineState& L, Tdsp& TDSP, ItemList INUM_SERIAL) {
   LineElementArrays& E = L.*T.arrays;
   const bool scaled = T.element_factor && product_is(A.state, "H.N.Q");
 
+  // One row of a long history (REQUEST_MODE 1) is combined from the
+  // displacement histories; the step tables are then made only for an
+  // element that cannot take that road.
+  const bool combined = R.REQUEST_MODE == 1 && R.NUM_STEPS > kCombinedSteps &&
+                        R.RESULT_COMP >= 1 && R.RESULT_COMP <= kLineRows;
   // DISP_EQUATION is asked for no node-axis copy, so it needs no storage.
-  Mat<double> DISP_EQ("DISP_EQ", T.dof, R.NUM_STEPS);
+  Mat<double> DISP_EQ("DISP_EQ", T.dof, combined ? 0 : R.NUM_STEPS);
   MatRef<double> DISP_NO(nullptr, 0, 0, "DISP_NO");
-  Mat<double> SSIG("SSIG", kLineRows, R.NUM_STEPS);
+  Mat<double> SSIG("SSIG", kLineRows, combined ? 0 : R.NUM_STEPS);
   Mat<double> RST_INITIAL("RST_INITIAL", 0, 0);
   const bool has_initial =
       line_detail::read_initial_forces(R, A, T.initial, T.dof, INUM_SERIAL, RST_INITIAL);
@@ -309,6 +348,19 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
     const int32_t serial = INUM_SERIAL(p);
     LineRecord rec = read_record(T, A, E, ID, serial);
     VecRef<int32_t> IIA(rec.nodes, 2, "IIA");
+    if (combined && fits(T, rec) && !inactive(R, IT, T.inactive_kind, serial) &&
+        TDSP.allocated() && TDSP.cols() >= R.NUM_STEPS) {
+      DispRow row;
+      if (row.start(M, T.dof, rec.NEQ, E.LM.ref(), IIA, 2)) {
+        unpack_matrix(T, E, rec);
+        one_row(T, R, E, rec, has_initial ? RST_INITIAL.col(p) : nullptr, scaled, row, TDSP);
+        continue;
+      }
+    }
+    if (DISP_EQ.cols() != R.NUM_STEPS) {
+      DISP_EQ.resize(T.dof, R.NUM_STEPS);
+      SSIG.resize(kLineRows, R.NUM_STEPS);
+    }
     DISP_EQUATION(M, T.dof, DISP_EQ.ref(), DISP_NO, rec.NEQ, E.LM.ref(), IIA, 2, 1);
     line_detail::remove_initial_state(R, A, IT, T.inactive_kind, serial, rec.NEQ, E.LM.ref(),
                                       E.DISP_INIT, DISP_EQ);

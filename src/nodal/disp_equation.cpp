@@ -9,17 +9,17 @@ namespace {
 // The displacements of the element's equations, row i from LM(i); with
 // support motion (and a constrained translation among the element's nodes)
 // rows are laid out six per node, and a constrained translation takes the
-// support motion of its node.
-void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, int32_t NLM,
-                         VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE) {
+// support motion of its node. MAKE(support) makes the fetch that receives
+// them.
+template <class Make>
+void fetch_rows(NodalMotion& M, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA,
+                int32_t NNODE, Make make) {
   const RunContext& R = M.run;
-  StepWork work(R);
-  const StepColumns cols = R.REQUEST_MODE == 1 ? StepColumns::AllSteps : StepColumns::OneStep;
   // Equations past LM read as equation 0, which has no motion: the first is
   // reported and the element's equations are those LM holds.
   const int64_t nlm = LM.fit(1, NLM);
   auto by_equation = [&](bool close_after) {
-    MotionFetch f(M, Quantity::Displacement, cols, false, work, DISP_EQ, NDOF, nlm);
+    MotionFetch& f = make(false, nlm);
     for (int64_t i = 1; i <= nlm; ++i) f.dof(i, LM(i), 0, 0);
     f.finish();
     if (close_after) f.close_direct_file();
@@ -48,7 +48,7 @@ void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, i
     by_equation(true);
     return;
   }
-  MotionFetch f(M, Quantity::Displacement, cols, true, work, DISP_EQ, NDOF, nlm);
+  MotionFetch& f = make(true, nlm);
   for (int64_t n = 1; n <= nnode; ++n) {
     for (int32_t c = 1; c <= 6; ++c) {
       const int64_t row = 6 * (n - 1) + c;
@@ -67,6 +67,17 @@ void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, i
   }
   f.finish();
   f.close_direct_file();
+}
+
+void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, int32_t NLM,
+                         VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE) {
+  StepWork work(M.run);
+  const StepColumns cols =
+      M.run.REQUEST_MODE == 1 ? StepColumns::AllSteps : StepColumns::OneStep;
+  std::optional<MotionFetch> f;
+  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support, int64_t nlm) -> MotionFetch& {
+    return f.emplace(M, Quantity::Displacement, cols, support, work, DISP_EQ, NDOF, nlm);
+  });
 }
 
 // DISP_NO(6(n-1)+r, j) := sum over c of T(r, c) DISP_EQ(6(n-1)+c, j) for the
@@ -122,6 +133,29 @@ void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<
     else
       turn_node(DISP_EQ, DISP_NO, rec, n, nsteps, wall);
   }
+}
+
+bool DispRow::start(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> LM,
+                    VecRef<int32_t> IIA, int32_t NNODE) {
+  const RunContext& R = M.run;
+  fetch_.reset();
+  if (R.REQUEST_MODE != 1 || !MotionFetch::combinable(R) || NDOF < 0 || NLM > NDOF ||
+      NNODE < 0 || NLM > LM.size())
+    return false;
+  // The layout by node reaches rows 6 NNODE (and a wall beam's 12 + NNODE).
+  const bool by_node = R.HIST_STORE == 2 && R.HAS_SUPPORT_MOTION == 1;
+  const int64_t rows = std::min<int64_t>(NDOF, LM.size());
+  if (by_node && (6 * int64_t{NNODE} > rows || NNODE > IIA.size() ||
+                  (R.ELEM_TYPE == 14 && 12 + int64_t{NNODE} > rows)))
+    return false;
+  fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support, int64_t) -> MotionFetch& {
+    return fetch_.emplace(M, Quantity::Displacement, support, NDOF);
+  });
+  return true;
+}
+
+void DispRow::combine(const double* COEF, double BASE, double* OUT) {
+  if (fetch_) fetch_->combine(COEF, BASE, OUT);
 }
 
 }  // namespace respcore

@@ -3,7 +3,9 @@
 // and optionally turned into the nodes' own axes.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <optional>
 
 #include "core/arrays.hpp"
 #include "nodal/nodal_motion.hpp"
@@ -16,5 +18,47 @@ namespace respcore {
 void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<double> DISP_NO,
                    int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE,
                    int32_t NO_TRANSFORM);
+
+// One element over many steps, where only one row of its results is wanted
+// and the element's step is affine in its displacements: the history
+// BASE + the sum over i of COEF(i) DISP_EQ(i, s), s = 1..NUM_STEPS, with
+// DISP_EQ as DISP_EQUATION (NO_TRANSFORM 1) fetches it, but without forming
+// it: each history is added as it is read, and in modal storage the
+// coefficients are folded into the mode shapes first (MotionFetch's
+// combined road). start() takes DISP_EQUATION's place in the element's
+// reading (the look-ups and the reads of mode values happen there);
+// combine() follows once the coefficients are known.
+class DispRow {
+ public:
+  // False, doing nothing, where the road does not apply (REQUEST_MODE other
+  // than 1, a case with other storage or more steps than stored, rows that
+  // do not fit NDOF); the caller then takes DISP_EQUATION.
+  bool start(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA,
+             int32_t NNODE);
+  // OUT(1..NUM_STEPS) := the history, for COEF(1..NDOF).
+  void combine(const double* COEF, double BASE, double* OUT);
+
+ private:
+  std::optional<MotionFetch> fetch_;
+};
+
+// Histories longer than this, of one row, take the combined road.
+inline constexpr int64_t kCombinedSteps = 64;
+
+// The affine map of a step: VALUE(x) is the step's value on the input column
+// X(0..N-1). Returns the value at zero and puts the value at each unit vector
+// less it into COEF(0..N-1); X is left zero. The step must be affine in X
+// and have no effect that its repetition would change.
+template <class Value>
+double affine_probe(int32_t n, Value value, double* x, double* coef) {
+  std::fill(x, x + n, 0.0);
+  const double base = value(x);
+  for (int32_t k = 0; k < n; ++k) {
+    x[k] = 1.0;
+    coef[k] = value(x) - base;
+    x[k] = 0.0;
+  }
+  return base;
+}
 
 }  // namespace respcore

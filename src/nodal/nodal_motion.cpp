@@ -1,7 +1,10 @@
 #include "nodal/nodal_motion.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+
+#include "numeric/combine.hpp"
 
 namespace respcore {
 
@@ -215,6 +218,152 @@ MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t sum_r
   prepare(7);
 }
 
+MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t nrows)
+    : M_(M),
+      R_(M.run),
+      q_(q),
+      cols_(StepColumns::AllSteps),
+      support_(support),
+      sum_rows_(nrows),
+      combined_(true),
+      ncoef_(std::max<int64_t>(nrows, 0)) {
+  nsteps_ = std::max<int64_t>(R_.NUM_STEPS, 0);
+  delivered_.assign(static_cast<size_t>(ncoef_), 0);
+  if (R_.HIST_STORE == 1) {
+    storage_ = Storage::Modal;
+    Modal& md = modal_.emplace();
+    // The coordinates are read when the history is combined, once the
+    // coefficients are folded; the look-ups stay in their order. Only the
+    // modes with records within the file are kept, as on the other roads.
+    const SectionRef mdsp = M.archive.find(sections::MDSP, 3);
+    const ModalRange range = modal_range(M_, mdsp, true);
+    md.first_mode = range.first_mode;
+    md.mode_values = Mat<double>("MODE_VALS", ncoef_, range.modes);
+    mdsp_ = M.archive.pin(mdsp);
+    md.mshp = M.archive.find(sections::MSHP, 3);
+    md.mode_row.assign(static_cast<size_t>(range.modes), 0.0);
+    return;
+  }
+  prepare(7);
+  dmed_pin_ = M.archive.pin(dmed_);
+  if (support_) mser_pin_ = M.archive.pin(mser_);
+}
+
+void MotionFetch::combine(const double* coef, double base, double* out) {
+  coef_ = coef;
+  base_ = base;
+  comb_ = out;
+  if (storage_ == Storage::Modal)
+    finish_combined();
+  else if (storage_ == Storage::Direct)
+    finish_combined_direct();
+  else
+    std::fill(comb_, comb_ + nsteps_, base_);
+}
+
+bool MotionFetch::combinable(const RunContext& R) {
+  if (R.HIST_STORE == 2) return true;
+  return R.HIST_STORE == 1 && R.NUM_STEPS >= 1 && R.NUM_STEPS <= R.NUM_STORED_STEPS;
+}
+
+void MotionFetch::add_combined(int64_t row, const PinnedSection* s, int64_t index) {
+  if (row < 1 || row > ncoef_ || delivered_[static_cast<size_t>(row - 1)]) return;
+  delivered_[static_cast<size_t>(row - 1)] = 1;
+  if (s != nullptr) records_.push_back({row, s, index});
+}
+
+void MotionFetch::finish_combined_direct() {
+  // Each row's history is the whole record read as one: a record that cannot
+  // hold the steps gives zeros. The steps go in blocks, and the rows in
+  // groups of four, so that the block of the sum and the blocks read stay in
+  // cache while the group adds its part.
+  constexpr int64_t kBlock = 16384;
+  constexpr int32_t kGroup = 4;
+  const int64_t n = nsteps_;
+  const int64_t block = std::min(n, kBlock);
+  std::vector<double>& buf = M_.state.row_buffer;
+  buf.resize(static_cast<size_t>(kGroup * block));
+  const auto nrec = static_cast<int64_t>(records_.size());
+  for (int64_t s0 = 0; s0 < n; s0 += kBlock) {
+    const int64_t cnt = std::min(kBlock, n - s0);
+    std::fill(comb_ + s0, comb_ + s0 + cnt, base_);
+    for (int64_t g = 0; g < nrec; g += kGroup) {
+      const double* x[kGroup];
+      double c[kGroup];
+      const auto k = static_cast<int32_t>(std::min<int64_t>(kGroup, nrec - g));
+      for (int32_t i = 0; i < k; ++i) {
+        const RowRecord& r = records_[static_cast<size_t>(g + i)];
+        double* h = buf.data() + i * block;
+        if (!M_.archive.read_part(*r.section, r.index, n * 8, s0 * 8, h, cnt * 8))
+          std::fill(h, h + cnt, 0.0);
+        x[i] = h;
+        c[i] = coef_[r.row - 1];
+      }
+      add_combination(comb_ + s0, x, c, k, cnt, 1);
+    }
+  }
+}
+
+void MotionFetch::finish_combined() {
+  // The coefficients folded into the mode shapes: C(m) = sum over the rows
+  // of COEF(r) times the value of mode m at row r.
+  Mat<double>& MV = modal_->mode_values;
+  const int64_t nm = MV.cols();
+  const int64_t m0 = modal_->first_mode;
+  std::vector<double> c(static_cast<size_t>(nm), 0.0);
+  for (int64_t m = 1; m <= nm; ++m) {
+    const double* phi = MV.col(m);
+    double sum = 0.0;
+    for (int64_t r = 0; r < ncoef_; ++r) sum += coef_[r] * phi[r];
+    c[static_cast<size_t>(m - 1)] = sum;
+  }
+  const bool one_mode = R_.MODE_NO >= 1 && R_.MODE_NO <= R_.NUM_MODES;
+  const int64_t n = nsteps_;
+  double* y = comb_;
+  std::fill(y, y + n, base_);
+  // A mode left out has zero coordinates: its term adds nothing, unless its
+  // coefficient is not finite.
+  for (int64_t m = 1; m <= nm; ++m) {
+    const double cm = c[static_cast<size_t>(m - 1)];
+    if ((one_mode && m0 + m != R_.MODE_NO) && !std::isfinite(cm)) {
+      for (int64_t s = 0; s < n; ++s) y[s] += cm * 0.0;
+    }
+  }
+  // The steps in blocks; within a block every selected mode adds its
+  // records, read as they lie in the archive (three values per step).
+  constexpr int64_t kBlock = 4096;
+  const int64_t k = static_cast<int64_t>(q_) - 1;
+  const int64_t nss = R_.NUM_STORED_STEPS;
+  std::vector<double> buf(static_cast<size_t>(3 * std::min(n, kBlock)));
+  std::vector<char> ok;
+  for (int64_t s0 = 0; s0 < n; s0 += kBlock) {
+    const int64_t cnt = std::min(kBlock, n - s0);
+    for (int64_t m = 1; m <= nm; ++m) {
+      const int64_t mode = m0 + m;
+      if (one_mode && mode != R_.MODE_NO) continue;
+      // Record index ((MODAL_SET - 1) NUM_MODES + mode - 1) NUM_STORED_STEPS + s0 + 1.
+      int64_t index = 0;
+      const bool formed = !__builtin_mul_overflow(int64_t{R_.MODAL_SET} - 1,
+                                                  int64_t{R_.NUM_MODES}, &index) &&
+                          !__builtin_add_overflow(index, mode - 1, &index) &&
+                          !__builtin_mul_overflow(index, nss, &index) &&
+                          !__builtin_add_overflow(index, s0 + 1, &index);
+      if (formed) {
+        M_.archive.read_run(mdsp_, index, cnt, 24, buf.data(), ok);
+      } else {
+        ok.assign(static_cast<size_t>(cnt), 0);
+      }
+      // A record that cannot be read is a zero coordinate.
+      double* v = buf.data() + k;
+      for (int64_t j = 0; j < cnt; ++j) {
+        if (!ok[static_cast<size_t>(j)]) v[3 * j] = 0.0;
+      }
+      const double* x[1] = {v};
+      add_combination(y + s0, x, &c[static_cast<size_t>(m - 1)], 1, cnt, 3);
+    }
+  }
+}
+
 void MotionFetch::prepare(int64_t mode_rows) {
   nsteps_ = std::max<int64_t>(R_.NUM_STEPS, 0);
   ArchiveReader A = M_.archive;
@@ -266,6 +415,18 @@ void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp)
   }
   if (storage_ != Storage::Direct) {
     deliver_nothing(row);
+    return;
+  }
+  if (combined_) {
+    // The combined road reads the rows' records at the end.
+    if (support_ && equation == 0 && comp <= 3) {
+      const int64_t r = find_support_row(M_.state, support_rows_, node, comp);
+      add_combined(row, r > 0 ? &mser_pin_ : nullptr, record_index(q_, false, r));
+    } else if (equation > 0) {
+      add_combined(row, &dmed_pin_, record_index(q_, support_, equation));
+    } else {
+      add_combined(row, nullptr, 0);
+    }
     return;
   }
   if (support_ && equation == 0 && comp <= 3) {
@@ -345,6 +506,7 @@ void MotionFetch::deliver(const SectionRef& s, int64_t index, int64_t row) {
 }
 
 void MotionFetch::finish() {
+  if (combined_) return;
   if (storage_ == Storage::Modal)
     finish_modal();
   else if (storage_ == Storage::Direct && sink_ == nullptr && cols_ == StepColumns::AllSteps)

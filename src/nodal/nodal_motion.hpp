@@ -88,6 +88,24 @@ class MotionFetch {
   // for a modal case, when the fetch finishes).
   MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t sum_rows, HistorySink sink);
 
+  // All steps, combined into one history (see combine()): the dof calls
+  // note each row's history (rows 1..NROWS; a row delivered twice counts
+  // once) and, in modal storage, read its mode values; the histories are
+  // read when the history is combined. The caller makes sure that the case
+  // allows it (combinable()).
+  MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t nrows);
+  // Whether the case allows the combined road: its storage is direct, or
+  // modal with the steps wanted stored.
+  static bool combinable(const RunContext& R);
+  // After finish(), at any later point of the call: OUT(s) := BASE + the sum
+  // over the rows r of COEF(r) times the motion of r, s = 1..NUM_STEPS. With
+  // modal storage the coefficients are first folded into the mode shapes of
+  // the rows, so that the steps cost one pass over the modal coordinates of
+  // the selected modes, read as they lie in the archive; the sums are then
+  // associated differently from the row-by-row road, which changes them by
+  // rounding.
+  void combine(const double* coef, double base, double* out);
+
   // The motion of one dof into row ROW: EQUATION is its equation number (an
   // equation when positive); NODE and COMP (1..6) place a constrained dof in
   // the support motion.
@@ -105,6 +123,8 @@ class MotionFetch {
   void deliver_nothing(int64_t row);
   void finish_modal();
   void finish_columns();
+  void finish_combined();
+  void add_combined(int64_t row, const PinnedSection* s, int64_t index);
 
   NodalMotion& M_;
   const RunContext& R_;
@@ -122,13 +142,31 @@ class MotionFetch {
   // Modal storage: the coordinates and the values of modes FIRST_MODE + 1,
   // ..., the ones whose records the file holds (see modal_range).
   struct Modal {
-    int64_t first_mode;  // set when the fetch is made
+    int64_t first_mode = 0;  // set when the fetch is made
     Arr3<double> coords;
     Mat<double> mode_values;
     SectionRef mshp;
     std::vector<double> mode_row;
   };
   std::optional<Modal> modal_;
+  // The combined road: the coefficients, the history formed, which rows
+  // were delivered, and the sections kept for the end.
+  bool combined_ = false;
+  const double* coef_ = nullptr;
+  int64_t ncoef_ = 0;
+  double* comb_ = nullptr;
+  double base_ = 0.0;
+  std::vector<char> delivered_;
+  PinnedSection mdsp_, dmed_pin_, mser_pin_;
+  // Direct storage: the history record of each row, read at the end in
+  // blocks of steps.
+  struct RowRecord {
+    int64_t row;
+    const PinnedSection* section;
+    int64_t index;
+  };
+  std::vector<RowRecord> records_;
+  void finish_combined_direct();
   // Direct storage.
   SectionRef dmed_, mser_;
   int64_t support_rows_ = 0;

@@ -103,7 +103,9 @@ void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
   Mat<double> TT("TT", 3, 3);
   Mat<double> ASA("ASA", SOLID_HIGH_NROW, kMaxDof);
   Mat<double> nodal("ASA_NODAL", kOutRows, kMaxDof);
-  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps);
+  const bool long_row = R.REQUEST_MODE == 1 && nsteps > kCombinedSteps && TDSP.allocated() &&
+                        TDSP.cols() >= nsteps;
+  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, long_row ? 0 : nsteps);
   Mat<double> DISP_NO("DISP_NO", 0, 0);
   // One element over many steps needs only the requested row: the full
   // tables serve the other request modes, whose steps are one.
@@ -144,13 +146,25 @@ void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
     element_axes(XYZ, nn, PANEL_T, TT);
 
     // 3. Displacements and the element matrices.
-    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nn, 1);
+    // One row of a long history is combined from the displacement histories.
+    DispRow row;
+    const bool combined = long_row && neq <= kCombinedInputs &&
+                          row.start(M, kMaxDof, neq, LM.ref(), IIA.ref(), nn);
+    if (!combined) {
+      if (DISP_EQ.cols() != nsteps) DISP_EQ.resize(kMaxDof, nsteps);
+      DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nn, 1);
+    }
     ASA.fill(0.0);
     SOLID_HIGH_STRS(C, element, nn, ASA.ref(), XYZ.ref(), PANEL_T.ref());
     nodal_matrix_of(ASA, nn, VALUE_GAUSS, VALUE_NODAL, nodal);
 
     // 4. The steps.
     const int32_t npts = nn + 1;
+    if (combined) {
+      solid_combined_row(C, R.RESULT_COMP, TDSP, layout, nodal.ref(), kOutRows, neq, TT.ref(), nn,
+                         AXIS_FLAG, kMaxDof + 6 * npts, kStrainRow0, 6 * npts, row);
+      continue;
+    }
     solid_element_rows(C, R, TDSP, p, layout, nodal.ref(), kOutRows, neq, DISP_EQ.ref(), TT.ref(),
                        nn, AXIS_FLAG, kMaxDof + 6 * npts, kStrainRow0, 6 * npts, SIG.ref(),
                        STRAIN_GLOBAL_TIME.ref());

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "core/arrays.hpp"
+#include "nodal/disp_equation.hpp"
 #include "run/run_context.hpp"
 #include "run/tdsp.hpp"
 #include "solid/solid_state.hpp"
@@ -50,6 +51,16 @@ void solid_history_row(SolidContext& SC, int32_t C, Tdsp& TDSP, const SolidStepL
                        MatRef<double> M, int32_t mrows, int32_t ncols, MatRef<double> DISP,
                        MatRef<double> T, int32_t NN, int32_t AXIS_FLAG, int32_t NROWS,
                        int32_t STRAIN_ROW0, int32_t NSTRAIN);
+
+// The same row combined from the displacement histories (DispRow, started
+// at DISP_EQUATION's place, for a TDSP of NUM_STEPS columns and at most
+// kCombinedInputs displacements): the element's step from its displacements
+// to the row is affine, so it is probed once for its map.
+inline constexpr int32_t kCombinedInputs = 64;
+void solid_combined_row(SolidContext& SC, int32_t C, Tdsp& TDSP, const SolidStepLayout& L,
+                        MatRef<double> M, int32_t mrows, int32_t ncols, MatRef<double> T,
+                        int32_t NN, int32_t AXIS_FLAG, int32_t NROWS, int32_t STRAIN_ROW0,
+                        int32_t NSTRAIN, DispRow& row);
 
 // The rows of one element (list position ITEM) into TDSP: under
 // REQUEST_MODE 1 only the requested row over all steps (solid_history_row),

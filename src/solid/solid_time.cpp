@@ -93,7 +93,9 @@ void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
   Mat<double> T("T", 3, 3);
   Vec<int32_t> LM("LM", kMaxDof);
   Vec<int32_t> IIA("IIA", kMaxNodes);
-  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps);
+  const bool long_row = R.REQUEST_MODE == 1 && nsteps > kCombinedSteps && TDSP.allocated() &&
+                        TDSP.cols() >= nsteps;
+  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, long_row ? 0 : nsteps);
   Mat<double> DISP_NO("DISP_NO", 0, 0);
   // One element over many steps needs only the requested row: the full
   // tables serve the other request modes, whose steps are one.
@@ -119,13 +121,25 @@ void SOLID_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
     const SolidCounts n = unpack_record(SA, LM, STRS, T);
     const int32_t ndof = n.ndof, nr = n.nr, nn = n.nn;
 
-    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), ndof, LM.ref(), IIA.ref(),
-                  std::min(nn, kMaxNodes), 1);
+    // One row of a long history is combined from the displacement histories.
+    DispRow row;
+    const bool combined = long_row && ndof <= kCombinedInputs &&
+                          row.start(M, kMaxDof, ndof, LM.ref(), IIA.ref(), std::min(nn, kMaxNodes));
+    if (!combined) {
+      if (DISP_EQ.cols() != nsteps) DISP_EQ.resize(kMaxDof, nsteps);
+      DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), ndof, LM.ref(), IIA.ref(),
+                    std::min(nn, kMaxNodes), 1);
+    }
 
     // The extrapolated node values are delivered even when the stored matrix
     // ends at the centre (a tetrahedron's single point).
     const int32_t nrows = std::min(std::max(nr, kForceRows + 6 * (nn + 1)), kMaxRow);
     // Rows beyond NR are zero rows of STRS.
+    if (combined) {
+      solid_combined_row(C, R.RESULT_COMP, TDSP, layout, STRS.ref(), kMaxRow, ndof, T.ref(), nn,
+                         AXIS_FLAG, nrows, kMaxRow, 6 * (nn + 1), row);
+      continue;
+    }
     solid_element_rows(C, R, TDSP, p, layout, STRS.ref(), kMaxRow, ndof, DISP_EQ.ref(), T.ref(), nn,
                        AXIS_FLAG, nrows, kMaxRow, 6 * (nn + 1), SSIG.ref(),
                        STRAIN_GLOBAL_TIME.ref());

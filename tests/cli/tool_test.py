@@ -88,8 +88,11 @@ class Tool(unittest.TestCase):
             self.assertEqual((j["step"], j["points"][0], len(j["items"])), (300, "end-i", 6))
             self.assertEqual((j["items"][5]["serial"], j["items"][5]["number"]), (12, 112))
             for it in j["items"] if LIB else []:
-                want = [kernel(13, r, it["serial"], 300)[299] for r in (row_i, row_j)]
-                self.assertEqual(it["values"], want, sel)
+                # A long history of one row is summed in another order than a
+                # step's own products: the two agree to rounding of its scale.
+                for v, r in zip(it["values"], (row_i, row_j)):
+                    h = kernel(13, r, it["serial"], 300)
+                    self.assertAlmostEqual(v, h[299], delta=1e-12 * max(map(abs, h)), msg=sel)
         t = rows(tool("snapshot %s -t node-velocity -i 7-9 -c y --step 250 -f csv" % BASE)[1])
         self.assertEqual((t[0], len(t)), (["serial", "number", "value"], 4))
         for r in t[1:] if LIB else []:
