@@ -142,7 +142,7 @@ class MotionFetch {
   // Modal storage: the coordinates and the values of modes FIRST_MODE + 1,
   // ..., the ones whose records the file holds (see modal_range).
   struct Modal {
-    int64_t first_mode = 0;  // set when the fetch is made
+    int64_t first_mode;  // set when the fetch is made
     Arr3<double> coords;
     Mat<double> mode_values;
     SectionRef mshp;

@@ -8,8 +8,25 @@ namespace respcore {
 
 namespace {
 
+// The thread sanitizer's runtime is not ready when the variant is chosen at
+// load time: there the baseline alone is built.
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define RESPCORE_NO_VARIANTS 1
+#endif
+#endif
+#if defined(__SANITIZE_THREAD__)
+#define RESPCORE_NO_VARIANTS 1
+#endif
+#if defined(__clang__)
+#pragma clang fp contract(off)
+#endif
+#if defined(RESPCORE_NO_VARIANTS) || !defined(__GNUC__) || defined(__clang__)
+#define RESPCORE_VECTOR_VARIANTS
+#else
 #define RESPCORE_VECTOR_VARIANTS \
   __attribute__((target_clones("avx2", "default"), optimize("O3", "fp-contract=off")))
+#endif
 
 RESPCORE_VECTOR_VARIANTS
 void add4(double* __restrict y, const double* __restrict x0, const double* __restrict x1,
