@@ -129,6 +129,8 @@ void turn_panel_tensors(VecRef<double> TMP, MatRef<double> PANEL_T, int32_t NNOD
 void deliver_plane_rows(const RunContext& R, Tdsp& TDSP, int64_t ITEM, MatRef<double> SSIG,
                         int32_t NROWS, MatRef<double> STRAIN, int32_t STRAIN_ROW0,
                         int32_t NSTRAIN) {
+  // A request of no steps has no columns, and nothing to deliver.
+  if (SSIG.cols() < 1) return;
   if (R.REQUEST_MODE == 1) {
     // Only row RESULT_COMP of TDSP reaches the caller in this mode.
     const int32_t c = R.RESULT_COMP;
@@ -139,7 +141,6 @@ void deliver_plane_rows(const RunContext& R, Tdsp& TDSP, int64_t ITEM, MatRef<do
       TDSP.put_row(c, STRAIN.data() + (k - 1), STRAIN.rows(), STRAIN.cols());
     return;
   }
-  if (SSIG.cols() < 1) return;
   for (int32_t r = 1; r <= NROWS; ++r) TDSP(r, ITEM) = SSIG(r, 1);
   for (int32_t k = 1; k <= NSTRAIN; ++k) TDSP(STRAIN_ROW0 + k, ITEM) = STRAIN(k, 1);
 }

@@ -100,10 +100,16 @@ void decode_record(VecRef<double> SSL, ElementMaterial& m, PlaneElement& E, Vec<
   // A fourth node of 0, or the third once more, makes a triangle.
   E.NNOD = (IIA(4) == 0 || IIA(4) == IIA(3)) ? 3 : 4;
 
+  // Column c lies at SSL(NEQ + (c - 1) NROW + 1 ...), NROW values apart: once
+  // a column runs past SSL, every later one starts past it. The first
+  // subscript past SSL is reported, and the rest of the matrix stays zero.
   STRS.fill(0.0);
-  for (int32_t c = 1; c <= E.neq; ++c)
-    for (int32_t r = 1; r <= E.nrow; ++r)
-      STRS(r, c) = SSL(int64_t{E.NEQ} + int64_t{c - 1} * E.NROW + r);
+  for (int64_t c = 1; c <= E.neq; ++c) {
+    const int64_t start = int64_t{E.NEQ} + (c - 1) * E.NROW + 1;
+    const int64_t n = SSL.fit(start, E.nrow);
+    for (int64_t r = 1; r <= n; ++r) STRS(r, c) = SSL(start + r - 1);
+    if (n < E.nrow) break;
+  }
 }
 
 bool tagged(const ArchiveState& A) { return product_is(A, "H.N.Q") || product_is(A, "J.W.U"); }

@@ -238,8 +238,10 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
 
     // The forces of every step in one product, global axes.
     P14.fill(0.0);
-    if (int64_t{e.neq} * (1 + e.stride) > 600) {
-      report_bound_failure("P14", int64_t{e.neq} * (1 + e.stride), 1, 600);
+    // The matrix ends at word NEQ (1 + NS) of the record's 600.
+    const int64_t end = int64_t{e.neq} * (1 + int64_t{e.stride});
+    if (end > 600) {
+      report_bound_failure("P14", end, 1, 600);
       e.ns = 0;
     }
     for (int32_t i = 1; i <= e.neq; ++i)

@@ -65,12 +65,12 @@ struct Ask {
   int32_t type, comp, mode = 1, items = 1, steps = kSteps, step = 1, mode_no = 0, axis = 1;
 };
 
-// Nodes, case 1 and its motion: modal (MODAL), or direct in file 1; the
-// ground motion and a skew system for the node requests. With SUPPORT the
-// translations of node 1 are constrained.
-void motion(ArchiveWriter& w, bool modal, bool support = false) {
+// NODE_COUNT nodes, case 1 and its motion: modal (MODAL), or direct in file
+// 1; the ground motion and a skew system for the node requests. With SUPPORT
+// the translations of node 1 are constrained.
+void motion(ArchiveWriter& w, bool modal, bool support = false, int node_count = kNodes) {
   std::vector<NodeTransform> nodes;
-  for (int n = 1; n <= kNodes; ++n) nodes.push_back({count_up(6, 6 * (n - 1) + 1), {}});
+  for (int n = 1; n <= node_count; ++n) nodes.push_back({count_up(6, 6 * (n - 1) + 1), {}});
   if (support) nodes[0].equations = {0, 0, 0, 4, 5, 6};
   w.node_transforms(nodes);
   if (modal) {
@@ -80,12 +80,12 @@ void motion(ArchiveWriter& w, bool modal, bool support = false) {
       h.coords.emplace_back();
       for (int s = 0; s < kSteps; ++s) h.coords.back().push_back({v(m * 9 + s), v(m + s), v(s)});
     }
-    for (int e = 0; e < 6 * kNodes; ++e) h.shapes.push_back(values(kModes, e));
+    for (int e = 0; e < 6 * node_count; ++e) h.shapes.push_back(values(kModes, e));
     w.modal_histories(h);
   } else {
     w.history_cases({{2, 1, kSteps, 0, 0}});
     std::vector<EquationHistory> eqs;
-    for (int e = 0; e < 6 * kNodes; ++e)
+    for (int e = 0; e < 6 * node_count; ++e)
       eqs.push_back({values(kSteps, 3 * e), values(kSteps, 3 * e + 1), values(kSteps, 3 * e + 2)});
     w.direct_histories(1, eqs, kSteps);
   }
@@ -101,6 +101,53 @@ void materials(ArchiveWriter& w) {
   w.materials({{1, 2.0e5, 0.3, 0, {}}});
 }
 
+// Panels and plates: nine nodes in the plane z = 0.5 (the corners and
+// midsides of a unit square, node 9 its centre); a quadrilateral on the
+// corners, a triangle on nodes 1, 2, 4, and their eight- and six-node forms.
+const std::vector<double> kQuad = {1, 2, 3, 4}, kTri = {1, 2, 4}, kQuad8 = {1, 2, 3, 4, 5, 6, 7, 8},
+                          kTri6 = {1, 2, 4, 5, 9, 8};
+const std::vector<std::array<double, 3>> kPanelXyz = {{0, 0, .5},  {1, 0, .5},  {1, 1, .5}, {0, 1, .5}, {.5, 0, .5},
+                                                      {1, .5, .5}, {.5, 1, .5}, {0, .5, .5}, {.5, .5, .5}};
+std::array<double, 3> xyz_of(double node) { return kPanelXyz[static_cast<size_t>(node) - 1]; }
+std::vector<double> equations_of(const std::vector<double>& nodes) {
+  std::vector<double> lm;
+  for (double n : nodes)
+    for (int k = 1; k <= 6; ++k) lm.push_back(6 * (n - 1) + k);
+  return lm;
+}
+const PlaneMaterial kPanelMaterial{{0.1}, 2.0e5, 0.3, 0, {}};
+// A three- or four-node panel of OPTION (PLANE_KIND, plus 100 with drilling).
+PlaneRecord panel(const std::vector<double>& nodes, int32_t option, int salt) {
+  const auto n = static_cast<int32_t>(nodes.size());
+  PlaneRecord r;
+  r.lm = equations_of(nodes), r.strs = values(27 * 6 * n, salt), r.nodes_count = n;
+  for (size_t k = 0; k < 4; ++k) r.xyz[k] = xyz_of(r.nodes[k] = k < nodes.size() ? nodes[k] : nodes.back());
+  r.material = kPanelMaterial, r.option = option, r.angle = 30.0 * salt;
+  return r;
+}
+// A three- or four-node plate of formulation FORM and section VARIANT
+// (PLATE_PROP(11)); RELEASE frees the rotations of its second node.
+PlateRecord plate(const std::vector<double>& nodes, int32_t form, int32_t variant, bool release, int salt) {
+  PlateRecord r;
+  r.lm = equations_of(nodes), r.forces = values(24 * 6 * static_cast<int>(nodes.size()), salt), r.nodes = nodes;
+  for (double n : nodes) r.offset_xyz.push_back(xyz_of(n));
+  r.prop = {0.1, 0.1, 0.2, 0.2, 0.2, 0.05, -0.05, 0.05, -0.05, 0.0, static_cast<double>(variant)};
+  r.young = 2.0e5, r.poisson = 0.3, r.release_flag = release, r.release_codes[1] = 111, r.form = form;
+  return r;
+}
+GeneralPlateRecord general_plate(const std::vector<double>& nodes, int32_t form, int salt) {
+  const int n = static_cast<int>(nodes.size());
+  return {nodes, {.1, .1, .1, .1, .1}, 1, {0, 0, .01, 0, 0, .01, 0, 0, .01, 0, 0, .01}, {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+          0.5, -0.5, equations_of(nodes), values(36 * n * n, salt), values((8 * n + 8) * 6 * n, salt + 1), form};
+}
+PlateHighRecord plate_high(const std::vector<double>& n) { return {equations_of(n), n, {0.1, 0.1}, 2.0e5, 0.3, 0, {}}; }
+// The node coordinates and the element table of the panels and plates.
+void panel_model(ArchiveWriter& w) {
+  w.node_coordinates(kPanelXyz);
+  w.element_table({{1}, {1}, {1}, {1}});
+  w.materials({{1, 2.0e5, 0.3, 0, {}}});
+}
+
 // An archive of one family: its records beside the motion, its requests.
 struct Family {
   std::string name;
@@ -108,6 +155,7 @@ struct Family {
   bool modal_too = true;
   std::function<void(ArchiveWriter&)> records;
   std::vector<Ask> asks;
+  int32_t nodes = kNodes;  // of the motion
 };
 
 std::vector<Family> families() {
@@ -172,6 +220,36 @@ std::vector<Family> families() {
                    materials(w);
                  },
                  {{8, 70}, {8, 2, 2, 1}}});
+  // Panels and plates, items 1..4 the records of serials 1..4; a history of
+  // more than 64 steps takes its own road through the panels.
+  out.push_back({"plane", 1, true,
+                 [](ArchiveWriter& w) {
+                   w.plane_records(sections::PSTR, 3, {panel(kQuad, 0, 1), panel(kTri, 100, 2), panel(kTri, 0, 3)});
+                   w.plane_records(sections::PSRN, 3, {panel(kQuad, 1, 0), panel(kTri, 101, 2), panel(kTri, 1, 0)});
+                   w.plane_high_records(sections::PSTH, 3, {{equations_of(kQuad8), kQuad8, kPanelMaterial}});
+                   w.plane_high_records(sections::PSRH, 3, {{equations_of(kTri6), kTri6, kPanelMaterial}});
+                   panel_model(w);
+                 },
+                 {{1, 14, 1, 3}, {2, 14, 1, 3, kSteps, 1, 0, 0}, {5, 30}, {6, 50, 1, 1, kSteps, 1, 0, 1}, {1, 3, 2, 3},
+                  {1, 16, 1, 1, 70}, {2, 40, 2, 2}, {2, 33, 1, 1, 70}, {5, 40, 1, 1, 70}, {6, 2, 3, 1}},
+                 9});
+  out.push_back({"plate", 1, true,
+                 [](ArchiveWriter& w) {
+                   w.plate_records(3, {plate(kQuad, 0, 0, false, 1), plate(kTri, 1, 0, true, 2),
+                                       plate(kQuad, 3, 1, true, 3), plate(kTri, 2, 2, false, 4)});
+                   w.plate_high_records(3, {plate_high(kQuad8), plate_high(kTri6)});
+                   panel_model(w);
+                 },
+                 {{3, 30, 1, 4}, {7, 60, 1, 2}, {3, 70, 2, 2}, {7, 10, 2, 2}, {3, 5, 3, 4}, {7, 150, 3, 1}}, 9});
+  // The general form; its tag turns the strain-state panels' results alike.
+  out.push_back({"plate-general", 6, false,  // "J.W.U"
+                 [](ArchiveWriter& w) {
+                   w.general_plate_records(3, {general_plate(kQuad, 1, 1), general_plate(kTri, 0, 2)});
+                   w.plate_high_records(3, {plate_high(kQuad8), plate_high(kTri6)});
+                   w.plane_records(sections::PSRN, 3, {panel(kQuad, 1, 1), panel(kTri, 101, 2)});
+                   panel_model(w);
+                 },
+                 {{3, 40, 1, 2}, {7, 100, 1, 2}, {2, 35, 3, 1}, {3, 80, 2, 2}, {2, 14, 1, 2}}, 9});
   return out;
 }
 
@@ -205,6 +283,10 @@ std::vector<Fault> faults() {
        [](ArchiveWriter& w) { w.history_cases({{1, 1, 44000000, 1, 0}}); }, {9, 1, 1, 1, 200}},
       {"fault-3-modal-steps-envelope", plain, true,
        [](ArchiveWriter& w) { w.history_cases({{1, 1, 44000000, 1, 0}}); }, {9, 1, 3, 4, 200}},
+      // A plane record whose matrix columns lie 10^6 words apart.
+      {"fault-plane-matrix-stride", plain, false,
+       [](ArchiveWriter& w) { spoiled(w, sections::PSTR, panel(kQuad, 0, 1).words(), 674, 1.0e6); },
+       {1, 14, 1, 1, 200}},
       // A 64-bit entry whose first record is 2^63 - 1.
       {"fault-4-first-record", DirectoryForm::Wide, false,
        [](ArchiveWriter& w) { w.second().add_raw_entry(sections::BEAM, 3, INT64_MAX, INT64_MAX, 654); },
@@ -264,7 +346,7 @@ int main(int argc, char** argv) {
             f.name + (form == DirectoryForm::Wide ? "-wide" : "-plain") + (modal ? "-modal" : "");
         ArchiveWriter w(work + name, fuzz::kProductTags[f.product - 1], form);
         w.first();
-        motion(w, modal, f.name == "support");
+        motion(w, modal, f.name == "support", f.nodes);
         f.records(w);
         w.write();
         emit(name, work + name, f.product, f.asks, !modal);

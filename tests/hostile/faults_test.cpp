@@ -93,7 +93,8 @@ INSTANTIATE_TEST_SUITE_P(Corpus, Fault,
                          ::testing::Values("fault-1-beam-count-word-1", "fault-1-wall-beam-count-word-1",
                                            "fault-1-truss-ndof-word-1", "fault-2-beam-rows-1",
                                            "fault-3-modal-steps-history-1",
-                                           "fault-3-modal-steps-envelope-1", "fault-4-first-record-1"),
+                                           "fault-3-modal-steps-envelope-1", "fault-4-first-record-1",
+                                           "fault-plane-matrix-stride-1"),
                          [](const auto& p) {
                            std::string s = p.param;
                            for (char& c : s)
