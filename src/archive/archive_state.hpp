@@ -15,8 +15,7 @@
 
 namespace respcore {
 
-// An open archive file, shared by every unit connected to the same path
-// within one call.
+// An open archive file, shared by every unit connected to the same path.
 struct OpenFile {
   int fd = -1;
   int64_t size = 0;
@@ -30,13 +29,39 @@ struct Connection {
   int64_t reclen = 0;              // bytes
 };
 
-// The walk of a directory from its first head record, kept for the call:
-// every entry passed before the walk ended, and how it ended (4: a blank
-// entry or the end of the chain; 2: a read error; 7: a head that does not
-// fit). A look-up replays it instead of reading the directory again.
+// The walk of a directory from its first head record: every entry passed
+// before the walk ended, and how it ended (4: a blank entry or the end of the
+// chain; 2: a read error; 7: a head that does not fit). A look-up replays it
+// instead of reading the directory again; FIRST_OF gives the position in
+// ENTRIES of the first entry of each tag and serial.
 struct DirWalk {
   std::vector<DirEntry> entries;
+  std::unordered_map<uint64_t, size_t> first_of;
   int32_t end_status = 4;
+};
+
+// What tells one content of a file from another between calls: a file
+// rewritten or replaced has another inode, size or time stamp.
+struct FileStamp {
+  uint64_t dev = 0, ino = 0;
+  int64_t size = 0;
+  int64_t mtime_ns = 0, ctime_ns = 0;
+  bool operator==(const FileStamp&) const = default;
+};
+
+// A file as the unit table keeps it: open, with its stamp and the walks of
+// its directory. A null FILE is a path that could not be opened in the
+// current call.
+struct KeptFile {
+  std::shared_ptr<OpenFile> file;
+  FileStamp stamp;
+  // The stamp was older than the opening by more than the file system's
+  // clock tick, so any later write gives the file another stamp. A file
+  // written moments before it was opened could be written again under the
+  // same stamp: it is opened and read afresh in the next call.
+  bool settled = false;
+  uint64_t used_in_call = 0;  // the last call that checked the stamp and used the file
+  std::unordered_map<std::string, std::shared_ptr<DirWalk>> walks;  // by form, code and version
 };
 
 // Directory constants and the last records read, shared by the look-ups and
@@ -72,12 +97,25 @@ struct ArchiveState {
   int32_t material_number = 0;
 };
 
-// Units and the per-call caches behind them. Everything here is released
-// when a call closes its units.
+// Units and the files behind them. The connections last one call; the open
+// files and their directory walks are kept between calls (unless KEEP_FILES
+// is off), each checked against the file's stamp in the first call that uses
+// it, and at most kKeptFiles of them, the most recently used.
 struct UnitTable {
+  UnitTable();
+  UnitTable(const UnitTable&) = delete;
+  UnitTable& operator=(const UnitTable&) = delete;
+
+  static constexpr size_t kKeptFiles = 32;
+
   std::map<int32_t, Connection> units;
-  std::unordered_map<std::string, std::shared_ptr<OpenFile>> files;  // null: cannot be opened
-  std::unordered_map<std::string, std::shared_ptr<DirWalk>> walks;
+  std::unordered_map<std::string, KeptFile> files;  // by path
+  bool keep_files = true;
+  uint64_t call = 1;  // counts the calls closed by close_all_units
+  // Files opened and directories walked (read from the file), for the tests
+  // of the keeping.
+  uint64_t opened = 0;
+  uint64_t walked = 0;
 };
 
 }  // namespace respcore

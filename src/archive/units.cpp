@@ -4,7 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <limits>
 #include <vector>
 
@@ -18,6 +21,22 @@ OpenFile::~OpenFile() {
 
 namespace {
 
+// RESPCORE_FILE_CACHE=0 starts every unit table with files closed at the end
+// of each call.
+bool keep_files_by_default() {
+  static const bool keep = [] {
+    const char* v = std::getenv("RESPCORE_FILE_CACHE");
+    return v == nullptr || std::strcmp(v, "0") != 0;
+  }();
+  return keep;
+}
+
+}  // namespace
+
+UnitTable::UnitTable() : keep_files(keep_files_by_default()) {}
+
+namespace {
+
 // Trailing blanks of a file name do not count.
 std::string trimmed(const std::string& path) {
   size_t n = path.size();
@@ -25,26 +44,57 @@ std::string trimmed(const std::string& path) {
   return path.substr(0, n);
 }
 
+int64_t nanoseconds(const timespec& t) {
+  return static_cast<int64_t>(t.tv_sec) * 1000000000 + static_cast<int64_t>(t.tv_nsec);
+}
+
+FileStamp stamp_of(const struct stat& st) {
+  return FileStamp{static_cast<uint64_t>(st.st_dev), static_cast<uint64_t>(st.st_ino),
+                   static_cast<int64_t>(st.st_size), nanoseconds(st.st_mtim),
+                   nanoseconds(st.st_ctim)};
+}
+
+// File time stamps come from a clock that advances by ticks of at most 10 ms
+// (and may lag the real-time clock by one); a stamp older than the opening
+// by more than this is one that no later write can repeat.
+constexpr int64_t kStampTickNs = 20'000'000;
+
+// The file at PATH for the current call: the kept one if it was checked in
+// this call, or if its stamp is settled and the file at PATH still has it;
+// otherwise the file opened afresh (null when it cannot be opened, which
+// holds for the rest of the call).
 std::shared_ptr<OpenFile> open_cached(UnitTable& U, const std::string& raw_path) {
   const std::string path = trimmed(raw_path);
   auto it = U.files.find(path);
-  if (it != U.files.end()) return it->second;
-  std::shared_ptr<OpenFile> f;
-  if (!path.empty()) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd >= 0) {
-      struct stat st {};
-      if (::fstat(fd, &st) == 0 && !S_ISDIR(st.st_mode)) {
-        f = std::make_shared<OpenFile>();
-        f->fd = fd;
-        f->size = static_cast<int64_t>(st.st_size);
-      } else {
-        ::close(fd);
-      }
+  if (it != U.files.end()) {
+    KeptFile& k = it->second;
+    if (k.used_in_call == U.call) return k.file;
+    struct stat st {};
+    if (k.file && k.settled && ::stat(path.c_str(), &st) == 0 && stamp_of(st) == k.stamp) {
+      k.used_in_call = U.call;
+      return k.file;
     }
   }
-  U.files.emplace(path, f);
-  return f;
+  KeptFile& k = U.files[path];
+  k = KeptFile{};
+  k.used_in_call = U.call;
+  if (path.empty()) return nullptr;
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return nullptr;
+  ++U.opened;
+  struct stat st {};
+  if (::fstat(fd, &st) != 0 || S_ISDIR(st.st_mode)) {
+    ::close(fd);
+    return nullptr;
+  }
+  k.file = std::make_shared<OpenFile>();
+  k.file->fd = fd;
+  k.file->size = static_cast<int64_t>(st.st_size);
+  k.stamp = stamp_of(st);
+  k.settled = std::max(k.stamp.mtime_ns, k.stamp.ctime_ns) < nanoseconds(now) - kStampTickNs;
+  return k.file;
 }
 
 bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
@@ -178,10 +228,40 @@ bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int6
 }
 
 void close_all_units(UnitTable& U) {
-  for (int32_t u : {32, 36, 63, 68, 78}) unit_close(U, u);
+  U.units.clear();
+  if (!U.keep_files) {
+    U.files.clear();
+  } else {
+    // Kept: files open and settled, with the walks that did not end in a
+    // read error (which may not recur). The rest is opened afresh when used.
+    for (auto it = U.files.begin(); it != U.files.end();) {
+      KeptFile& k = it->second;
+      if (!k.file || !k.settled) {
+        it = U.files.erase(it);
+        continue;
+      }
+      std::erase_if(k.walks, [](const auto& w) { return w.second->end_status == 2; });
+      ++it;
+    }
+    if (U.files.size() > UnitTable::kKeptFiles) {
+      std::vector<std::pair<uint64_t, std::string>> by_use;
+      for (const auto& [path, k] : U.files) by_use.emplace_back(k.used_in_call, path);
+      std::sort(by_use.begin(), by_use.end());
+      for (size_t i = 0; i + UnitTable::kKeptFiles < by_use.size(); ++i) U.files.erase(by_use[i].second);
+    }
+  }
+  ++U.call;
+}
+
+void release_files(UnitTable& U) {
   U.units.clear();
   U.files.clear();
-  U.walks.clear();
+}
+
+std::unordered_map<std::string, std::shared_ptr<DirWalk>>* file_walks(UnitTable& U,
+                                                                       const std::string& path) {
+  auto it = U.files.find(trimmed(path));
+  return it == U.files.end() || !it->second.file ? nullptr : &it->second.walks;
 }
 
 bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,
