@@ -15,20 +15,6 @@
 
 namespace respcore {
 
-// An open archive file, shared by every unit connected to the same path.
-struct OpenFile {
-  int fd = -1;
-  int64_t size = 0;
-  ~OpenFile();
-};
-
-// A unit number's connection: a file and the record length it was opened
-// with. Records are read at x reclen bytes.
-struct Connection {
-  std::shared_ptr<OpenFile> file;  // null: not connected
-  int64_t reclen = 0;              // bytes
-};
-
 // The walk of a directory from its first head record: every entry passed
 // before the walk ended, and how it ended (4: a blank entry or the end of the
 // chain; 2: a read error; 7: a head that does not fit). A look-up replays it
@@ -40,6 +26,37 @@ struct DirWalk {
   int32_t end_status = 4;
 };
 
+// What a walk depends on besides the file: the form, the file code and the
+// version the head must carry.
+struct WalkKey {
+  bool wide = false;
+  int32_t file_code = 0;
+  uint32_t version_bits = 0;
+  bool operator==(const WalkKey&) const = default;
+};
+
+// An open archive file, shared by every unit connected to the same path,
+// with what was read from it once: the walks of its directory and its
+// first bytes. It lasts as long as the file is unchanged.
+struct OpenFile {
+  int fd = -1;
+  int64_t size = 0;
+  std::vector<std::pair<WalkKey, std::shared_ptr<DirWalk>>> walks;
+  std::array<unsigned char, 16> lead{};
+  bool lead_read = false;
+  OpenFile() = default;
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile();
+};
+
+// A unit number's connection: a file and the record length it was opened
+// with. Records are read at x reclen bytes.
+struct Connection {
+  std::shared_ptr<OpenFile> file;  // null: not connected
+  int64_t reclen = 0;              // bytes
+};
+
 // What tells one content of a file from another between calls: a file
 // rewritten or replaced has another inode, size or time stamp.
 struct FileStamp {
@@ -49,9 +66,8 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
-// A file as the unit table keeps it: open, with its stamp and the walks of
-// its directory. A null FILE is a path that could not be opened in the
-// current call.
+// A file as the unit table keeps it: open, with its stamp. A null FILE is a
+// path that could not be opened in the current call.
 struct KeptFile {
   std::shared_ptr<OpenFile> file;
   FileStamp stamp;
@@ -61,7 +77,6 @@ struct KeptFile {
   // same stamp: it is opened and read afresh in the next call.
   bool settled = false;
   uint64_t used_in_call = 0;  // the last call that checked the stamp and used the file
-  std::unordered_map<std::string, std::shared_ptr<DirWalk>> walks;  // by form, code and version
 };
 
 // Directory constants and the last records read, shared by the look-ups and

@@ -102,17 +102,12 @@ void lookup(ArchiveReader A, int32_t unit, const std::string& name, int32_t name
   }
   // The walk depends on the file, the form, the file code and the version
   // expected; it is kept with the open file as long as the file is unchanged.
-  const float version = A.state.dir.version;
-  std::string key = wide ? "W" : "P";
-  key += std::to_string(file_code);
-  key.push_back('/');
-  uint32_t vbits;
-  std::memcpy(&vbits, &version, 4);
-  key += std::to_string(vbits);
-  auto* walks = file_walks(A.units, path);
+  WalkKey key{wide, file_code, 0};
+  std::memcpy(&key.version_bits, &A.state.dir.version, 4);
   std::shared_ptr<DirWalk> fresh;
-  std::shared_ptr<DirWalk>& cached = walks != nullptr ? (*walks)[key] : fresh;
-  if (!cached) cached = walk_directory(A.units, unit, wide, file_code, version);
+  std::shared_ptr<DirWalk>* slot = kept_walk(A.units, unit, key);
+  std::shared_ptr<DirWalk>& cached = slot != nullptr ? *slot : fresh;
+  if (!cached) cached = walk_directory(A.units, unit, wide, file_code, A.state.dir.version);
   const DirWalk& walk = *cached;
   const auto hit = walk.first_of.find(entry_key(tag, serial));
   if (hit != walk.first_of.end()) {

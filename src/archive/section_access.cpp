@@ -249,7 +249,7 @@ void FIND_READING_RESULT_METHOD(ArchiveReader A) {
     result = 1;
   } else {
     unsigned char head[12];
-    if (!read_record(A.units, UNIT_FIRST, 1, head, 12)) {
+    if (!read_lead(A.units, UNIT_FIRST, head, 12)) {
       result = 2;
     } else if (head_version(head) == dir_version(true)) {
       S.READ_METHOD = 1;

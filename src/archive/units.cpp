@@ -240,7 +240,7 @@ void close_all_units(UnitTable& U) {
         it = U.files.erase(it);
         continue;
       }
-      std::erase_if(k.walks, [](const auto& w) { return w.second->end_status == 2; });
+      std::erase_if(k.file->walks, [](const auto& w) { return w.second->end_status == 2; });
       ++it;
     }
     if (U.files.size() > UnitTable::kKeptFiles) {
@@ -258,10 +258,28 @@ void release_files(UnitTable& U) {
   U.files.clear();
 }
 
-std::unordered_map<std::string, std::shared_ptr<DirWalk>>* file_walks(UnitTable& U,
-                                                                       const std::string& path) {
-  auto it = U.files.find(trimmed(path));
-  return it == U.files.end() || !it->second.file ? nullptr : &it->second.walks;
+std::shared_ptr<DirWalk>* kept_walk(UnitTable& U, int32_t unit, const WalkKey& key) {
+  const Connection* c = connection(U, unit);
+  if (c == nullptr) return nullptr;
+  auto& walks = c->file->walks;
+  for (auto& [k, w] : walks)
+    if (k == key) return &w;
+  return &walks.emplace_back(key, nullptr).second;
+}
+
+bool read_lead(UnitTable& U, int32_t unit, void* dst, int64_t nbytes) {
+  const Connection* c = connection(U, unit);
+  if (nbytes < 0 || nbytes > static_cast<int64_t>(sizeof(OpenFile::lead)))
+    return read_record(U, unit, 1, dst, nbytes);
+  if (c == nullptr || nbytes > c->reclen || nbytes > c->file->size) return false;
+  OpenFile& f = *c->file;
+  if (!f.lead_read) {
+    const int64_t n = std::min<int64_t>(f.size, sizeof f.lead);
+    if (!pread_all(f.fd, f.lead.data(), n, 0)) return false;
+    f.lead_read = true;
+  }
+  std::memcpy(dst, f.lead.data(), static_cast<size_t>(nbytes));
+  return true;
 }
 
 bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,

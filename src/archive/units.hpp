@@ -76,9 +76,12 @@ int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes);
 void close_all_units(UnitTable& U);
 // Closes every unit and every kept file.
 void release_files(UnitTable& U);
-// The directory walks kept with the file at PATH, opened in this call; null
-// when the file is not open.
-std::unordered_map<std::string, std::shared_ptr<DirWalk>>* file_walks(UnitTable& U,
-                                                                       const std::string& path);
+// The walk under KEY of the directory of the file connected to UNIT, kept
+// with the open file (null until one is made and stored there); no place at
+// all when UNIT is not connected.
+std::shared_ptr<DirWalk>* kept_walk(UnitTable& U, int32_t unit, const WalkKey& key);
+// As read_record of record 1 (NBYTES from the start of the file); the first
+// bytes are read once per open file and kept with it.
+bool read_lead(UnitTable& U, int32_t unit, void* dst, int64_t nbytes);
 
 }  // namespace respcore
