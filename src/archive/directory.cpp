@@ -36,8 +36,10 @@ uint64_t entry_key(const Tag4& tag, int32_t serial) {
 }
 
 // Walks the directory of the file connected to UNIT from record 1 and records
-// every entry up to where the search of any tag would end. The entries of a
-// block are read with one read, with the outcome of reading them one by one.
+// every entry up to where the search of any tag would end. Records are read
+// in windows of kWindow, with the outcome of reading them one by one: a
+// chain of blocks laid one behind the other (as they usually are) costs a
+// read per window, not two per block.
 std::shared_ptr<DirWalk> walk_directory(UnitTable& U, int32_t unit, bool wide, int32_t file_code,
                                         float expected_version) {
   ++U.walked;
@@ -51,30 +53,46 @@ std::shared_ptr<DirWalk> walk_directory(UnitTable& U, int32_t unit, bool wide, i
     }
     return walk;
   };
+  constexpr int64_t kWindow = 512;
   const int64_t rec_bytes = dir_record_bytes(wide);
-  std::vector<unsigned char> block(static_cast<size_t>(DIR_ENTRIES_PER_BLOCK * rec_bytes));
+  std::vector<unsigned char> window(static_cast<size_t>(kWindow * rec_bytes));
   std::vector<char> ok;
+  int64_t window_first = 0;  // no window yet
+  // Record R whole, or null when it cannot be read.
+  auto record = [&](int64_t r) -> const unsigned char* {
+    if (r == kNoRecord) return nullptr;
+    if (window_first == 0 || r < window_first || r - window_first >= kWindow) {
+      read_records(U, unit, r, kWindow, rec_bytes, window.data(), &ok);
+      window_first = r;
+    }
+    const int64_t i = r - window_first;
+    return ok[static_cast<size_t>(i)] ? window.data() + i * rec_bytes : nullptr;
+  };
   std::unordered_set<int64_t> visited;
   int64_t H = 1;
   for (;;) {
     // A chain that comes back to a head already read would be searched
     // forever; it ends the search as the end of the chain does.
     if (!visited.insert(H).second) return finish(LOOKUP_NOT_FOUND);
+    // The head needs only its fields (the 64-bit head has spare bytes at the
+    // end, which a file may cut).
     unsigned char rec[DIR_WORDS_64 * DIR_BYTES_PER_WORD];
-    if (!read_record(U, unit, H, rec, dir_head_bytes(wide))) return finish(LOOKUP_READ_ERROR);
-    const DirHead head = decode_head(rec, wide);
+    const unsigned char* h = record(H);
+    if (h == nullptr) {
+      if (!read_record(U, unit, H, rec, dir_head_bytes(wide))) return finish(LOOKUP_READ_ERROR);
+      h = rec;
+    }
+    const DirHead head = decode_head(h, wide);
     if (std::memcmp(head.identifier.data(), DIR_IDENTIFIER, 4) != 0 ||
         head.version != expected_version || head.file_code != file_code ||
         head.entries != DIR_ENTRIES_PER_BLOCK) {
       return finish(LOOKUP_BAD_HEAD);
     }
     // Entry N of the block lies at record H + N.
-    const int64_t entry1 = record_number(H, 2);
-    if (entry1 == kNoRecord) return finish(LOOKUP_READ_ERROR);
-    read_records(U, unit, entry1, DIR_ENTRIES_PER_BLOCK, rec_bytes, block.data(), &ok);
-    for (int64_t n = 0; n < DIR_ENTRIES_PER_BLOCK; ++n) {
-      if (!ok[static_cast<size_t>(n)]) return finish(LOOKUP_READ_ERROR);
-      const DirEntry e = decode_entry(block.data() + n * rec_bytes, wide);
+    for (int64_t n = 1; n <= DIR_ENTRIES_PER_BLOCK; ++n) {
+      const unsigned char* p = record(record_number(H, n + 1));
+      if (p == nullptr) return finish(LOOKUP_READ_ERROR);
+      const DirEntry e = decode_entry(p, wide);
       if (e.tag == BLANK_TAG) return finish(LOOKUP_NOT_FOUND);
       walk->entries.push_back(e);
     }
