@@ -35,15 +35,28 @@ struct WalkKey {
   bool operator==(const WalkKey&) const = default;
 };
 
+// A span of a file read at once, from which the small reads that fall in
+// it are served for the rest of the call.
+struct ReadBlock {
+  int64_t off = 0;
+  int64_t len = 0;  // 0: empty
+  std::vector<char> bytes;
+  uint64_t used = 0;  // when it last served a read
+};
+
 // An open archive file, shared by every unit connected to the same path,
 // with what was read from it once: the walks of its directory and its
-// first bytes. It lasts as long as the file is unchanged.
+// first bytes (kept while the file is unchanged), and the blocks of the
+// current call with the ends of its recent small reads.
 struct OpenFile {
   int fd = -1;
   int64_t size = 0;
   std::vector<std::pair<WalkKey, std::shared_ptr<DirWalk>>> walks;
   std::array<unsigned char, 16> lead{};
   bool lead_read = false;
+  std::array<ReadBlock, 4> blocks;
+  std::array<int64_t, 4> recent_ends{-1, -1, -1, -1};
+  uint64_t reads = 0;
   OpenFile() = default;
   OpenFile(const OpenFile&) = delete;
   OpenFile& operator=(const OpenFile&) = delete;

@@ -109,6 +109,47 @@ bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
   return true;
 }
 
+// Small reads that come close behind one another (records or values of
+// neighbouring records, as a snapshot of many items reads them) are served
+// from blocks of kBlockBytes read at once; a read far from the recent ones
+// goes to the file alone, so that scattered reads do not pay for a block.
+constexpr int64_t kSmallRead = 8 << 10;
+constexpr int64_t kBlockBytes = 64 << 10;
+constexpr int64_t kNearBytes = 2 << 10;
+
+// NBYTES at OFF of F (which lie within the file) into DST.
+bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
+  if (nbytes > kSmallRead) return pread_all(f.fd, dst, nbytes, off);
+  ++f.reads;
+  for (ReadBlock& b : f.blocks) {
+    if (b.len > 0 && off >= b.off && off - b.off <= b.len - nbytes) {
+      std::memcpy(dst, b.bytes.data() + (off - b.off), static_cast<size_t>(nbytes));
+      b.used = f.reads;
+      return true;
+    }
+  }
+  bool near = false;
+  for (const int64_t end : f.recent_ends)
+    near = near || (end >= 0 && off >= end - kNearBytes && off <= end + kNearBytes);
+  std::rotate(f.recent_ends.rbegin(), f.recent_ends.rbegin() + 1, f.recent_ends.rend());
+  f.recent_ends[0] = off + nbytes;
+  if (near) {
+    ReadBlock& b = *std::min_element(f.blocks.begin(), f.blocks.end(),
+                                     [](const ReadBlock& x, const ReadBlock& y) { return x.used < y.used; });
+    const int64_t len = std::min(kBlockBytes, f.size - off);
+    b.bytes.resize(static_cast<size_t>(kBlockBytes));
+    b.len = 0;
+    if (len >= nbytes && pread_all(f.fd, b.bytes.data(), len, off)) {
+      b.off = off;
+      b.len = len;
+      b.used = f.reads;
+      std::memcpy(dst, b.bytes.data(), static_cast<size_t>(nbytes));
+      return true;
+    }
+  }
+  return pread_all(f.fd, dst, nbytes, off);
+}
+
 }  // namespace
 
 bool unit_open(UnitTable& U, int32_t unit, const std::string& path, int64_t reclen) {
@@ -153,7 +194,7 @@ bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nby
   const int64_t off = readable_offset(U, unit, rec, nbytes, c);
   if (off == kNoRecord) return false;
   if (nbytes == 0) return true;
-  return pread_all(c->file->fd, dst, nbytes, off);
+  return read_at(*c->file, dst, nbytes, off);
 }
 
 Connection unit_connection(const UnitTable& U, int32_t unit) {
@@ -241,6 +282,9 @@ void close_all_units(UnitTable& U) {
         continue;
       }
       std::erase_if(k.file->walks, [](const auto& w) { return w.second->end_status == 2; });
+      // Blocks serve one call: the next takes the file as the stat finds it.
+      k.file->blocks = {};
+      k.file->recent_ends = {-1, -1, -1, -1};
       ++it;
     }
     if (U.files.size() > UnitTable::kKeptFiles) {
@@ -294,7 +338,7 @@ bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t 
   const int64_t off = record_offset(rec, c.reclen);
   if (off == kNoRecord || off > c.file->size - nbytes) return false;
   if (byte_offset < 0 || len <= 0 || byte_offset > nbytes - len) return true;
-  return pread_all(c.file->fd, dst, len, off + byte_offset);
+  return read_at(*c.file, dst, len, off + byte_offset);
 }
 
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {
