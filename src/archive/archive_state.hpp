@@ -40,14 +40,14 @@ struct WalkKey {
 struct ReadBlock {
   int64_t off = 0;
   int64_t len = 0;  // 0: empty
-  std::vector<char> bytes;
+  std::unique_ptr<char[]> bytes;  // kBlockBytes once made
   uint64_t used = 0;  // when it last served a read
 };
 
 // An open archive file, shared by every unit connected to the same path,
 // with what was read from it once: the walks of its directory and its
 // first bytes (kept while the file is unchanged), and the blocks of the
-// current call with the ends of its recent small reads.
+// current call with the runs of its recent small reads.
 struct OpenFile {
   int fd = -1;
   int64_t size = 0;
@@ -55,7 +55,14 @@ struct OpenFile {
   std::array<unsigned char, 16> lead{};
   bool lead_read = false;
   std::array<ReadBlock, 4> blocks;
-  std::array<int64_t, 4> recent_ends{-1, -1, -1, -1};
+  // Runs of small reads, each close behind the one before: where the last
+  // ended, how many it counts, when it last grew.
+  struct ReadRun {
+    int64_t end = -1;
+    int32_t count = 0;
+    uint64_t used = 0;
+  };
+  std::array<ReadRun, 4> runs;
   uint64_t reads = 0;
   OpenFile() = default;
   OpenFile(const OpenFile&) = delete;
@@ -107,6 +114,10 @@ struct ArchiveState {
   std::array<char, 4> EXT_FIRST{' ', ' ', ' ', ' '};
   std::array<char, 4> EXT_SECOND{' ', ' ', ' ', ' '};
   std::array<char, 4> EXT_DIRECT{' ', ' ', ' ', ' '};
+  // The tag the extensions were last set from (none yet: blanks never match
+  // a row), and the file name of the last look-up, made in place.
+  std::array<char, 5> EXT_TAG{' ', ' ', ' ', ' ', ' '};
+  std::string lookup_name;
   // Digits and suffix length of the last direct-file name.
   std::string DIRECT_DIGITS;
   int32_t DIRECT_SUFFIX_LEN = 4;
@@ -138,6 +149,16 @@ struct UnitTable {
 
   std::map<int32_t, Connection> units;
   std::unordered_map<std::string, KeptFile> files;  // by path
+  // The last paths taken in this call, as the look-ups name them (with any
+  // trailing blanks) and the file each gave: a look-up that reconnects a
+  // unit to one of them needs no search.
+  struct Recent {
+    std::string path;
+    std::shared_ptr<OpenFile> file;
+    bool usable = false;
+  };
+  std::array<Recent, 2> recent;
+  int32_t recent_next = 0;
   bool keep_files = true;
   uint64_t call = 1;  // counts the calls closed by close_all_units
   // Files opened and directories walked (read from the file), for the tests

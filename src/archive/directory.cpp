@@ -112,7 +112,10 @@ void lookup(ArchiveReader A, int32_t unit, const std::string& name, int32_t name
   first = 0;
   nrec = 0;
   reclen = 0;
-  const std::string path = file_path(name, name_len);
+  // The name as the look-up gives it (cut or blank padded to NAME_LEN).
+  std::string padded;
+  if (name.size() != static_cast<size_t>(name_len)) padded = file_path(name, name_len);
+  const std::string& path = padded.empty() ? name : padded;
   if (!unit_open(A.units, unit, path, dir_record_bytes(wide))) {
     status = LOOKUP_OPEN_FAILED;
     error_line(A.diag, tag, serial);
@@ -198,7 +201,7 @@ void CREATE_F(ArchiveReader A, int32_t unit, const std::string& name, int32_t na
 
   // Replace any file of that name with a new, empty one.
   unit_close(A.units, unit);
-  A.units.files.erase(path);
+  forget_file(A.units, path);
   ::unlink(path.c_str());
   const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
   if (fd < 0) {

@@ -63,7 +63,7 @@ constexpr int64_t kStampTickNs = 20'000'000;
 // this call, or if its stamp is settled and the file at PATH still has it;
 // otherwise the file opened afresh (null when it cannot be opened, which
 // holds for the rest of the call).
-std::shared_ptr<OpenFile> open_cached(UnitTable& U, const std::string& raw_path) {
+std::shared_ptr<OpenFile> open_path(UnitTable& U, const std::string& raw_path) {
   const std::string path = trimmed(raw_path);
   auto it = U.files.find(path);
   if (it != U.files.end()) {
@@ -97,6 +97,26 @@ std::shared_ptr<OpenFile> open_cached(UnitTable& U, const std::string& raw_path)
   return k.file;
 }
 
+// open_path through the paths taken last in this call.
+std::shared_ptr<OpenFile> open_cached(UnitTable& U, const std::string& raw_path) {
+  for (const UnitTable::Recent& r : U.recent)
+    if (r.usable && r.path == raw_path) return r.file;
+  std::shared_ptr<OpenFile> f = open_path(U, raw_path);
+  UnitTable::Recent& r = U.recent[static_cast<size_t>(U.recent_next)];
+  U.recent_next = (U.recent_next + 1) % static_cast<int32_t>(U.recent.size());
+  r.path = raw_path;
+  r.file = f;
+  r.usable = true;
+  return f;
+}
+
+void forget_recent(UnitTable& U) {
+  for (UnitTable::Recent& r : U.recent) {
+    r.usable = false;
+    r.file.reset();
+  }
+}
+
 bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
   char* p = static_cast<char*>(dst);
   while (nbytes > 0) {
@@ -109,13 +129,18 @@ bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
   return true;
 }
 
-// Small reads that come close behind one another (records or values of
+// Small reads that come close behind others (records or values of
 // neighbouring records, as a snapshot of many items reads them) are served
-// from blocks of kBlockBytes read at once; a read far from the recent ones
-// goes to the file alone, so that scattered reads do not pay for a block.
+// from blocks read at once. A run of such reads, each within kNearBytes of
+// the end of the one before, reads a block from its third read on: of 8 KB,
+// doubling with each further read up to 64 KB. So a few neighbouring reads
+// cost about what they would alone, a long run costs a read per 64 KB, and
+// scattered reads go to the file alone. Runs are followed in four places of
+// the file at once (a snapshot reads element records and history records
+// in turn).
 constexpr int64_t kSmallRead = 8 << 10;
 constexpr int64_t kBlockBytes = 64 << 10;
-constexpr int64_t kNearBytes = 2 << 10;
+constexpr int64_t kNearBytes = 4 << 10;
 
 // NBYTES at OFF of F (which lie within the file) into DST.
 bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
@@ -123,27 +148,39 @@ bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
   ++f.reads;
   for (ReadBlock& b : f.blocks) {
     if (b.len > 0 && off >= b.off && off - b.off <= b.len - nbytes) {
-      std::memcpy(dst, b.bytes.data() + (off - b.off), static_cast<size_t>(nbytes));
+      std::memcpy(dst, b.bytes.get() + (off - b.off), static_cast<size_t>(nbytes));
       b.used = f.reads;
       return true;
     }
   }
-  bool near = false;
-  for (const int64_t end : f.recent_ends)
-    near = near || (end >= 0 && off >= end - kNearBytes && off <= end + kNearBytes);
-  std::rotate(f.recent_ends.rbegin(), f.recent_ends.rbegin() + 1, f.recent_ends.rend());
-  f.recent_ends[0] = off + nbytes;
-  if (near) {
-    ReadBlock& b = *std::min_element(f.blocks.begin(), f.blocks.end(),
-                                     [](const ReadBlock& x, const ReadBlock& y) { return x.used < y.used; });
-    const int64_t len = std::min(kBlockBytes, f.size - off);
-    b.bytes.resize(static_cast<size_t>(kBlockBytes));
+  // The run this read continues, or the one longest unused, which it starts.
+  OpenFile::ReadRun* run = nullptr;
+  for (OpenFile::ReadRun& r : f.runs)
+    if (r.end >= 0 && off >= r.end - kNearBytes && off <= r.end + kNearBytes) run = &r;
+  if (run == nullptr) {
+    run = &*std::min_element(f.runs.begin(), f.runs.end(),
+                             [](const auto& x, const auto& y) { return x.used < y.used; });
+    run->count = 0;
+  }
+  run->count = std::min(run->count + 1, 8);
+  run->end = off + nbytes;
+  run->used = f.reads;
+  if (run->count >= 3) {
+    ReadBlock& b = *std::min_element(
+        f.blocks.begin(), f.blocks.end(),
+        [](const ReadBlock& x, const ReadBlock& y) { return x.used < y.used; });
+    const int64_t want = std::min(kBlockBytes, int64_t{8 << 10} << (run->count - 3));
+    const int64_t len = std::min(want, f.size - off);
+    if (!b.bytes) b.bytes.reset(new char[kBlockBytes]);
     b.len = 0;
-    if (len >= nbytes && pread_all(f.fd, b.bytes.data(), len, off)) {
+    if (len >= nbytes && pread_all(f.fd, b.bytes.get(), len, off)) {
       b.off = off;
       b.len = len;
       b.used = f.reads;
-      std::memcpy(dst, b.bytes.data(), static_cast<size_t>(nbytes));
+      // The reads the block serves continue the run; the next miss comes
+      // behind it.
+      run->end = off + len;
+      std::memcpy(dst, b.bytes.get(), static_cast<size_t>(nbytes));
       return true;
     }
   }
@@ -270,6 +307,7 @@ bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int6
 
 void close_all_units(UnitTable& U) {
   U.units.clear();
+  forget_recent(U);
   if (!U.keep_files) {
     U.files.clear();
   } else {
@@ -284,7 +322,7 @@ void close_all_units(UnitTable& U) {
       std::erase_if(k.file->walks, [](const auto& w) { return w.second->end_status == 2; });
       // Blocks serve one call: the next takes the file as the stat finds it.
       k.file->blocks = {};
-      k.file->recent_ends = {-1, -1, -1, -1};
+      k.file->runs = {};
       ++it;
     }
     if (U.files.size() > UnitTable::kKeptFiles) {
@@ -299,7 +337,13 @@ void close_all_units(UnitTable& U) {
 
 void release_files(UnitTable& U) {
   U.units.clear();
+  forget_recent(U);
   U.files.clear();
+}
+
+void forget_file(UnitTable& U, const std::string& path) {
+  forget_recent(U);
+  U.files.erase(trimmed(path));
 }
 
 std::shared_ptr<DirWalk>* kept_walk(UnitTable& U, int32_t unit, const WalkKey& key) {

@@ -76,6 +76,8 @@ int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes);
 void close_all_units(UnitTable& U);
 // Closes every unit and every kept file.
 void release_files(UnitTable& U);
+// Drops the kept file at PATH (about to be replaced): the next use opens it.
+void forget_file(UnitTable& U, const std::string& path);
 // The walk under KEY of the directory of the file connected to UNIT, kept
 // with the open file (null until one is made and stored there); no place at
 // all when UNIT is not connected.
