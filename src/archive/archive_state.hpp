@@ -121,6 +121,9 @@ struct ArchiveState {
   // Digits and suffix length of the last direct-file name.
   std::string DIRECT_DIGITS;
   int32_t DIRECT_SUFFIX_LEN = 4;
+  // The file number DIRECT_DIGITS was last formed from, if any.
+  bool direct_digits_set = false;
+  int32_t direct_digits_no = 0;
   int32_t READ_METHOD = 0;
   Tag4 SEC_TAG{' ', ' ', ' ', ' '};
   int32_t SEC_SERIAL = 0;

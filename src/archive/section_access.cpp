@@ -92,12 +92,18 @@ SectionRef lookup_direct(ArchiveReader A, const Tag4& tag, int32_t serial, int32
   S.SEC_SERIAL = serial;
   set_extensions(S);
   // A number of three digits or more keeps the digits of the last name.
-  if (file_no < 10) {
+  if (S.direct_digits_set && file_no == S.direct_digits_no) {
+    // The digits and suffix length of this number are in place.
+  } else if (file_no < 10) {
     S.DIRECT_DIGITS = format_int(file_no, 1);
     S.DIRECT_SUFFIX_LEN = 5;
+    S.direct_digits_set = true;
+    S.direct_digits_no = file_no;
   } else if (file_no <= 99) {
     S.DIRECT_DIGITS = format_int(file_no, 2);
     S.DIRECT_SUFFIX_LEN = 6;
+    S.direct_digits_set = true;
+    S.direct_digits_no = file_no;
   }
   std::string& name = S.lookup_name;
   name.assign(S.FNAME, 0, static_cast<size_t>(S.FNAME_LEN))

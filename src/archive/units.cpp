@@ -191,10 +191,11 @@ bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
 }  // namespace
 
 bool unit_open(UnitTable& U, int32_t unit, const std::string& path, int64_t reclen) {
-  unit_close(U, unit);
-  if (reclen <= 0) return false;
-  auto f = open_cached(U, path);
-  if (!f) return false;
+  std::shared_ptr<OpenFile> f = reclen > 0 ? open_cached(U, path) : nullptr;
+  if (!f) {
+    unit_close(U, unit);
+    return false;
+  }
   Connection& c = U.units[unit];
   c.file = std::move(f);
   c.reclen = reclen;
