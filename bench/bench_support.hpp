@@ -78,14 +78,18 @@ inline Request snapshot_request(const std::string& base, int32_t elem_type, int3
   return q;
 }
 
+// Medians of an alternation of a kernel and its baseline.
+struct Alternation {
+  double kernel_ms = 0, base_ms = 0, ratio = 0, ratio_min = 0, ratio_max = 0;
+};
+
 // Runs KERNEL and BASELINE in alternation, ROUNDS pairs after one warm-up
-// pair, and reports as counters of ST the median time of each (ms), the
-// median of the per-pair ratios kernel / baseline and its spread (the
-// smallest and the largest ratio); the line is printed as well, under
-// LABEL. Set the benchmark to one iteration.
+// pair: the median time of each (ms), the median of the per-pair ratios
+// kernel / baseline and its spread (the smallest and the largest ratio).
+// The line is printed under LABEL.
 template <class Kernel, class Baseline>
-void alternate(benchmark::State& st, const std::string& label, Kernel kernel, Baseline baseline,
-               int rounds = 9) {
+Alternation alternate_pairs(const std::string& label, Kernel kernel, Baseline baseline,
+                            int rounds = 9) {
   using Clock = std::chrono::steady_clock;
   auto time = [](auto& f) {
     const auto t0 = Clock::now();
@@ -93,30 +97,38 @@ void alternate(benchmark::State& st, const std::string& label, Kernel kernel, Ba
     return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
   };
   std::vector<double> tk, tb, ratio;
-  for (auto _ : st) {
-    time(kernel);
-    time(baseline);
-    for (int i = 0; i < rounds; ++i) {
-      const double k = time(kernel);
-      const double b = time(baseline);
-      tk.push_back(k);
-      tb.push_back(b);
-      ratio.push_back(k / b);
-    }
+  time(kernel);
+  time(baseline);
+  for (int i = 0; i < rounds; ++i) {
+    const double k = time(kernel);
+    const double b = time(baseline);
+    tk.push_back(k);
+    tb.push_back(b);
+    ratio.push_back(k / b);
   }
   auto median = [](std::vector<double> v) {
     std::sort(v.begin(), v.end());
     return v.empty() ? 0.0 : v[v.size() / 2];
   };
-  st.counters["kernel_ms"] = median(tk);
-  st.counters["base_ms"] = median(tb);
-  st.counters["ratio"] = median(ratio);
-  st.counters["ratio_min"] = *std::min_element(ratio.begin(), ratio.end());
-  st.counters["ratio_max"] = *std::max_element(ratio.begin(), ratio.end());
-  std::printf("%s: kernel %.3f ms, baseline %.3f ms, ratio %.2f (%.2f..%.2f)\n",
-              label.c_str(), median(tk), median(tb), median(ratio),
-              *std::min_element(ratio.begin(), ratio.end()),
-              *std::max_element(ratio.begin(), ratio.end()));
+  Alternation a{median(tk), median(tb), median(ratio),
+                *std::min_element(ratio.begin(), ratio.end()),
+                *std::max_element(ratio.begin(), ratio.end())};
+  std::printf("%s: kernel %.3f ms, baseline %.3f ms, ratio %.2f (%.2f..%.2f)\n", label.c_str(),
+              a.kernel_ms, a.base_ms, a.ratio, a.ratio_min, a.ratio_max);
+  return a;
+}
+
+// alternate_pairs as the one iteration of ST, its figures as ST's counters.
+template <class Kernel, class Baseline>
+void alternate(benchmark::State& st, const std::string& label, Kernel kernel, Baseline baseline,
+               int rounds = 9) {
+  Alternation a;
+  for (auto _ : st) a = alternate_pairs(label, kernel, baseline, rounds);
+  st.counters["kernel_ms"] = a.kernel_ms;
+  st.counters["base_ms"] = a.base_ms;
+  st.counters["ratio"] = a.ratio;
+  st.counters["ratio_min"] = a.ratio_min;
+  st.counters["ratio_max"] = a.ratio_max;
 }
 
 }  // namespace respcore::bench

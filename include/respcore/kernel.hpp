@@ -91,6 +91,16 @@ class RESPCORE_API Kernel {
                   double* TDSP_COMP, const int32_t* INUM_SERIAL, const int32_t* INUM_ELEMNT,
                   int32_t axis_flag);
 
+  // Between calls the kernel keeps the archive files open, with their
+  // directories read, and takes them in a later call only when a stat of
+  // the path shows the same file (device, inode, size, time stamps); at most
+  // a few dozen files are kept, and all are closed with the kernel. Off:
+  // every call opens the files and reads the directories afresh, and the
+  // kept files are closed now. On by default, unless the environment
+  // variable RESPCORE_FILE_CACHE is "0"; the results are the same either way.
+  void set_file_cache(bool on);
+  bool file_cache() const;
+
   // The element message sink (unit 78), accumulated over the runs.
   const std::string& messages() const;
   void clear_messages();

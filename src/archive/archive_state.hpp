@@ -15,11 +15,58 @@
 
 namespace respcore {
 
-// An open archive file, shared by every unit connected to the same path
-// within one call.
+// The walk of a directory from its first head record: every entry passed
+// before the walk ended, and how it ended (4: a blank entry or the end of the
+// chain; 2: a read error; 7: a head that does not fit). A look-up replays it
+// instead of reading the directory again; FIRST_OF gives the position in
+// ENTRIES of the first entry of each tag and serial.
+struct DirWalk {
+  std::vector<DirEntry> entries;
+  std::unordered_map<uint64_t, size_t> first_of;
+  int32_t end_status = 4;
+};
+
+// What a walk depends on besides the file: the form, the file code and the
+// version the head must carry.
+struct WalkKey {
+  bool wide = false;
+  int32_t file_code = 0;
+  uint32_t version_bits = 0;
+  bool operator==(const WalkKey&) const = default;
+};
+
+// A span of a file read at once, from which the small reads that fall in
+// it are served for the rest of the call.
+struct ReadBlock {
+  int64_t off = 0;
+  int64_t len = 0;  // 0: empty
+  std::unique_ptr<char[]> bytes;  // kBlockBytes once made
+  uint64_t used = 0;  // when it last served a read
+};
+
+// An open archive file, shared by every unit connected to the same path,
+// with what was read from it once: the walks of its directory and its
+// first bytes (kept while the file is unchanged), and the blocks of the
+// current call with the runs of its recent small reads.
 struct OpenFile {
   int fd = -1;
   int64_t size = 0;
+  std::vector<std::pair<WalkKey, std::shared_ptr<DirWalk>>> walks;
+  std::array<unsigned char, 16> lead{};
+  bool lead_read = false;
+  std::array<ReadBlock, 4> blocks;
+  // Runs of small reads, each close behind the one before: where the last
+  // ended, how many it counts, when it last grew.
+  struct ReadRun {
+    int64_t end = -1;
+    int32_t count = 0;
+    uint64_t used = 0;
+  };
+  std::array<ReadRun, 4> runs;
+  uint64_t reads = 0;
+  OpenFile() = default;
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
   ~OpenFile();
 };
 
@@ -30,13 +77,26 @@ struct Connection {
   int64_t reclen = 0;              // bytes
 };
 
-// The walk of a directory from its first head record, kept for the call:
-// every entry passed before the walk ended, and how it ended (4: a blank
-// entry or the end of the chain; 2: a read error; 7: a head that does not
-// fit). A look-up replays it instead of reading the directory again.
-struct DirWalk {
-  std::vector<DirEntry> entries;
-  int32_t end_status = 4;
+// What tells one content of a file from another between calls: a file
+// rewritten or replaced has another inode, size or time stamp.
+struct FileStamp {
+  uint64_t dev = 0, ino = 0;
+  int64_t size = 0;
+  int64_t mtime_ns = 0, ctime_ns = 0;
+  bool operator==(const FileStamp&) const = default;
+};
+
+// A file as the unit table keeps it: open, with its stamp. A null FILE is a
+// path that could not be opened in the current call.
+struct KeptFile {
+  std::shared_ptr<OpenFile> file;
+  FileStamp stamp;
+  // The stamp was older than the opening by more than the file system's
+  // clock tick, so any later write gives the file another stamp. A file
+  // written moments before it was opened could be written again under the
+  // same stamp: it is opened and read afresh in the next call.
+  bool settled = false;
+  uint64_t used_in_call = 0;  // the last call that checked the stamp and used the file
 };
 
 // Directory constants and the last records read, shared by the look-ups and
@@ -54,9 +114,16 @@ struct ArchiveState {
   std::array<char, 4> EXT_FIRST{' ', ' ', ' ', ' '};
   std::array<char, 4> EXT_SECOND{' ', ' ', ' ', ' '};
   std::array<char, 4> EXT_DIRECT{' ', ' ', ' ', ' '};
+  // The tag the extensions were last set from (none yet: blanks never match
+  // a row), and the file name of the last look-up, made in place.
+  std::array<char, 5> EXT_TAG{' ', ' ', ' ', ' ', ' '};
+  std::string lookup_name;
   // Digits and suffix length of the last direct-file name.
   std::string DIRECT_DIGITS;
   int32_t DIRECT_SUFFIX_LEN = 4;
+  // The file number DIRECT_DIGITS was last formed from, if any.
+  bool direct_digits_set = false;
+  int32_t direct_digits_no = 0;
   int32_t READ_METHOD = 0;
   Tag4 SEC_TAG{' ', ' ', ' ', ' '};
   int32_t SEC_SERIAL = 0;
@@ -72,12 +139,35 @@ struct ArchiveState {
   int32_t material_number = 0;
 };
 
-// Units and the per-call caches behind them. Everything here is released
-// when a call closes its units.
+// Units and the files behind them. The connections last one call; the open
+// files and their directory walks are kept between calls (unless KEEP_FILES
+// is off), each checked against the file's stamp in the first call that uses
+// it, and at most kKeptFiles of them, the most recently used.
 struct UnitTable {
+  UnitTable();
+  UnitTable(const UnitTable&) = delete;
+  UnitTable& operator=(const UnitTable&) = delete;
+
+  static constexpr size_t kKeptFiles = 32;
+
   std::map<int32_t, Connection> units;
-  std::unordered_map<std::string, std::shared_ptr<OpenFile>> files;  // null: cannot be opened
-  std::unordered_map<std::string, std::shared_ptr<DirWalk>> walks;
+  std::unordered_map<std::string, KeptFile> files;  // by path
+  // The last paths taken in this call, as the look-ups name them (with any
+  // trailing blanks) and the file each gave: a look-up that reconnects a
+  // unit to one of them needs no search.
+  struct Recent {
+    std::string path;
+    std::shared_ptr<OpenFile> file;
+    bool usable = false;
+  };
+  std::array<Recent, 2> recent;
+  int32_t recent_next = 0;
+  bool keep_files = true;
+  uint64_t call = 1;  // counts the calls closed by close_all_units
+  // Files opened and directories walked (read from the file), for the tests
+  // of the keeping.
+  uint64_t opened = 0;
+  uint64_t walked = 0;
 };
 
 }  // namespace respcore

@@ -29,50 +29,75 @@ void error_line(Diagnostics& D, const Tag4& tag, int32_t serial) {
   print_line(D, line);
 }
 
+uint64_t entry_key(const Tag4& tag, int32_t serial) {
+  uint32_t t;
+  std::memcpy(&t, tag.data(), 4);
+  return (uint64_t{t} << 32) | static_cast<uint32_t>(serial);
+}
+
 // Walks the directory of the file connected to UNIT from record 1 and records
-// every entry up to where the search of any tag would end.
+// every entry up to where the search of any tag would end. Records are read
+// in windows of kWindow, with the outcome of reading them one by one: a
+// chain of blocks laid one behind the other (as they usually are) costs a
+// read per window, not two per block.
 std::shared_ptr<DirWalk> walk_directory(UnitTable& U, int32_t unit, bool wide, int32_t file_code,
                                         float expected_version) {
+  ++U.walked;
   auto walk = std::make_shared<DirWalk>();
+  auto finish = [&](int32_t status) {
+    walk->end_status = status;
+    walk->first_of.reserve(walk->entries.size());
+    for (size_t i = 0; i < walk->entries.size(); ++i) {
+      const DirEntry& e = walk->entries[i];
+      walk->first_of.emplace(entry_key(e.tag, e.serial), i);
+    }
+    return walk;
+  };
+  constexpr int64_t kWindow = 512;
+  const int64_t rec_bytes = dir_record_bytes(wide);
+  std::vector<unsigned char> window(static_cast<size_t>(kWindow * rec_bytes));
+  std::vector<char> ok;
+  int64_t window_first = 0;  // no window yet
+  // Record R whole, or null when it cannot be read.
+  auto record = [&](int64_t r) -> const unsigned char* {
+    if (r == kNoRecord) return nullptr;
+    if (window_first == 0 || r < window_first || r - window_first >= kWindow) {
+      read_records(U, unit, r, kWindow, rec_bytes, window.data(), &ok);
+      window_first = r;
+    }
+    const int64_t i = r - window_first;
+    return ok[static_cast<size_t>(i)] ? window.data() + i * rec_bytes : nullptr;
+  };
   std::unordered_set<int64_t> visited;
   int64_t H = 1;
   for (;;) {
     // A chain that comes back to a head already read would be searched
     // forever; it ends the search as the end of the chain does.
-    if (!visited.insert(H).second) {
-      walk->end_status = LOOKUP_NOT_FOUND;
-      return walk;
-    }
+    if (!visited.insert(H).second) return finish(LOOKUP_NOT_FOUND);
+    // The head needs only its fields (the 64-bit head has spare bytes at the
+    // end, which a file may cut).
     unsigned char rec[DIR_WORDS_64 * DIR_BYTES_PER_WORD];
-    if (!read_record(U, unit, H, rec, dir_head_bytes(wide))) {
-      walk->end_status = LOOKUP_READ_ERROR;
-      return walk;
+    const unsigned char* h = record(H);
+    if (h == nullptr) {
+      if (!read_record(U, unit, H, rec, dir_head_bytes(wide))) return finish(LOOKUP_READ_ERROR);
+      h = rec;
     }
-    const DirHead head = decode_head(rec, wide);
+    const DirHead head = decode_head(h, wide);
     if (std::memcmp(head.identifier.data(), DIR_IDENTIFIER, 4) != 0 ||
         head.version != expected_version || head.file_code != file_code ||
         head.entries != DIR_ENTRIES_PER_BLOCK) {
-      walk->end_status = LOOKUP_BAD_HEAD;
-      return walk;
+      return finish(LOOKUP_BAD_HEAD);
     }
-    for (int64_t n = 1; n <= head.entries; ++n) {
-      // Entry N of the block lies at record H + N.
-      if (!read_record(U, unit, record_number(H, n + 1), rec, dir_record_bytes(wide))) {
-        walk->end_status = LOOKUP_READ_ERROR;
-        return walk;
-      }
-      const DirEntry e = decode_entry(rec, wide);
-      if (e.tag == BLANK_TAG) {
-        walk->end_status = LOOKUP_NOT_FOUND;
-        return walk;
-      }
+    // Entry N of the block lies at record H + N.
+    for (int64_t n = 1; n <= DIR_ENTRIES_PER_BLOCK; ++n) {
+      const unsigned char* p = record(record_number(H, n + 1));
+      if (p == nullptr) return finish(LOOKUP_READ_ERROR);
+      const DirEntry e = decode_entry(p, wide);
+      if (e.tag == BLANK_TAG) return finish(LOOKUP_NOT_FOUND);
       walk->entries.push_back(e);
     }
     H = head.next;
-    if (H == 0) {
-      walk->end_status = LOOKUP_NOT_FOUND;
-      return walk;
-    }
+    if (H == 0) return finish(LOOKUP_NOT_FOUND);
   }
 }
 
@@ -87,41 +112,40 @@ void lookup(ArchiveReader A, int32_t unit, const std::string& name, int32_t name
   first = 0;
   nrec = 0;
   reclen = 0;
-  const std::string path = file_path(name, name_len);
+  // The name as the look-up gives it (cut or blank padded to NAME_LEN).
+  std::string padded;
+  if (name.size() != static_cast<size_t>(name_len)) padded = file_path(name, name_len);
+  const std::string& path = padded.empty() ? name : padded;
   if (!unit_open(A.units, unit, path, dir_record_bytes(wide))) {
     status = LOOKUP_OPEN_FAILED;
     error_line(A.diag, tag, serial);
     return;
   }
   // The walk depends on the file, the form, the file code and the version
-  // expected; within a call the file does not change.
-  const float version = A.state.dir.version;
-  std::string key = path;
-  key.push_back('\0');
-  key += wide ? 'W' : 'P';
-  key += std::to_string(file_code);
-  key.push_back('/');
-  uint32_t vbits;
-  std::memcpy(&vbits, &version, 4);
-  key += std::to_string(vbits);
-  auto& cached = A.units.walks[key];
-  if (!cached) cached = walk_directory(A.units, unit, wide, file_code, version);
-  for (const DirEntry& e : cached->entries) {
-    if (e.tag == tag && e.serial == serial) {
-      first = e.first;
-      nrec =
-          static_cast<int64_t>(static_cast<uint64_t>(e.last) - static_cast<uint64_t>(e.first) + 1u);
-      reclen = e.reclen;
-      if (!unit_open(A.units, unit, path, int64_t{DIR_BYTES_PER_WORD} * reclen)) {
-        status = LOOKUP_OPEN_FAILED;
-        error_line(A.diag, tag, serial);
-        return;
-      }
-      status = LOOKUP_FOUND;
+  // expected; it is kept with the open file as long as the file is unchanged.
+  WalkKey key{wide, file_code, 0};
+  std::memcpy(&key.version_bits, &A.state.dir.version, 4);
+  std::shared_ptr<DirWalk> fresh;
+  std::shared_ptr<DirWalk>* slot = kept_walk(A.units, unit, key);
+  std::shared_ptr<DirWalk>& cached = slot != nullptr ? *slot : fresh;
+  if (!cached) cached = walk_directory(A.units, unit, wide, file_code, A.state.dir.version);
+  const DirWalk& walk = *cached;
+  const auto hit = walk.first_of.find(entry_key(tag, serial));
+  if (hit != walk.first_of.end()) {
+    const DirEntry& e = walk.entries[hit->second];
+    first = e.first;
+    nrec =
+        static_cast<int64_t>(static_cast<uint64_t>(e.last) - static_cast<uint64_t>(e.first) + 1u);
+    reclen = e.reclen;
+    if (!unit_open(A.units, unit, path, int64_t{DIR_BYTES_PER_WORD} * reclen)) {
+      status = LOOKUP_OPEN_FAILED;
+      error_line(A.diag, tag, serial);
       return;
     }
+    status = LOOKUP_FOUND;
+    return;
   }
-  status = cached->end_status;
+  status = walk.end_status;
   if (status != LOOKUP_NOT_FOUND) error_line(A.diag, tag, serial);
 }
 
@@ -177,8 +201,7 @@ void CREATE_F(ArchiveReader A, int32_t unit, const std::string& name, int32_t na
 
   // Replace any file of that name with a new, empty one.
   unit_close(A.units, unit);
-  A.units.files.erase(path);
-  A.units.walks.clear();
+  forget_file(A.units, path);
   ::unlink(path.c_str());
   const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
   if (fd < 0) {

@@ -54,7 +54,8 @@ SectionRef lookup_main(ArchiveReader A, ArchiveFileKind kind, const Tag4& tag, i
   S.SEC_SERIAL = serial;
   set_extensions(S);
   const auto& ext = first_file ? S.EXT_FIRST : S.EXT_SECOND;
-  const std::string name = base_name(S) + std::string(ext.data(), 4);
+  std::string& name = S.lookup_name;
+  name.assign(S.FNAME, 0, static_cast<size_t>(S.FNAME_LEN)).append(ext.data(), 4);
   const int32_t name_len = S.FNAME_LEN + 4;
   SectionRef r;
   r.unit = first_file ? UNIT_FIRST : UNIT_SECOND;
@@ -91,14 +92,23 @@ SectionRef lookup_direct(ArchiveReader A, const Tag4& tag, int32_t serial, int32
   S.SEC_SERIAL = serial;
   set_extensions(S);
   // A number of three digits or more keeps the digits of the last name.
-  if (file_no < 10) {
+  if (S.direct_digits_set && file_no == S.direct_digits_no) {
+    // The digits and suffix length of this number are in place.
+  } else if (file_no < 10) {
     S.DIRECT_DIGITS = format_int(file_no, 1);
     S.DIRECT_SUFFIX_LEN = 5;
+    S.direct_digits_set = true;
+    S.direct_digits_no = file_no;
   } else if (file_no <= 99) {
     S.DIRECT_DIGITS = format_int(file_no, 2);
     S.DIRECT_SUFFIX_LEN = 6;
+    S.direct_digits_set = true;
+    S.direct_digits_no = file_no;
   }
-  const std::string name = base_name(S) + std::string(S.EXT_DIRECT.data(), 4) + S.DIRECT_DIGITS;
+  std::string& name = S.lookup_name;
+  name.assign(S.FNAME, 0, static_cast<size_t>(S.FNAME_LEN))
+      .append(S.EXT_DIRECT.data(), 4)
+      .append(S.DIRECT_DIGITS);
   const int32_t name_len = S.FNAME_LEN + S.DIRECT_SUFFIX_LEN;
   SectionRef r;
   r.unit = UNIT_DIRECT;
@@ -203,8 +213,11 @@ std::pair<int64_t, int64_t> ArchiveReader::readable_indices(const SectionRef& s,
 void ArchiveReader::close(const SectionRef& s) { unit_close(units, s.unit); }
 
 void set_extensions(ArchiveState& S) {
+  // Every look-up sets them; the tag rarely changes between two.
+  if (S.PRODUCT_TAG == S.EXT_TAG) return;
   for (const ExtensionRow& row : kExtensions) {
     if (std::memcmp(S.PRODUCT_TAG.data(), row.tag, 5) == 0) {
+      S.EXT_TAG = S.PRODUCT_TAG;
       std::memcpy(S.EXT_FIRST.data(), row.first, 4);
       std::memcpy(S.EXT_SECOND.data(), row.second, 4);
       std::memcpy(S.EXT_DIRECT.data(), row.direct, 4);
@@ -249,7 +262,7 @@ void FIND_READING_RESULT_METHOD(ArchiveReader A) {
     result = 1;
   } else {
     unsigned char head[12];
-    if (!read_record(A.units, UNIT_FIRST, 1, head, 12)) {
+    if (!read_lead(A.units, UNIT_FIRST, head, 12)) {
       result = 2;
     } else if (head_version(head) == dir_version(true)) {
       S.READ_METHOD = 1;

@@ -4,7 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <limits>
 #include <vector>
 
@@ -18,6 +21,22 @@ OpenFile::~OpenFile() {
 
 namespace {
 
+// RESPCORE_FILE_CACHE=0 starts every unit table with files closed at the end
+// of each call.
+bool keep_files_by_default() {
+  static const bool keep = [] {
+    const char* v = std::getenv("RESPCORE_FILE_CACHE");
+    return v == nullptr || std::strcmp(v, "0") != 0;
+  }();
+  return keep;
+}
+
+}  // namespace
+
+UnitTable::UnitTable() : keep_files(keep_files_by_default()) {}
+
+namespace {
+
 // Trailing blanks of a file name do not count.
 std::string trimmed(const std::string& path) {
   size_t n = path.size();
@@ -25,26 +44,77 @@ std::string trimmed(const std::string& path) {
   return path.substr(0, n);
 }
 
-std::shared_ptr<OpenFile> open_cached(UnitTable& U, const std::string& raw_path) {
+int64_t nanoseconds(const timespec& t) {
+  return static_cast<int64_t>(t.tv_sec) * 1000000000 + static_cast<int64_t>(t.tv_nsec);
+}
+
+FileStamp stamp_of(const struct stat& st) {
+  return FileStamp{static_cast<uint64_t>(st.st_dev), static_cast<uint64_t>(st.st_ino),
+                   static_cast<int64_t>(st.st_size), nanoseconds(st.st_mtim),
+                   nanoseconds(st.st_ctim)};
+}
+
+// File time stamps come from a clock that advances by ticks of at most 10 ms
+// (and may lag the real-time clock by one); a stamp older than the opening
+// by more than this is one that no later write can repeat.
+constexpr int64_t kStampTickNs = 20'000'000;
+
+// The file at PATH for the current call: the kept one if it was checked in
+// this call, or if its stamp is settled and the file at PATH still has it;
+// otherwise the file opened afresh (null when it cannot be opened, which
+// holds for the rest of the call).
+std::shared_ptr<OpenFile> open_path(UnitTable& U, const std::string& raw_path) {
   const std::string path = trimmed(raw_path);
   auto it = U.files.find(path);
-  if (it != U.files.end()) return it->second;
-  std::shared_ptr<OpenFile> f;
-  if (!path.empty()) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd >= 0) {
-      struct stat st {};
-      if (::fstat(fd, &st) == 0 && !S_ISDIR(st.st_mode)) {
-        f = std::make_shared<OpenFile>();
-        f->fd = fd;
-        f->size = static_cast<int64_t>(st.st_size);
-      } else {
-        ::close(fd);
-      }
+  if (it != U.files.end()) {
+    KeptFile& k = it->second;
+    if (k.used_in_call == U.call) return k.file;
+    struct stat st {};
+    if (k.file && k.settled && ::stat(path.c_str(), &st) == 0 && stamp_of(st) == k.stamp) {
+      k.used_in_call = U.call;
+      return k.file;
     }
   }
-  U.files.emplace(path, f);
+  KeptFile& k = U.files[path];
+  k = KeptFile{};
+  k.used_in_call = U.call;
+  if (path.empty()) return nullptr;
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return nullptr;
+  ++U.opened;
+  struct stat st {};
+  if (::fstat(fd, &st) != 0 || S_ISDIR(st.st_mode)) {
+    ::close(fd);
+    return nullptr;
+  }
+  k.file = std::make_shared<OpenFile>();
+  k.file->fd = fd;
+  k.file->size = static_cast<int64_t>(st.st_size);
+  k.stamp = stamp_of(st);
+  k.settled = std::max(k.stamp.mtime_ns, k.stamp.ctime_ns) < nanoseconds(now) - kStampTickNs;
+  return k.file;
+}
+
+// open_path through the paths taken last in this call.
+std::shared_ptr<OpenFile> open_cached(UnitTable& U, const std::string& raw_path) {
+  for (const UnitTable::Recent& r : U.recent)
+    if (r.usable && r.path == raw_path) return r.file;
+  std::shared_ptr<OpenFile> f = open_path(U, raw_path);
+  UnitTable::Recent& r = U.recent[static_cast<size_t>(U.recent_next)];
+  U.recent_next = (U.recent_next + 1) % static_cast<int32_t>(U.recent.size());
+  r.path = raw_path;
+  r.file = f;
+  r.usable = true;
   return f;
+}
+
+void forget_recent(UnitTable& U) {
+  for (UnitTable::Recent& r : U.recent) {
+    r.usable = false;
+    r.file.reset();
+  }
 }
 
 bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
@@ -59,13 +129,73 @@ bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
   return true;
 }
 
+// Small reads that come close behind others (records or values of
+// neighbouring records, as a snapshot of many items reads them) are served
+// from blocks read at once. A run of such reads, each within kNearBytes of
+// the end of the one before, reads a block from its third read on: of 8 KB,
+// doubling with each further read up to 64 KB. So a few neighbouring reads
+// cost about what they would alone, a long run costs a read per 64 KB (at
+// the widest spacing followed, 4 KB, a block serves 16 reads, for about
+// what they cost alone), and scattered reads go to the file alone. Runs are followed in four places of
+// the file at once (a snapshot reads element records and history records
+// in turn).
+constexpr int64_t kSmallRead = 8 << 10;
+constexpr int64_t kBlockBytes = 64 << 10;
+constexpr int64_t kNearBytes = 4 << 10;
+
+// NBYTES at OFF of F (which lie within the file) into DST.
+bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
+  if (nbytes > kSmallRead) return pread_all(f.fd, dst, nbytes, off);
+  ++f.reads;
+  for (ReadBlock& b : f.blocks) {
+    if (b.len > 0 && off >= b.off && off - b.off <= b.len - nbytes) {
+      std::memcpy(dst, b.bytes.get() + (off - b.off), static_cast<size_t>(nbytes));
+      b.used = f.reads;
+      return true;
+    }
+  }
+  // The run this read continues, or the one longest unused, which it starts.
+  OpenFile::ReadRun* run = nullptr;
+  for (OpenFile::ReadRun& r : f.runs)
+    if (r.end >= 0 && off >= r.end - kNearBytes && off <= r.end + kNearBytes) run = &r;
+  if (run == nullptr) {
+    run = &*std::min_element(f.runs.begin(), f.runs.end(),
+                             [](const auto& x, const auto& y) { return x.used < y.used; });
+    run->count = 0;
+  }
+  run->count = std::min(run->count + 1, 8);
+  run->end = off + nbytes;
+  run->used = f.reads;
+  if (run->count >= 3) {
+    ReadBlock& b = *std::min_element(
+        f.blocks.begin(), f.blocks.end(),
+        [](const ReadBlock& x, const ReadBlock& y) { return x.used < y.used; });
+    const int64_t want = std::min(kBlockBytes, int64_t{8 << 10} << (run->count - 3));
+    const int64_t len = std::min(want, f.size - off);
+    if (!b.bytes) b.bytes.reset(new char[kBlockBytes]);
+    b.len = 0;
+    if (len >= nbytes && pread_all(f.fd, b.bytes.get(), len, off)) {
+      b.off = off;
+      b.len = len;
+      b.used = f.reads;
+      // The reads the block serves continue the run; the next miss comes
+      // behind it.
+      run->end = off + len;
+      std::memcpy(dst, b.bytes.get(), static_cast<size_t>(nbytes));
+      return true;
+    }
+  }
+  return pread_all(f.fd, dst, nbytes, off);
+}
+
 }  // namespace
 
 bool unit_open(UnitTable& U, int32_t unit, const std::string& path, int64_t reclen) {
-  unit_close(U, unit);
-  if (reclen <= 0) return false;
-  auto f = open_cached(U, path);
-  if (!f) return false;
+  std::shared_ptr<OpenFile> f = reclen > 0 ? open_cached(U, path) : nullptr;
+  if (!f) {
+    unit_close(U, unit);
+    return false;
+  }
   Connection& c = U.units[unit];
   c.file = std::move(f);
   c.reclen = reclen;
@@ -103,7 +233,7 @@ bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nby
   const int64_t off = readable_offset(U, unit, rec, nbytes, c);
   if (off == kNoRecord) return false;
   if (nbytes == 0) return true;
-  return pread_all(c->file->fd, dst, nbytes, off);
+  return read_at(*c->file, dst, nbytes, off);
 }
 
 Connection unit_connection(const UnitTable& U, int32_t unit) {
@@ -178,10 +308,68 @@ bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int6
 }
 
 void close_all_units(UnitTable& U) {
-  for (int32_t u : {32, 36, 63, 68, 78}) unit_close(U, u);
   U.units.clear();
+  forget_recent(U);
+  if (!U.keep_files) {
+    U.files.clear();
+  } else {
+    // Kept: files open and settled, with the walks that did not end in a
+    // read error (which may not recur). The rest is opened afresh when used.
+    for (auto it = U.files.begin(); it != U.files.end();) {
+      KeptFile& k = it->second;
+      if (!k.file || !k.settled) {
+        it = U.files.erase(it);
+        continue;
+      }
+      std::erase_if(k.file->walks, [](const auto& w) { return w.second->end_status == 2; });
+      // Blocks serve one call: the next takes the file as the stat finds it.
+      k.file->blocks = {};
+      k.file->runs = {};
+      ++it;
+    }
+    if (U.files.size() > UnitTable::kKeptFiles) {
+      std::vector<std::pair<uint64_t, std::string>> by_use;
+      for (const auto& [path, k] : U.files) by_use.emplace_back(k.used_in_call, path);
+      std::sort(by_use.begin(), by_use.end());
+      for (size_t i = 0; i + UnitTable::kKeptFiles < by_use.size(); ++i) U.files.erase(by_use[i].second);
+    }
+  }
+  ++U.call;
+}
+
+void release_files(UnitTable& U) {
+  U.units.clear();
+  forget_recent(U);
   U.files.clear();
-  U.walks.clear();
+}
+
+void forget_file(UnitTable& U, const std::string& path) {
+  forget_recent(U);
+  U.files.erase(trimmed(path));
+}
+
+std::shared_ptr<DirWalk>* kept_walk(UnitTable& U, int32_t unit, const WalkKey& key) {
+  const Connection* c = connection(U, unit);
+  if (c == nullptr) return nullptr;
+  auto& walks = c->file->walks;
+  for (auto& [k, w] : walks)
+    if (k == key) return &w;
+  return &walks.emplace_back(key, nullptr).second;
+}
+
+bool read_lead(UnitTable& U, int32_t unit, void* dst, int64_t nbytes) {
+  const Connection* c = connection(U, unit);
+  if (nbytes < 0 || nbytes > static_cast<int64_t>(sizeof(OpenFile::lead)))
+    return read_record(U, unit, 1, dst, nbytes);
+  if (c == nullptr || nbytes > c->reclen || nbytes > c->file->size) return false;
+  OpenFile& f = *c->file;
+  if (!f.lead_read) {
+    const int64_t n = std::min<int64_t>(f.size, sizeof f.lead);
+    if (!pread_all(f.fd, f.lead.data(), n, 0)) return false;
+    f.lead_read = true;
+  }
+  std::memcpy(dst, f.lead.data(), static_cast<size_t>(nbytes));
+  return true;
 }
 
 bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, int64_t byte_offset,
@@ -196,7 +384,7 @@ bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t 
   const int64_t off = record_offset(rec, c.reclen);
   if (off == kNoRecord || off > c.file->size - nbytes) return false;
   if (byte_offset < 0 || len <= 0 || byte_offset > nbytes - len) return true;
-  return pread_all(c.file->fd, dst, len, off + byte_offset);
+  return read_at(*c.file, dst, len, off + byte_offset);
 }
 
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {

@@ -1,13 +1,18 @@
 // File connections by unit number.
 //
 // A unit is a file plus the record length it was opened with; record R starts
-// at byte x length. Within one call every path is opened once and kept,
-// so that reconnecting a unit (which every section look-up does) costs no
-// system call; close_all_units() ends the call and releases everything.
+// at byte x length. Every path is opened once and kept, so that
+// reconnecting a unit (which every section look-up does) costs no system
+// call. close_all_units() ends a call: the connections go, the open files
+// and their directory walks stay for the next call, which takes them only
+// after a stat of the path shows the same file with the same size and time
+// stamps (archive_state.hpp, UnitTable).
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "archive/archive_state.hpp"
@@ -66,7 +71,19 @@ bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t 
 // there whatever count the directory claims.
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes);
 
-// Closes units 32, 36, 63, 68 and 78 and releases the call's caches.
+// Ends a call: closes every unit, keeps the files that may serve the next
+// call (all are closed when U.keep_files is off).
 void close_all_units(UnitTable& U);
+// Closes every unit and every kept file.
+void release_files(UnitTable& U);
+// Drops the kept file at PATH (about to be replaced): the next use opens it.
+void forget_file(UnitTable& U, const std::string& path);
+// The walk under KEY of the directory of the file connected to UNIT, kept
+// with the open file (null until one is made and stored there); no place at
+// all when UNIT is not connected.
+std::shared_ptr<DirWalk>* kept_walk(UnitTable& U, int32_t unit, const WalkKey& key);
+// As read_record of record 1 (NBYTES from the start of the file); the first
+// bytes are read once per open file and kept with it.
+bool read_lead(UnitTable& U, int32_t unit, void* dst, int64_t nbytes);
 
 }  // namespace respcore

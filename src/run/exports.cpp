@@ -100,6 +100,12 @@ int32_t Kernel::request(const char* name, int32_t name_length, int32_t elem_type
                      INUM_SERIAL, INUM_ELEMNT, axis_flag);
 }
 
+void Kernel::set_file_cache(bool on) {
+  state_->units.keep_files = on;
+  if (!on) release_files(state_->units);
+}
+bool Kernel::file_cache() const { return state_->units.keep_files; }
+
 const std::string& Kernel::messages() const { return state_->diag.messages; }
 void Kernel::clear_messages() { state_->diag.messages.clear(); }
 

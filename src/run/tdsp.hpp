@@ -6,6 +6,7 @@
 // A long history of one node therefore costs its handful of rows, not 350.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -60,13 +61,17 @@ class Tdsp {
   // within 1..350.
   double* row(int64_t r) {
     auto& v = rows_[static_cast<size_t>(r - 1)];
-    if (v.empty() && ncols_ > 0) v.assign(static_cast<size_t>(ncols_), 0.0);
+    if (v.empty() && ncols_ > 0) {
+      hold(v, r);
+      v.assign(static_cast<size_t>(ncols_), 0.0);
+    }
     return v.data();
   }
   // Row R (within 1..350) made afresh with unspecified contents, for a
   // caller that writes all NCOLS values.
   double* fresh_row(int64_t r) {
     auto& v = rows_[static_cast<size_t>(r - 1)];
+    hold(v, r);
     v.resize(static_cast<size_t>(ncols_));
     return v.data();
   }
@@ -88,18 +93,29 @@ class Tdsp {
   bool row_made(int64_t r) const { return !rows_[static_cast<size_t>(r - 1)].empty(); }
 
   // Sets every entry to zero.
+  // Only the rows that hold memory are visited (in row order), so a call
+  // that touched a few rows pays for those, not for all 350.
   void zero() {
+    std::sort(held_.begin(), held_.end());
     int64_t kept = 0;
-    for (auto& v : rows_) {
+    for (const int32_t i : held_) {
+      auto& v = rows_[static_cast<size_t>(i)];
       kept += static_cast<int64_t>(v.capacity());
       v.clear();
       if (kept * 8 > kKeepBytes) v.shrink_to_fit();
     }
+    std::erase_if(held_, [&](int32_t i) { return rows_[static_cast<size_t>(i)].capacity() == 0; });
   }
 
  private:
   static constexpr int64_t kKeepBytes = int64_t{8} << 20;
+  // Notes row R as holding memory once V, its storage, gets some.
+  void hold(const Row& v, int64_t r) {
+    if (v.capacity() == 0 && ncols_ > 0) held_.push_back(static_cast<int32_t>(r - 1));
+  }
+
   std::vector<Row> rows_;
+  std::vector<int32_t> held_;  // indices of the rows with memory
   int64_t ncols_ = 0;
   bool allocated_ = false;
   const char* name_ = "TDSP";

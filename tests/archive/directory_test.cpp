@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <thread>
 #include <tuple>
 
 #include "archive/units.hpp"
@@ -211,6 +213,49 @@ TEST(DirectoryLookup, WideFormAndTheVersionExpectation) {
   r = wide(K, path, "SECT", 26);
   EXPECT_EQ(r.status, 4);
   EXPECT_EQ(r.first, 0);
+}
+
+// Files kept open between calls: an unchanged file is neither opened nor
+// walked again, yet a failed look-up prints its line in every call; a file
+// rewritten in place (same size) or replaced is read afresh.
+TEST(DirectoryLookup, KeptFilesAreReadAfreshOnceChanged) {
+  TempDir dir;
+  const std::string path = dir.file("k.PA2");
+  // TRUS holds V; SWAPPED lays BEAM first, which moves TRUS.
+  auto write = [&](const std::string& to, double v, bool swapped) {
+    ArchiveFile f;
+    f.add(swapped ? sections::BEAM : sections::TRUS, 3, 2, 1).put_f64(1, 0, swapped ? -v : v);
+    f.add(swapped ? sections::TRUS : sections::BEAM, 3, 2, 1).put_f64(1, 0, swapped ? v : -v);
+    f.write(to);
+    // Past the clock's tick, no later write can repeat the file's stamp.
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  };
+  KernelState K;
+  K.units.keep_files = true;
+  auto call = [&](const char* bad_line = nullptr) {
+    const Lookup r = plain(K, path, "TRUS", 3);
+    double v = 0;
+    EXPECT_TRUE(read_record(K.units, 63, r.first, &v, 8));
+    if (bad_line != nullptr) {
+      EXPECT_EQ(plain(K, path, "TRUS", 3, 5).out, bad_line);
+    }
+    close_all_units(K.units);
+    return v;
+  };
+  write(path, 1.0, false);
+  EXPECT_EQ(call(), 1.0);
+  const uint64_t opened = K.units.opened, walked = K.units.walked;
+  const std::string bad = error_line("TRUS", "    3");  // a head of another file code
+  EXPECT_EQ(call(bad.c_str()), 1.0);
+  EXPECT_EQ(call(bad.c_str()), 1.0);
+  EXPECT_EQ(std::tuple(K.units.opened, K.units.walked), std::tuple(opened, walked + 1));
+
+  write(path, 2.0, true);
+  EXPECT_EQ(call(), 2.0);
+  write(dir.file("new"), 3.0, false);
+  ASSERT_EQ(std::rename(dir.file("new").c_str(), path.c_str()), 0);
+  EXPECT_EQ(call(), 3.0);
+  EXPECT_EQ(K.units.opened, opened + 2);
 }
 
 // A new file, in place of whatever had the name, with an empty directory of
