@@ -1,11 +1,10 @@
-// One plate quadrilateral at a time: stresses of fields whose answer is known
-// (rigid motion, constant strain and curvature, the side shear law, the warp
-// rows), the general routines against the ordinary ones, the stiffness's
-// null space and the membrane's condensations.
+// One plate quadrilateral at a time (constant fields through whole requests:
+// plate_history_test): the side shear law, the warp rows, the general
+// routines against the ordinary ones, the stiffness's null space and the
+// membrane's condensations.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <tuple>
 
 #include "plane/panel_axes.hpp"
 #include "plate/dkmq.hpp"
@@ -96,42 +95,6 @@ PlateSection ordinary_section() {
   s.phi_coef = 2.4 * 0.01 / 0.75;
   return s;
 }
-
-class QuadFields : public ::testing::TestWithParam<std::tuple<int, int>> {};
-
-TEST_P(QuadFields, RigidMotionIsFreeAndConstantFieldsAreExact) {
-  const auto [routine, memb] = GetParam();
-  Quad q(tilted());
-  double d[24];
-  for (int m = 0; m < 6; ++m) {
-    rigid(q.loc, m, 1.0, d);
-    q.stress(routine, memb, d, m == 0 ? 1 : 0);
-    for (double v : q.st) EXPECT_NEAR(v, 0.0, 1e-10) << "mode " << m;
-  }
-  // Linear in-plane field with its spin; quadratic Kirchhoff deflection.
-  const double k[3] = {0.02, -0.03, 0.015};
-  for (int n = 0; n < 4; ++n) {
-    const double x = q.loc[n][0], y = q.loc[n][1];
-    const double wx = k[0] * x + k[2] * y + 0.1, wy = k[1] * y + k[2] * x - 0.2;
-    const double w = 0.5 * (k[0] * x * x + k[1] * y * y) + k[2] * x * y + 0.1 * x - 0.2 * y;
-    const double v[6] = {0.1 + 1e-3 * x + 2e-3 * y, -1e-3 * x + 3e-3 * y, w, wy, -wx, -1.5e-3};
-    std::copy(v, v + 6, d + 6 * n);
-  }
-  q.stress(routine, memb, d);
-  const double eps[3] = {1e-3, 3e-3, 1e-3}, kap[3] = {-k[0], -k[1], -2 * k[2]}, g0[2] = {};
-  double blk[8];
-  ordinary_section().stress_block(eps, kap, g0, blk);
-  for (int p = 0; p < 5; ++p)
-    for (int r = 0; r < 8; ++r) EXPECT_NEAR(q.st[8 * p + r], blk[r], 1e-9) << p << "," << r;
-  // Repacked: the membrane triples of the five points lead DISP and STRS.
-  q.stress(routine, memb, d, 0, 1);
-  for (int i = 0; i < 24; ++i) EXPECT_NEAR(d[i], i < 15 ? blk[i % 3] : 0.0, 1e-9);
-  for (int i = 0; i < 15; ++i) EXPECT_EQ(q.st[i], d[i]);
-  EXPECT_NEAR(q.st[15], blk[7], 1e-9);
-}
-
-INSTANTIATE_TEST_SUITE_P(Quad, QuadFields,
-                         ::testing::Combine(::testing::Values(0, 1), ::testing::Values(0, 1)));
 
 // Kinds 0-3: with the ordinary section the general routines are the
 // ordinary ones (thick or thin, either membrane), flat or warped. Kind 4:
