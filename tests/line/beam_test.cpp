@@ -289,36 +289,5 @@ TEST(LineHistory, SupportMotionActsAsAnEquationWithThatHistory) {
   }
 }
 
-TEST(LineHistory, ShortOrCorruptRecordsGiveZerosWithoutFailing) {
-  for (int variant = 0; variant < 2; ++variant) {
-    ArchiveFixture a;
-    a.direct_case(motion(14, 2));
-    if (variant == 0) {
-      a.writer()
-          .second()
-          .add(sections::BEAM, 3, 200, 2)
-          .put_f64s(1, 0, std::vector<double>(100, 1.12));
-      a.writer()
-          .second()
-          .add(sections::WBMM, 3, 2000, 1)
-          .put_f64s(1, 0, std::vector<double>(1000, 1.14));
-    } else {  // counts far beyond the arrays, in records of the right length
-      std::vector<double> w(327, 1.0), ww(1053, 1.0);
-      w[324] = 7.20, w[325] = 7.40, ww[1050] = 7.20, ww[1051] = 7.90;
-      beam_section(a, {w});
-      wall_beam_section(a, {ww});
-    }
-    a.write();
-    for (int type : {13, 14}) {
-      for (const auto& row : variant == 0 ? line_rows(a, type, 2) : Rows{})
-        for (double v : row) EXPECT_EQ(v, 0.0);
-      Kernel k;
-      Request q = a.request(type, 27, 2);
-      q.serials = {1000};
-      EXPECT_EQ(k.run(q).status, STATUS_DONE);
-    }
-  }
-}
-
 }  // namespace
 }  // namespace respcore::testing
