@@ -16,7 +16,7 @@ TEST_P(HighShapes, UnitDisplacementsGiveASymmetricStiffnessThatRigidMotionDoesNo
                                   {m.high_record(mt)});
   m.write([](int e, int s) { return e == s ? 1.0 : 0.0; }, 6 * nn);  // step j: equation j moves
   Kernel k;
-  const auto K = rows_of(k, m.request(family, 1, 6 * nn), 3 * nn);  // K[row][equation]
+  const auto K = history_rows(k, m.request(family, 1, 6 * nn), 3 * nn);  // K[row][equation]
   const double tol = 1e-10 * mt.E * mt.t;
   for (size_t a = 0; a < 3 * size_t(nn); ++a)
     for (size_t b = 0; b < 6 * size_t(nn); ++b) {

@@ -75,7 +75,7 @@ TEST_P(Fields, PanelFieldGivesDEpsAtEveryPointRigidMotionNoneForcesTurnWithThePa
     for (int af = 0; af <= (c.family == 1 ? 1 : 0); ++af) {
       Kernel k;
       const int nrows[7] = {0, 27, 48, 0, 0, 51, 96};  // (the triangles of ELEM_TYPE 2)
-      const auto rows = rows_of(k, m.request(c.family, 1, kSteps, af), nrows[c.family]);
+      const auto rows = history_rows(k, m.request(c.family, 1, kSteps, af), nrows[c.family]);
       for (int s = 1; s <= kSteps; ++s) {
         auto at = [&](int row) { return rows[size_t(row - 1)][size_t(s - 1)]; };
         std::vector<double> f(27, 0.0);  // the stored matrix's product
@@ -146,14 +146,14 @@ TEST(PlaneStrainQuad, RebuildsFromTheLastRefreshedDisplacements) {
   m.write(pf.field(), kSteps);
   Kernel k;
   auto zeros = [&](int item, size_t from) {
-    const auto z = rows_of(k, m.request(2, item, kSteps, 0), 52);
+    const auto z = history_rows(k, m.request(2, item, kSteps, 0), 52);
     for (size_t r = from; r < 52; ++r)
       for (const double v : z[r]) EXPECT_EQ(v, 0.0) << item << " row " << r + 1;
   };
   zeros(1, 12);
-  rows_of(k, m.request(2, 2, kSteps, 0), 1);
+  history_rows(k, m.request(2, 2, kSteps, 0), 1);
   zeros(4, 0);  // the kind of its own: zero rows, and nothing refreshed
-  const auto rows = rows_of(k, m.request(2, 3, kSteps, 0), 52);
+  const auto rows = history_rows(k, m.request(2, 3, kSteps, 0), 52);
   const V3 e = pf.eps(0, 0), sg = stress_of(b, {kSteps * e[0], kSteps * e[1], kSteps * e[2]}, 1);
   const double want[8] = {sg[0],         sg[1],         sg[2], b.nu * (sg[0] + sg[1]),
                           kSteps * e[0], kSteps * e[1], 0,     kSteps * e[2]};
@@ -194,7 +194,7 @@ TEST_P(StrainBlock, AxisFlagAndTagChooseTheStrainBlock) {
   Request r = m.request(family, 1, 1, af);
   r.product_index = product;
   const size_t npts = high ? 9 : 4, stress0 = high ? 24 : 12, strain0 = high ? 60 : 32;
-  const auto rows = rows_of(k, r, static_cast<int>(strain0 + 4 * npts));
+  const auto rows = history_rows(k, r, static_cast<int>(strain0 + 4 * npts));
   // Panel triples as tensors in global axes, of which the xz plane's
   // (xx, zz, zx).
   const V3 e = pf.eps(0, 0), sg = stress_of(mt, e, 1);
@@ -252,8 +252,8 @@ TEST(PlaneAssembly, EveryRequestModeReturnsTheRowsOfTheTable) {
       m.a.writer().plane_high_records(type == 5 ? sections::PSTH : sections::PSRH, 3, high);
     m.write(PanelField{turn(0.2, 0.5)}.field(), 2);
     Kernel k;
-    const std::vector<std::vector<double>> rows[2] = {rows_of(k, m.request(type, 1, 2, 0), nrows),
-                                                      rows_of(k, m.request(type, 2, 2, 0), nrows)};
+    const std::vector<std::vector<double>> rows[2] = {history_rows(k, m.request(type, 1, 2, 0), nrows),
+                                                      history_rows(k, m.request(type, 2, 2, 0), nrows)};
     Request r = m.request(type, 1, 2, 0);
     r.step_no = 2, r.num_items = 2, r.serials = r.elements = {1, 2};
     for (const int C : {1, 3, 4, 6}) {
