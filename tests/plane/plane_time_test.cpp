@@ -125,7 +125,8 @@ INSTANTIATE_TEST_SUITE_P(Plane, Fields,
                          ::testing::Values(Case{1, 3, 0}, Case{1, 3, 100}, Case{1, 4, 0},
                                            Case{1, 4, 0, 30}, Case{2, 3, 101},
                                            Case{2, 3, 101, 0, true}, Case{5, 6, 0}, Case{5, 8, 0},
-                                           Case{6, 6, 0}, Case{6, 8, 0}));
+                                           Case{6, 6, 0}, Case{6, 8, 0},
+                                           Case{6, 8, 0, 0, true}));
 
 // A strain-state quadrilateral does not refresh the panel displacements: in
 // a fresh kernel its rows are zero; after a stress-state quadrilateral, in
