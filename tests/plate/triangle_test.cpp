@@ -18,16 +18,6 @@ using Blocks = std::array<double, 32>;  // four points, eight rows
 
 enum Form { kDkmt, kDktGnrl, kDkmtGnrl, kStiffened };
 
-// Nodal values in element axes: w = WLIN x with no rotation, and EXTRA.
-struct Field {
-  double wlin = 0.0;
-  double extra[18] = {};
-  void at(int n, double x, double, double d[6]) const {
-    for (int k = 0; k < 6; ++k) d[k] = extra[6 * n + k];
-    d[2] += wlin * x;
-  }
-};
-
 // Node 1 at the origin, node 2 on the x axis: the element axes of the
 // triangle are the frame of these coordinates, placed in space by Q and o.
 struct Placement {
@@ -46,7 +36,9 @@ void rotation(const Placement& pl, double Q[3][3]) {
   Q[1][2] -= s * k[0], Q[2][0] -= s * k[1], Q[2][1] += s * k[0];
 }
 
-Blocks run(Form f, Material& m, const Placement& pl, const Field& fld) {
+// The blocks of nodal values in element axes: w = WLIN x with no rotation,
+// plus EXTRA (six per node) when given.
+Blocks run(Form f, Material& m, const Placement& pl, double wlin, const double* extra = nullptr) {
   double Q[3][3], xyz[9], X[3], Y[3], Z[3], tr[9], cst[24] = {}, st[40];
   rotation(pl, Q);
   for (int n = 0; n < 3; ++n) {
@@ -58,7 +50,8 @@ Blocks run(Form f, Material& m, const Placement& pl, const Field& fld) {
   QDCOS(VecRef<double>(X, 3, "X"), VecRef<double>(Y, 3, "Y"), VecRef<double>(Z, 3, "Z"), TR, 1);
   for (int n = 0; n < 3; ++n) {
     double d[6], g[6];
-    fld.at(n, pl.p[n][0], pl.p[n][1], d);
+    for (int k = 0; k < 6; ++k) d[k] = extra ? extra[6 * n + k] : 0.0;
+    d[2] += wlin * pl.p[n][0];
     for (int h = 0; h < 2; ++h)  // to global, then back through the element's own axes
       for (int i = 0; i < 3; ++i)
         g[3 * h + i] = Q[i][0] * d[3 * h] + Q[i][1] * d[3 * h + 1] + Q[i][2] * d[3 * h + 2];
@@ -96,25 +89,21 @@ TEST(ThickTriangle, ShearFollowsPhiAndThinLimitIsTheThinTriangle) {
   for (double t : {0.5, 0.1, 0.01}) {
     m.isotropic(kE, kNu, t, t);
     for (int k = 2; k < 5; ++k) m.K.ELEM_MATERIAL.PLATE_PROP[k] = t;
-    Field f;
-    f.wlin = a;
     const double phi = 2.4 / (1 - kNu) * t * t;
     const double tau = kE / (2 * (1 + kNu)) / 1.2 * a * phi / (1 + phi);
     // The ordinary and the general section give the stress, the ribbed
     // section the force per unit width.
     for (Form form : {kDkmt, kDkmtGnrl, kStiffened}) {
-      const Blocks b = run(form, m, eq, f);
+      const Blocks b = run(form, m, eq, a);
       EXPECT_NEAR(b[7], (form == kStiffened ? t : 1.0) * tau, 1e-12 * kE) << form << " " << t;
       EXPECT_NEAR(b[6], 0.0, 1e-12 * kE);
     }
   }
   m.isotropic(kE, kNu, 1e-4, 1e-4);
-  Field f;
   const double extra[18] = {0.1,   -0.2, 0.3,  0.05, -0.07, 0.02, 0.4,  0.1,  -0.3,
                             -0.02, 0.06, 0.01, -0.1, 0.3,   0.2,  0.03, 0.04, -0.05};
-  for (int k = 0; k < 18; ++k) f.extra[k] = extra[k];
   const Placement pl = {{{0, 0}, {1.2, 0}, {1.5, 0.9}}, {1, 2, 3}, 1.1, {3, -1, 2}};
-  const Blocks thick = run(kDkmtGnrl, m, pl, f), thin = run(kDktGnrl, m, pl, f);
+  const Blocks thick = run(kDkmtGnrl, m, pl, 0, extra), thin = run(kDktGnrl, m, pl, 0, extra);
   for (int p = 0; p < 4; ++p)
     for (int r = 0; r < 6; ++r)
       EXPECT_NEAR(thick[8 * p + r], thin[8 * p + r], 1e-6 * std::fabs(thin[8 * p + r]) + 1e-9)
