@@ -4,7 +4,7 @@
 // rigid motion nothing; strains invert the stresses; forces and stresses turn
 // with the panel and the user's axes; a strain-state quadrilateral rebuilds
 // from the panel displacements the last refreshing element left; global
-// strain-state rows are the test's tensor turn; the assembly table.
+// strain-state rows are the test's tensor turn.
 #include "plane_support.hpp"
 
 namespace respcore::testing::plane {
@@ -229,52 +229,6 @@ TEST_P(StrainBlock, AxisFlagAndTagChooseTheStrainBlock) {
 INSTANTIATE_TEST_SUITE_P(Plane, StrainBlock,
                          ::testing::Combine(::testing::Values(2, 6), ::testing::Values(1, 4),
                                             ::testing::Values(0, 1, 2)));
-
-// Each request mode returns the rows the assembly table names, for two items
-// of each family at step 2 (the many-items form of ELEM_TYPE 2 steps by three
-// through its four rows a point). The history's products run over all steps
-// at once, the snapshot's over one: they agree to rounding.
-TEST(PlaneAssembly, EveryRequestModeReturnsTheRowsOfTheTable) {
-  const int cases[4][4] = {{1, 4, 0, 27}, {2, 3, 101, 48}, {5, 8, 0, 51}, {6, 6, 0, 88}};
-  for (const auto& [type, nn, option, nrows] : cases) {
-    PlaneModel m;
-    std::vector<PlaneRecord> low;
-    std::vector<PlaneHighRecord> high;
-    for (int e = 0; e < 2; ++e) {
-      m.place(nn, turn(0.2, 0.5), {1.0 * e, 0, 0});
-      if (type <= 2)
-        low.push_back(low_record(m, Material{}, option));
-      else
-        high.push_back(m.high_record(Material{}));
-    }
-    if (type <= 2)
-      m.a.writer().plane_records(type == 1 ? sections::PSTR : sections::PSRN, 3, low);
-    else
-      m.a.writer().plane_high_records(type == 5 ? sections::PSTH : sections::PSRH, 3, high);
-    m.write(PanelField{turn(0.2, 0.5)}.field(), 2);
-    Kernel k;
-    const std::vector<std::vector<double>> rows[2] = {history_rows(k, m.request(type, 1, 2, 0), nrows),
-                                                      history_rows(k, m.request(type, 2, 2, 0), nrows)};
-    Request r = m.request(type, 1, 2, 0);
-    r.step_no = 2, r.num_items = 2, r.serials = r.elements = {1, 2};
-    for (const int C : {1, 3, 4, 6}) {
-      r.request_mode = 2, r.result_comp = C;
-      const Result res = k.run(r);
-      const int mpts = (type <= 2 ? 4 : 8) + (C >= 4), stride = type == 6 && C >= 4 ? 4 : 3;
-      const int base = C < 4 ? C : type <= 2 ? C + 9 : C + 21;
-      ASSERT_EQ(res.values.size(), size_t(2 * mpts));
-      for (int v = 0; v < 2 * mpts; ++v)
-        EXPECT_NEAR(res.values[v], rows[v / mpts][base + stride * (v % mpts) - 1][1],
-                    1e-12 * (1 + std::fabs(res.values[v])))
-            << type << " C " << C << " value " << v;
-    }
-    r.request_mode = 3;
-    const Result res = k.run(r);
-    ASSERT_EQ(res.values.size(), 24u);
-    for (size_t v = 0; v < 24; ++v)
-      EXPECT_NEAR(res.values[v], v < 12 ? rows[v / 6][v % 6][1] : 0.0, 1e-12) << type;
-  }
-}
 
 }  // namespace
 }  // namespace respcore::testing::plane
