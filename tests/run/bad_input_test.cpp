@@ -100,17 +100,5 @@ TEST(BadInput, TruncatedAndCorruptFilesAtEveryLength) {
   }
 }
 
-TEST(BadInput, DirectoryEntriesPointingAnywhere) {
-  ArchiveFixture a;
-  a.history_cases({{2, 1, 3, 0, 0}});
-  a.writer().second().add_raw_entry(sections::NDSP, 3, -5, 1LL << 40, -7);
-  a.writer().second().add_raw_entry(sections::TRUS, 3, 2000000000, 2000000000, 1 << 30);
-  a.writer().first().add_raw_entry(sections::IASI, 4, 1, 1, 1 << 29);
-  a.writer().direct(1).add_raw_entry(sections::DMED, 1, 3, 1, 2147483647);
-  a.write();
-  Kernel k;
-  for (int type : {9, 11, 12}) guarded(k, a.request(type, 1, 3));
-}
-
 }  // namespace
 }  // namespace respcore::testing
