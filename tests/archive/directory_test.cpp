@@ -117,8 +117,7 @@ TEST(DirectoryLookup, ChainedBlocksAreFollowedUntilABlankEntry) {
   g.write(hidden);
   EXPECT_EQ(plain(K, hidden, "AAAA", 1).status, 0);
   Lookup r = plain(K, hidden, "SECT", 25);
-  EXPECT_EQ(r.status, 4);
-  EXPECT_EQ(r.out, "");
+  EXPECT_EQ(std::tuple(r.status, r.out), std::tuple(4, ""));
   EXPECT_EQ(plain(K, hidden, "SECT", 1).status, 4);
 }
 
@@ -129,14 +128,11 @@ TEST(DirectoryLookup, BadRequestsAreRefusedWithTheErrorLine) {
   f.add(sections::TRUS, 3, 6, 1);
   f.write(path);
   KernelState K;
-  Lookup r = plain(K, path, "HEAD", 1);
-  EXPECT_EQ(r.status, 6);
-  EXPECT_EQ(r.out, error_line("HEAD", "    1"));
   // The outputs are not touched by a refused request.
-  EXPECT_EQ(r.reclen, -1);
+  Lookup r = plain(K, path, "HEAD", 1);
+  EXPECT_EQ(std::tuple(r.status, r.out, r.reclen), std::tuple(6, error_line("HEAD", "    1"), -1));
   r = plain(K, path, "    ", 12345);
-  EXPECT_EQ(r.status, 6);
-  EXPECT_EQ(r.out, error_line("    ", "12345"));
+  EXPECT_EQ(std::tuple(r.status, r.out), std::tuple(6, error_line("    ", "12345")));
   int32_t first = 0, reclen = 0, status = 0;
   int64_t nrec = 0;
   ::testing::internal::CaptureStdout();
@@ -149,8 +145,7 @@ TEST(DirectoryLookup, MissingFileAndBrokenDirectories) {
   TempDir dir;
   KernelState K;
   Lookup r = plain(K, dir.file("none.PA2"), "TRUS", 3);
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.out, error_line("TRUS", "    3"));
+  EXPECT_EQ(std::tuple(r.status, r.out), std::tuple(1, error_line("TRUS", "    3")));
 
   const std::string path = dir.file("a.PA2");
   ArchiveFile f;
@@ -168,8 +163,7 @@ TEST(DirectoryLookup, MissingFileAndBrokenDirectories) {
   // Serial in a field of 5, with a negative one too.
   const char qvx[4] = {'Q', 'V', 'Y', ' '};
   r = plain(K, write_variant("id.PA2", 0, qvx, 4), "TRUS", -42);
-  EXPECT_EQ(r.status, 7);
-  EXPECT_EQ(r.out, error_line("TRUS", "  -42"));
+  EXPECT_EQ(std::tuple(r.status, r.out), std::tuple(7, error_line("TRUS", "  -42")));
   const float v2 = 2.0f;
   EXPECT_EQ(plain(K, write_variant("ver.PA2", 8, &v2, 4), "TRUS", 3).status, 7);
   const float vnan = std::nanf("");
@@ -179,16 +173,14 @@ TEST(DirectoryLookup, MissingFileAndBrokenDirectories) {
   EXPECT_EQ(plain(K, write_variant("code.PA2", 0, nullptr, 0), "TRUS", 3, 5).status, 7);
   // Cut inside the entries: a read error.
   r = plain(K, write_variant("cut.PA2", 0, nullptr, 0, 50), "TRUS", 3);
-  EXPECT_EQ(r.status, 2);
-  EXPECT_EQ(r.out, error_line("TRUS", "    3"));
+  EXPECT_EQ(std::tuple(r.status, r.out), std::tuple(2, error_line("TRUS", "    3")));
   // A chain that points back to its own head ends the search.
   const int32_t self = 1;
   EXPECT_EQ(plain(K, write_variant("loop.PA2", 16, &self, 4), "XXXX", 3).status, 4);
   // A section with a non-positive record length cannot be opened.
   const int32_t zero = 0;
   r = plain(K, write_variant("rl.PA2", 2 * 20 + 16, &zero, 4), "TRUS", 3);
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.reclen, 0);
+  EXPECT_EQ(std::tuple(r.status, r.reclen), std::tuple(1, 0));
 }
 
 TEST(DirectoryLookup, WideFormAndTheVersionExpectation) {
@@ -200,19 +192,15 @@ TEST(DirectoryLookup, WideFormAndTheVersionExpectation) {
   KernelState K;
   // Still expecting version 1.0: the head does not fit.
   Lookup r = wide(K, path, "SECT", 22);
-  EXPECT_EQ(r.status, 7);
-  EXPECT_EQ(r.out, error_line("SECT", "   22"));
+  EXPECT_EQ(std::tuple(r.status, r.out), std::tuple(7, error_line("SECT", "   22")));
   K.archive.dir.version = 2.0f;
   r = wide(K, path, "SECT", 22);
-  ASSERT_EQ(r.status, 0);
-  EXPECT_EQ(r.nrec, 3);
-  EXPECT_EQ(r.reclen, 4);
+  ASSERT_EQ(std::tuple(r.status, r.nrec, r.reclen), std::tuple(0, 3, 4));
   double v = 0;
   ASSERT_TRUE(read_record(K.units, 32, r.first + 2, &v, 8));
   EXPECT_EQ(v, 22.0);
   r = wide(K, path, "SECT", 26);
-  EXPECT_EQ(r.status, 4);
-  EXPECT_EQ(r.first, 0);
+  EXPECT_EQ(std::tuple(r.status, r.first), std::tuple(4, 0));
 }
 
 // Files kept open between calls: an unchanged file is neither opened nor
@@ -270,8 +258,7 @@ TEST(CreateDirectory, LaysAnEmptyDirectoryThatLookUpsRead) {
   EXPECT_EQ(std::ifstream(path, std::ios::ate | std::ios::binary).tellg(), 21 * 20);
   KernelState K;
   const Lookup r = plain(K, path, "TRUS", 3);
-  EXPECT_EQ(r.status, 4);
-  EXPECT_EQ(r.out, "");
+  EXPECT_EQ(std::tuple(r.status, r.out), std::tuple(4, ""));
 }
 
 }  // namespace

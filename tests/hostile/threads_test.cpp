@@ -27,25 +27,19 @@ Request archive_of(const TempDir& dir, const std::string& name) {
   Request q;
   q.base = dir.file("m");
   fuzz::put_files(input, q.base);
-  q.elem_type = f[0];
-  q.num_steps = f[3];
-  q.serials = {1, 2};
-  q.elements = {1, 2};
+  q.elem_type = f[0], q.num_steps = f[3], q.serials = q.elements = {1, 2};
   return q;
 }
 
 // Requests of every component and mode of the archive's family.
 std::vector<Request> requests_on(Request q, int ncomp) {
   std::vector<Request> out;
-  for (int mode = 1; mode <= 3; ++mode) {
-    for (int comp = 1; comp <= ncomp; ++comp) {
-      q.result_comp = comp;
-      q.request_mode = mode;
-      q.num_items = mode == 1 ? 1 : 2;
-      q.step_no = 1 + comp % 3;
+  for (q.request_mode = 1; q.request_mode <= 3; ++q.request_mode)
+    for (q.result_comp = 1; q.result_comp <= ncomp; ++q.result_comp) {
+      q.num_items = q.request_mode == 1 ? 1 : 2;
+      q.step_no = 1 + q.result_comp % 3;
       out.push_back(q);
     }
-  }
   return out;
 }
 
@@ -64,9 +58,8 @@ TEST(Threads, TwoKernelsGiveTheirSerialResults) {
     Kernel k;
     k.set_quiet(true);
     const auto& list = lists[t];
-    for (size_t i = 0; i < 2000; ++i) {
-      if (k.run(list[i % list.size()]).values != serial[t][i % list.size()]) ++mismatches[t];
-    }
+    for (size_t i = 0; i < 2000; ++i)
+      mismatches[t] += k.run(list[i % list.size()]).values != serial[t][i % list.size()];
   };
   std::thread a(work, 0), b(work, 1);
   a.join();
@@ -80,10 +73,7 @@ TEST(Threads, TwoKernelsGiveTheirSerialResults) {
 TEST(Threads, LinesOfKernelsInThreadsStayWhole) {
   TempDir dir;
   Request q;
-  q.base = dir.file("missing");
-  q.elem_type = 13;
-  q.num_steps = 5;
-  q.serials = q.elements = {1};
+  q.base = dir.file("missing"), q.elem_type = 13, q.num_steps = 5, q.serials = q.elements = {1};
   Kernel quiet;
   quiet.set_quiet(true);
   const Result one = quiet.run(q);

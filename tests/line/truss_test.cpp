@@ -98,8 +98,8 @@ TEST(Truss, LateActivationAndItsPerCaseSwitch) {
   auto archive = [](ArchiveFixture& a, int file_no, std::vector<int32_t> flags) {
     a.direct_case(motion(3), file_no, flags.size());
     a.writer().truss_records(3, {bar(1, 3), bar(1, 3)});
-    inactive_elements(a, flags, {{0, 1, 1}, {0, 2, 2}});
-    activation_displacements(a, {0.0005, 0.0, 0.002, 0.0});
+    a.writer().inactive_elements(flags, {{0, 1, 1}, {0, 2, 2}});
+    a.writer().activation_displacements({0.0005, 0.0, 0.002, 0.0});
     a.writer().initial_forces(sections::ITTR, 1, {{40.0, 40.0}, {0.0, 0.0}});
   };
   ArchiveFixture f2;

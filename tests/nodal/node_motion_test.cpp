@@ -117,8 +117,7 @@ TEST(NodeMotion, ModalSumsOfEachSetAndASingleMode) {
 // tags that know it, where the archive says so.
 TEST(NodeMotion, NodeTransformAndTheSeventhDof) {
   std::vector<double> up = identity_upper();
-  up[0] = 2.0;
-  up[1] = 3.0;
+  up[0] = 2.0, up[1] = 3.0;
   for (const auto& [tag, index, knows] :
        {std::tuple{"P.R.W", 1, true}, {"Q.L.D", 7, true}, {"U.K.Y", 3, false}})
     for (bool flag : {false, true}) {
@@ -155,25 +154,20 @@ TEST(NodeMotion, RelativeAndAbsoluteMotion) {
   a.write();
   Kernel k;
   auto q = a.request(9, 2, 3);
-  q.step_no = 3;  // relative to the second listed node
-  q.elements = {1, 2};
-  q.serials = {1, 1};
+  q.step_no = 3, q.elements = {1, 2}, q.serials = {1, 1};  // relative to the second listed node
   auto rel = k.run(q).values;
   for (int s = 1; s <= 3; ++s) EXPECT_EQ(rel[s - 1], (6000.0 + s) - (24000.0 + s));
   // Absolute: ground displacement (q = 3) of direction 2 added to row 2.
   q.step_no = 2;
   auto abs = k.run(q).values;
-  EXPECT_EQ(abs[0], 6001 + 2.0 * 3);
-  EXPECT_EQ(abs[1], 6002 + 0.5);
+  EXPECT_EQ(std::tuple(abs[0], abs[1]), std::tuple(6001 + 2.0 * 3, 6002 + 0.5));
   // Acceleration takes q = 1; rows above 3 are not touched.
   q.elem_type = 11;
   EXPECT_EQ(k.run(q).values[2], 4003 + 0.25);
   q.result_comp = 4;
   EXPECT_EQ(k.run(q).values[0], 10001);
   // Other step numbers give the plain history.
-  q.step_no = 7;
-  q.result_comp = 2;
-  q.elem_type = 9;
+  q.step_no = 7, q.result_comp = 2, q.elem_type = 9;
   EXPECT_EQ(k.run(q).values, expect_record(6, 3));
 }
 
@@ -185,11 +179,7 @@ TEST(NodeMotion, SnapshotTakesColumnStepNoOfAOneColumnArray) {
   a.write();
   Kernel k;
   auto q = a.request(9, 1, 1);
-  q.request_mode = 2;
-  q.num_items = 2;
-  q.elements = {1, 2};
-  q.serials = {1, 1};
-  q.step_no = 1;
+  q.request_mode = 2, q.num_items = 2, q.elements = {1, 2}, q.serials = {1, 1}, q.step_no = 1;
   EXPECT_EQ(k.run(q).values, (std::vector<double>{3001, 21001}));
   q.step_no = 4;
   ::testing::internal::CaptureStderr();
@@ -222,8 +212,7 @@ TEST(NodeMotion, EnvelopesWithTiesAndSkewSystems) {
   env = k.run(q).values;
   EXPECT_EQ(std::tuple(env[2], env[8]), std::tuple(0, 0));
   // In node axes with the skew system: x' = y, y' = -x.
-  q.result_comp = 1;
-  q.axis_flag = 0;
+  q.result_comp = 1, q.axis_flag = 0;
   env = k.run(q).values;
   EXPECT_EQ(std::tuple(env[0], env[1], env[6]), std::tuple(5, -1, 5));
   // The skew systems survive into a later history request.

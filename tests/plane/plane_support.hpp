@@ -135,16 +135,4 @@ struct PlaneModel {
   }
 };
 
-// Rows 1..NROWS of one item, each through its own history request:
-// rows[r-1][s-1].
-inline std::vector<std::vector<double>> rows_of(Kernel& k, Request r, int nrows) {
-  std::vector<std::vector<double>> out;
-  for (r.result_comp = 1; r.result_comp <= nrows; ++r.result_comp) {
-    Result res = k.run(r);
-    EXPECT_EQ(res.status, STATUS_DONE);
-    out.push_back(res.values);
-  }
-  return out;
-}
-
 }  // namespace respcore::testing::plane

@@ -4,7 +4,7 @@
 // rigid motion nothing; strains invert the stresses; forces and stresses turn
 // with the panel and the user's axes; a strain-state quadrilateral rebuilds
 // from the panel displacements the last refreshing element left; global
-// strain-state rows are the test's tensor turn; the assembly table.
+// strain-state rows are the test's tensor turn.
 #include "plane_support.hpp"
 
 namespace respcore::testing::plane {
@@ -75,7 +75,7 @@ TEST_P(Fields, PanelFieldGivesDEpsAtEveryPointRigidMotionNoneForcesTurnWithThePa
     for (int af = 0; af <= (c.family == 1 ? 1 : 0); ++af) {
       Kernel k;
       const int nrows[7] = {0, 27, 48, 0, 0, 51, 96};  // (the triangles of ELEM_TYPE 2)
-      const auto rows = rows_of(k, m.request(c.family, 1, kSteps, af), nrows[c.family]);
+      const auto rows = history_rows(k, m.request(c.family, 1, kSteps, af), nrows[c.family]);
       for (int s = 1; s <= kSteps; ++s) {
         auto at = [&](int row) { return rows[size_t(row - 1)][size_t(s - 1)]; };
         std::vector<double> f(27, 0.0);  // the stored matrix's product
@@ -125,7 +125,8 @@ INSTANTIATE_TEST_SUITE_P(Plane, Fields,
                          ::testing::Values(Case{1, 3, 0}, Case{1, 3, 100}, Case{1, 4, 0},
                                            Case{1, 4, 0, 30}, Case{2, 3, 101},
                                            Case{2, 3, 101, 0, true}, Case{5, 6, 0}, Case{5, 8, 0},
-                                           Case{6, 6, 0}, Case{6, 8, 0}));
+                                           Case{6, 6, 0}, Case{6, 8, 0},
+                                           Case{6, 8, 0, 0, true}));
 
 // A strain-state quadrilateral does not refresh the panel displacements: in
 // a fresh kernel its rows are zero; after a stress-state quadrilateral, in
@@ -146,14 +147,14 @@ TEST(PlaneStrainQuad, RebuildsFromTheLastRefreshedDisplacements) {
   m.write(pf.field(), kSteps);
   Kernel k;
   auto zeros = [&](int item, size_t from) {
-    const auto z = rows_of(k, m.request(2, item, kSteps, 0), 52);
+    const auto z = history_rows(k, m.request(2, item, kSteps, 0), 52);
     for (size_t r = from; r < 52; ++r)
       for (const double v : z[r]) EXPECT_EQ(v, 0.0) << item << " row " << r + 1;
   };
   zeros(1, 12);
-  rows_of(k, m.request(2, 2, kSteps, 0), 1);
+  history_rows(k, m.request(2, 2, kSteps, 0), 1);
   zeros(4, 0);  // the kind of its own: zero rows, and nothing refreshed
-  const auto rows = rows_of(k, m.request(2, 3, kSteps, 0), 52);
+  const auto rows = history_rows(k, m.request(2, 3, kSteps, 0), 52);
   const V3 e = pf.eps(0, 0), sg = stress_of(b, {kSteps * e[0], kSteps * e[1], kSteps * e[2]}, 1);
   const double want[8] = {sg[0],         sg[1],         sg[2], b.nu * (sg[0] + sg[1]),
                           kSteps * e[0], kSteps * e[1], 0,     kSteps * e[2]};
@@ -194,7 +195,7 @@ TEST_P(StrainBlock, AxisFlagAndTagChooseTheStrainBlock) {
   Request r = m.request(family, 1, 1, af);
   r.product_index = product;
   const size_t npts = high ? 9 : 4, stress0 = high ? 24 : 12, strain0 = high ? 60 : 32;
-  const auto rows = rows_of(k, r, static_cast<int>(strain0 + 4 * npts));
+  const auto rows = history_rows(k, r, static_cast<int>(strain0 + 4 * npts));
   // Panel triples as tensors in global axes, of which the xz plane's
   // (xx, zz, zx).
   const V3 e = pf.eps(0, 0), sg = stress_of(mt, e, 1);
@@ -228,52 +229,6 @@ TEST_P(StrainBlock, AxisFlagAndTagChooseTheStrainBlock) {
 INSTANTIATE_TEST_SUITE_P(Plane, StrainBlock,
                          ::testing::Combine(::testing::Values(2, 6), ::testing::Values(1, 4),
                                             ::testing::Values(0, 1, 2)));
-
-// Each request mode returns the rows the assembly table names, for two items
-// of each family at step 2 (the many-items form of ELEM_TYPE 2 steps by three
-// through its four rows a point). The history's products run over all steps
-// at once, the snapshot's over one: they agree to rounding.
-TEST(PlaneAssembly, EveryRequestModeReturnsTheRowsOfTheTable) {
-  const int cases[4][4] = {{1, 4, 0, 27}, {2, 3, 101, 48}, {5, 8, 0, 51}, {6, 6, 0, 88}};
-  for (const auto& [type, nn, option, nrows] : cases) {
-    PlaneModel m;
-    std::vector<PlaneRecord> low;
-    std::vector<PlaneHighRecord> high;
-    for (int e = 0; e < 2; ++e) {
-      m.place(nn, turn(0.2, 0.5), {1.0 * e, 0, 0});
-      if (type <= 2)
-        low.push_back(low_record(m, Material{}, option));
-      else
-        high.push_back(m.high_record(Material{}));
-    }
-    if (type <= 2)
-      m.a.writer().plane_records(type == 1 ? sections::PSTR : sections::PSRN, 3, low);
-    else
-      m.a.writer().plane_high_records(type == 5 ? sections::PSTH : sections::PSRH, 3, high);
-    m.write(PanelField{turn(0.2, 0.5)}.field(), 2);
-    Kernel k;
-    const std::vector<std::vector<double>> rows[2] = {rows_of(k, m.request(type, 1, 2, 0), nrows),
-                                                      rows_of(k, m.request(type, 2, 2, 0), nrows)};
-    Request r = m.request(type, 1, 2, 0);
-    r.step_no = 2, r.num_items = 2, r.serials = r.elements = {1, 2};
-    for (const int C : {1, 3, 4, 6}) {
-      r.request_mode = 2, r.result_comp = C;
-      const Result res = k.run(r);
-      const int mpts = (type <= 2 ? 4 : 8) + (C >= 4), stride = type == 6 && C >= 4 ? 4 : 3;
-      const int base = C < 4 ? C : type <= 2 ? C + 9 : C + 21;
-      ASSERT_EQ(res.values.size(), size_t(2 * mpts));
-      for (int v = 0; v < 2 * mpts; ++v)
-        EXPECT_NEAR(res.values[v], rows[v / mpts][base + stride * (v % mpts) - 1][1],
-                    1e-12 * (1 + std::fabs(res.values[v])))
-            << type << " C " << C << " value " << v;
-    }
-    r.request_mode = 3;
-    const Result res = k.run(r);
-    ASSERT_EQ(res.values.size(), 24u);
-    for (size_t v = 0; v < 24; ++v)
-      EXPECT_NEAR(res.values[v], v < 12 ? rows[v / 6][v % 6][1] : 0.0, 1e-12) << type;
-  }
-}
 
 }  // namespace
 }  // namespace respcore::testing::plane

@@ -1,7 +1,6 @@
 // High-order plates (ELEM_TYPE 7) through whole requests: constant fields at
-// all points, rigid motion and balanced forces, the same rows under the
-// general product tag, and the condensed stiffness that the force rows give,
-// assembled into a simply supported plate.
+// all points, rigid motion and no forces, the same rows under the general
+// product tag (their stiffness: plate_solution_test).
 #include "plate_support.hpp"
 
 namespace respcore::testing::plate {
@@ -64,83 +63,6 @@ TEST_P(HighPlateFields, ConstantFieldsAtAllPointsAndTheSameRowsUnderEitherTag) {
 }
 
 INSTANTIATE_TEST_SUITE_P(SixAndEightNodes, HighPlateFields, ::testing::Values(6, 8));
-
-// The force rows reached with a unit displacement of each freedom in turn are
-// the condensed stiffness of the eight-node plate: symmetric, and, assembled
-// into a simply supported square plate (w and the edge rotation held) under
-// a uniform load, converging to the thin-plate deflection 0.00406235 q a^4 / D
-// at its centre.
-TEST(HighPlateStiffness, SymmetricAndConvergingToTheSimplySupportedPlate) {
-  const double t = 0.01, D = kE * t * t * t / (12 * (1 - kNu * kNu));
-  ArchiveFixture f;
-  // Two square elements (sides 1/4, 1/8) on equations 1..48, each 1 at its step.
-  std::vector<std::vector<Dof6>> steps(48, std::vector<Dof6>(16, Dof6{}));
-  for (int s = 0; s < 48; ++s) steps[s][s / 6][s % 6] = 1.0;
-  write_motion(f, steps);
-  std::vector<std::array<double, 3>> cord;
-  std::vector<PlateHighRecord> recs(2);
-  const int off[8][2] = {{0, 0}, {2, 0}, {2, 2}, {0, 2}, {1, 0}, {2, 1}, {1, 2}, {0, 1}};
-  for (int m = 0; m < 2; ++m) {
-    for (const auto& o : off) {
-      cord.push_back({o[0] / (8.0 + 8 * m), o[1] / (8.0 + 8 * m), 0.0});
-      recs[m].nodes.push_back(static_cast<double>(cord.size()));
-    }
-    for (int e = 1; e <= 48; ++e) recs[m].lm.push_back(e);
-    recs[m].prop = {t, t}, recs[m].young = kE, recs[m].poisson = kNu;
-  }
-  f.writer().node_coordinates(cord);
-  f.writer().plate_high_records(3, recs);
-  f.write();
-
-  double previous = 1.0;
-  for (int m = 0; m < 2; ++m) {
-    const Rows K = history_rows(f, 7, 1, 48, 48, m + 1);
-    for (int i = 0; i < 48; ++i)
-      for (int j = 0; j < i; ++j) EXPECT_NEAR(K[i][j], K[j][i], 1e-9 * std::fabs(K[i][i]));
-    // Grid nodes (i, j) of spacing h/2 without the element centres; freedoms
-    // w, rx, ry of each, -1 where held.
-    const int n = 4 << m, g = 2 * n + 1;
-    std::vector<int> id(3 * g * g, -1);
-    int N = 0;
-    for (int j = 0; j < g; ++j)
-      for (int i = 0; i < g; ++i) {
-        const bool ex = i == 0 || i == g - 1, ey = j == 0 || j == g - 1;
-        for (int c = 0; c < 3 && !(i % 2 && j % 2); ++c)
-          if (!(c == 0 ? ex || ey : c == 1 ? ex : ey)) id[3 * (j * g + i) + c] = N++;
-      }
-    std::vector<double> A(static_cast<size_t>(N) * N), F(N);
-    auto a = [&](int r, int c) -> double& { return A[static_cast<size_t>(r) * N + c]; };
-    for (int e = 0; e < n * n; ++e) {
-      int dof[24];
-      for (int k = 0; k < 8; ++k) {
-        const int node = (2 * (e / n) + off[k][1]) * g + 2 * (e % n) + off[k][0];
-        for (int c = 0; c < 3; ++c) dof[3 * k + c] = id[3 * node + c];
-        // A quarter of each sub-quadrilateral's load to its corners, the
-        // centre's share to the midsides.
-        if (dof[3 * k] >= 0) F[dof[3 * k]] += (k < 4 ? 1.0 : 3.0) / (16.0 * n * n);
-      }
-      for (int p = 0; p < 24; ++p)
-        for (int q = 0; q < 24; ++q)
-          if (dof[p] >= 0 && dof[q] >= 0)
-            a(dof[p], dof[q]) += K[6 * (p / 3) + 2 + p % 3][6 * (q / 3) + 2 + q % 3];
-    }
-    for (int c = 0; c < N; ++c)
-      for (int r = c + 1; r < N; ++r) {
-        const double fct = a(r, c) / a(c, c);
-        for (int j = c; j < N && fct != 0.0; ++j) a(r, j) -= fct * a(c, j);
-        F[r] -= fct * F[c];
-      }
-    for (int r = N - 1; r >= 0; --r) {
-      for (int j = r + 1; j < N; ++j) F[r] -= a(r, j) * F[j];
-      F[r] /= a(r, r);
-    }
-    const double exact = 0.00406235 / D, error = std::fabs(F[id[3 * (n * g + n)]] - exact) / exact;
-    std::printf("%d x %d eight-node plates: centre deflection off by %.3g%%\n", n, n, 100 * error);
-    EXPECT_LT(error, previous);
-    previous = error;
-  }
-  EXPECT_LT(previous, 0.01);
-}
 
 }  // namespace
 }  // namespace respcore::testing::plate

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <functional>
 #include <map>
 
@@ -107,16 +106,6 @@ double apply(const Family& f, int32_t row, const std::function<double(const P3&)
   double s = 0.0;
   for (size_t g = 0; g < w.size(); ++g) s += w[g] * field(f.gauss[g]);
   return s;
-}
-
-TEST(ShapeLibrary, OddConstantsKeepTheirStoredBits) {
-  using namespace shape_const;
-  const std::pair<double, uint64_t> stored[] = {
-      {R3, 0x3ffbb67ae8584caaull},    {S5, 0x4001e3779892dab7ull} /* not sqrt(5) */,
-      {A4, 0x3fc1b06d1ab58decull},    {C5, 0x3fe7d9f4cf754635ull},
-      {PYR_A, 0x3fec145bc0000000ull}, {PYR_B, 0x3fdd2c9dc0000000ull}};
-  for (auto [v, bits] : stored) EXPECT_EQ(std::bit_cast<uint64_t>(v), bits);
-  EXPECT_EQ(PYR_R3, static_cast<double>(std::sqrt(3.0f)));
 }
 
 // Every form sums to one and carries linear fields; the quadratic forms also

@@ -20,19 +20,14 @@ using M3 = std::array<std::array<double, 3>, 3>;  // m[i][j]
 using V6 = std::array<double, 6>;                 // xx, yy, zz, xy, yz, zx
 using M6 = std::array<double, 36>;                // column-major 6 by 6
 
-inline M3 matmul(const M3& a, const M3& b) {
+inline M3 matmul(const M3& a, const M3& b, bool ta = false) {  // a b, or a' b
   M3 c{};
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j)
-      for (int k = 0; k < 3; ++k) c[i][j] += a[i][k] * b[k][j];
+      for (int k = 0; k < 3; ++k) c[i][j] += (ta ? a[k][i] : a[i][k]) * b[k][j];
   return c;
 }
-inline M3 transpose(const M3& a) {
-  M3 t{};
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) t[i][j] = a[j][i];
-  return t;
-}
+inline M3 transpose(const M3& a) { return matmul(a, {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}}, true); }
 inline V3 mul(const M3& a, const V3& v) {
   V3 r{};
   for (int i = 0; i < 3; ++i) r[i] = a[i][0] * v[0] + a[i][1] * v[1] + a[i][2] * v[2];
@@ -41,22 +36,6 @@ inline V3 mul(const M3& a, const V3& v) {
 inline V3 add(const V3& a, const V3& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
 inline V3 cross(const V3& a, const V3& b) {
   return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-inline double det3(const M3& a) {
-  return a[0][0] * (a[1][1] * a[2][2] - a[1][2] * a[2][1]) -
-         a[0][1] * (a[1][0] * a[2][2] - a[1][2] * a[2][0]) +
-         a[0][2] * (a[1][0] * a[2][1] - a[1][1] * a[2][0]);
-}
-// Cofactor matrix: det(F) F^-T.
-inline M3 cofactor(const M3& a) {
-  M3 c{};
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      const int i1 = (i + 1) % 3, i2 = (i + 2) % 3, j1 = (j + 1) % 3, j2 = (j + 2) % 3;
-      c[i][j] = a[i1][j1] * a[i2][j2] - a[i1][j2] * a[i2][j1];
-    }
-  }
-  return c;
 }
 
 // A proper rotation from three angles (about z, then y, then x).
@@ -67,14 +46,11 @@ inline M3 rotation(double a, double b, double c) {
   return matmul(rz, matmul(ry, rx));
 }
 
-// Symmetric tensor <-> six values.
-inline M3 tensor(const V6& v) {
-  return {{{v[0], v[3], v[5]}, {v[3], v[1], v[4]}, {v[5], v[4], v[2]}}};
-}
-inline V6 six(const M3& s) { return {s[0][0], s[1][1], s[2][2], s[0][1], s[1][2], s[2][0]}; }
-// R S R'.
+// R S R' of a symmetric tensor given by its six values.
 inline V6 rotate(const M3& r, const V6& v) {
-  return six(matmul(r, matmul(tensor(v), transpose(r))));
+  const M3 t = {{{v[0], v[3], v[5]}, {v[3], v[1], v[4]}, {v[5], v[4], v[2]}}};
+  const M3 s = matmul(r, matmul(t, transpose(r)));
+  return {s[0][0], s[1][1], s[2][2], s[0][1], s[1][2], s[2][0]};
 }
 
 // Engineering strain of a displacement gradient G[i][j] = du_i/dx_j.
@@ -96,17 +72,11 @@ struct Material {
 };
 
 inline Material orthotropic() {
-  Material m;
-  m.type = 1;
-  m.E = 1.5e5;
-  m.nu = 0.25;
-  m.vals = {0.9e5, 0.2, 0.0, 0.6e5, 0.3, 0.0, 4.0e4, 2.5e4, 3.0e4};
-  return m;
+  return {1.5e5, 0.25, 1, {0.9e5, 0.2, 0.0, 0.6e5, 0.3, 0.0, 4.0e4, 2.5e4, 3.0e4}};
 }
 
 // Compliance from the engineering constants (the isotropic material being
-// the orthotropic one with equal constants); the elastic matrix is its
-// inverse.
+// the orthotropic one with equal constants).
 inline M6 compliance(const Material& m) {
   const bool o = m.type == 1;
   const double E1 = m.E, E2 = o ? m.vals[0] : m.E, E3 = o ? m.vals[3] : m.E;
@@ -122,30 +92,12 @@ inline M6 compliance(const Material& m) {
   return c;
 }
 
-inline M6 elastic(const Material& m) {
-  const M6 c = compliance(m);
-  M3 a;
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) a[i][j] = c[i + 6 * j];
-  const M3 cof = cofactor(a);
-  M6 d{};
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) d[i + 6 * j] = cof[j][i] / det3(a);
-    d[(3 + i) * 7] = 1.0 / c[(3 + i) * 7];
-  }
-  return d;
-}
-
-// The global stress of a constant strain (displacement gradient G), the
-// material being given in the element axes, the columns of Q.
-inline V6 stress_of_element(const Material& m, const M3& Q, const M3& G) {
-  M3 e = tensor(strain_of(G));
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j)
-      if (i != j) e[i][j] *= 0.5;
-  const M3 el = matmul(transpose(Q), matmul(e, Q));
-  const V6 evl = {el[0][0], el[1][1], el[2][2], 2 * el[0][1], 2 * el[1][2], 2 * el[2][0]};
-  return rotate(Q, mul6(elastic(m), evl));
+// The isotropic stress of an engineering strain.
+inline V6 isotropic_stress(const Material& m, const V6& e) {
+  const double mu = m.E / (2 * (1 + m.nu)), lam = 2 * mu * m.nu / (1 - 2 * m.nu),
+               tr = lam * (e[0] + e[1] + e[2]);
+  return {tr + 2 * mu * e[0], tr + 2 * mu * e[1], tr + 2 * mu * e[2], mu * e[3], mu * e[4],
+          mu * e[5]};
 }
 
 // ---------------------------------------------------------------------------
@@ -153,17 +105,10 @@ inline V6 stress_of_element(const Material& m, const M3& Q, const M3& G) {
 
 using Field = std::function<V3(const V3&, int)>;
 
-// u = s (a + G X) at step s.
+// u = s (a + G X) at step s; a rigid motion when G is skew.
 inline Field linear_field(const V3& a, const M3& g) {
   return [a, g](const V3& x, int s) {
     const V3 u = add(a, mul(g, x));
-    return V3{s * u[0], s * u[1], s * u[2]};
-  };
-}
-// u = s (a + w x X): an infinitesimal rigid motion.
-inline Field rigid_field(const V3& a, const V3& w) {
-  return [a, w](const V3& x, int s) {
-    const V3 u = add(a, cross(w, x));
     return V3{s * u[0], s * u[1], s * u[2]};
   };
 }
@@ -210,18 +155,9 @@ std::array<double, N> point(const std::vector<std::vector<double>>& rows, int ro
   for (size_t i = 0; i < N; ++i) v[i] = rows[row0 + i - 1][static_cast<size_t>(s - 1)];
   return v;
 }
-inline V6 point6(const std::vector<std::vector<double>>& r, int row0, int s) {
-  return point<6>(r, row0, s);
-}
-inline V3 point3(const std::vector<std::vector<double>>& r, int row0, int s) {
-  return point<3>(r, row0, s);
-}
-
-inline double norm6(const V6& v) {
-  double s = 0;
-  for (double x : v) s += x * x;
-  return std::sqrt(s);
-}
+constexpr auto point6 = point<6>;
+constexpr auto point3 = point<3>;
+inline double norm6(const V6& v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2] + v[3] * v[3] + v[4] * v[4] + v[5] * v[5]); }
 
 // Component by component; a message may be streamed behind.
 #define EXPECT_V6_NEAR(a, b, tol) \

@@ -120,33 +120,5 @@ TEST(SolidTime, StoredMatrixTurnsExtrapolatesAndGivesStrainsOfTheMaterial) {
   }
 }
 
-TEST(SolidTime, OversizedOrMissingRecordsAreBoundFailuresOrZeros) {
-  for (auto [ndof, nr, name] :
-       {std::tuple{49, 30, "LM subscript 49 bound 1:48"},
-        std::tuple{12, 79, "STRS subscript 79 bound 1:78"}, std::tuple{0, 0, ""}}) {
-    ArchiveFixture a;
-    SolidModel model;
-    model.materials = {Material{}};
-    model.element_material = {1};
-    model.nodes = natural_nodes(4);
-    model.write_common(a, linear_field({1, 0, 0}, sample_gradient()), 2);
-    if (ndof > 0) {
-      std::vector<double> rec(3805, 1.0);
-      rec[3792] = ndof, rec[3793] = nr, rec[3795] = 4;
-      a.writer().second().add_f64_rows(sections::SOLD, 3, {rec});
-    }
-    a.write();
-    Kernel k;
-    ::testing::internal::CaptureStderr();
-    Result res = k.run(a.request(4, 25, 2));
-    const std::string err = ::testing::internal::GetCapturedStderr();
-    EXPECT_EQ(res.status, STATUS_DONE);
-    if (ndof == 0)
-      EXPECT_EQ(res.values, (std::vector<double>{0.0, 0.0}));
-    else
-      EXPECT_NE(err.find(std::string("array bound exceeded: ") + name), std::string::npos) << err;
-  }
-}
-
 }  // namespace
 }  // namespace respcore::testing::solid
