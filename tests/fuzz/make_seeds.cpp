@@ -68,30 +68,31 @@ struct Ask {
 // NODE_COUNT nodes, case 1 and its motion: modal (MODAL), or direct in file
 // 1; the ground motion and a skew system for the node requests. With SUPPORT
 // the translations of node 1 are constrained.
-void motion(ArchiveWriter& w, bool modal, bool support = false, int node_count = kNodes) {
+void motion(ArchiveWriter& w, bool modal, bool support = false, int node_count = kNodes,
+            int steps = kSteps) {
   std::vector<NodeTransform> nodes;
   for (int n = 1; n <= node_count; ++n) nodes.push_back({count_up(6, 6 * (n - 1) + 1), {}});
   if (support) nodes[0].equations = {0, 0, 0, 4, 5, 6};
   w.node_transforms(nodes);
   if (modal) {
-    w.history_cases({{1, 1, kSteps, kModes, 0}});
+    w.history_cases({{1, 1, steps, kModes, 0}});
     ModalHistory h;
     for (int m = 0; m < kModes; ++m) {
       h.coords.emplace_back();
-      for (int s = 0; s < kSteps; ++s) h.coords.back().push_back({v(m * 9 + s), v(m + s), v(s)});
+      for (int s = 0; s < steps; ++s) h.coords.back().push_back({v(m * 9 + s), v(m + s), v(s)});
     }
     for (int e = 0; e < 6 * node_count; ++e) h.shapes.push_back(values(kModes, e));
     w.modal_histories(h);
   } else {
-    w.history_cases({{2, 1, kSteps, 0, 0}});
+    w.history_cases({{2, 1, steps, 0, 0}});
     std::vector<EquationHistory> eqs;
     for (int e = 0; e < 6 * node_count; ++e)
-      eqs.push_back({values(kSteps, 3 * e), values(kSteps, 3 * e + 1), values(kSteps, 3 * e + 2)});
-    w.direct_histories(1, eqs, kSteps);
+      eqs.push_back({values(steps, 3 * e), values(steps, 3 * e + 1), values(steps, 3 * e + 2)});
+    w.direct_histories(1, eqs, steps);
   }
   GroundMotion g;
   for (size_t d = 0; d < 3; ++d)
-    for (size_t q = 0; q < 3; ++q) g[d][q] = values(kSteps, static_cast<int>(9 * d + q));
+    for (size_t q = 0; q < 3; ++q) g[d][q] = values(steps, static_cast<int>(9 * d + q));
   w.ground_motion({g});
   w.skew_systems({{2, {0, 1, 0, -1, 0, 0, 0, 0, 1}}});
 }
@@ -156,6 +157,7 @@ struct Family {
   std::function<void(ArchiveWriter&)> records;
   std::vector<Ask> asks;
   int32_t nodes = kNodes;  // of the motion
+  int32_t steps = kSteps;  // stored
 };
 
 std::vector<Family> families() {
@@ -250,6 +252,26 @@ std::vector<Family> families() {
                    panel_model(w);
                  },
                  {{3, 40, 1, 2}, {7, 100, 1, 2}, {2, 35, 3, 1}, {3, 80, 2, 2}, {2, 14, 1, 2}}, 9});
+  // Histories of more than 64 stored steps: one row of a long history is
+  // combined from the displacement histories as they are read.
+  out.push_back({"line-long", 1, true,
+                 [](ArchiveWriter& w) {
+                   w.beam_records(3, {beam()});
+                   w.solid_records(3, {{count_up(24), 78, values(78 * 24, 8), 8,
+                                        {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}}}});
+                   materials(w);
+                 },
+                 {{13, 1, 1, 1, 70}, {13, 30, 1, 1, 70, 1, 2}, {4, 30, 1, 1, 70}, {4, 80, 1, 1, 66}},
+                 kNodes, 70});
+  out.push_back({"panel-long", 1, true,
+                 [](ArchiveWriter& w) {
+                   w.plane_records(sections::PSTR, 3, {panel(kQuad, 100, 1)});
+                   w.plate_records(3, {plate(kQuad, 0, 0, false, 1), plate(kTri, 1, 0, true, 2)});
+                   w.plate_high_records(3, {plate_high(kQuad8)});
+                   panel_model(w);
+                 },
+                 {{1, 14, 1, 1, 70}, {3, 30, 1, 1, 70}, {3, 70, 1, 1, 70, 1, 0, 0}, {7, 60, 1, 1, 70}},
+                 9, 70});
   return out;
 }
 
@@ -346,7 +368,7 @@ int main(int argc, char** argv) {
             f.name + (form == DirectoryForm::Wide ? "-wide" : "-plain") + (modal ? "-modal" : "");
         ArchiveWriter w(work + name, fuzz::kProductTags[f.product - 1], form);
         w.first();
-        motion(w, modal, f.name == "support", f.nodes);
+        motion(w, modal, f.name == "support", f.nodes, f.steps);
         f.records(w);
         w.write();
         emit(name, work + name, f.product, f.asks, !modal);
