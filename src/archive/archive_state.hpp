@@ -162,6 +162,28 @@ struct UnitTable {
   };
   std::array<Recent, 2> recent;
   int32_t recent_next = 0;
+  // The last look-ups of this call and what each left: within a call a
+  // look-up with the same unit, file, form, file code, version, tag and
+  // serial finds the same (the files and their walks do not change), so it
+  // is replayed from here rather than made again.
+  struct LookupMemo {
+    bool used = false;
+    int32_t unit = 0;
+    bool wide = false;
+    int32_t file_code = 0;
+    uint32_t version_bits = 0;
+    Tag4 tag{};
+    int32_t serial = 0;
+    std::string path;
+    // Its outcome and the connection it left on the unit.
+    int64_t first = 0, nrec = 0;
+    int32_t reclen = 0, status = 0;
+    Connection conn;
+  };
+  std::array<LookupMemo, 8> memo;
+  // The values of a record on their way to the caller's array.
+  std::vector<double> values = std::vector<double>(2048);
+  int32_t memo_next = 0;
   bool keep_files = true;
   uint64_t call = 1;  // counts the calls closed by close_all_units
   // Files opened and directories walked (read from the file), for the tests

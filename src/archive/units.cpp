@@ -115,6 +115,10 @@ void forget_recent(UnitTable& U) {
     r.usable = false;
     r.file.reset();
   }
+  for (UnitTable::LookupMemo& m : U.memo) {
+    m.used = false;
+    m.conn = Connection{};
+  }
 }
 
 bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
@@ -149,7 +153,12 @@ bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
   ++f.reads;
   for (ReadBlock& b : f.blocks) {
     if (b.len > 0 && off >= b.off && off - b.off <= b.len - nbytes) {
-      std::memcpy(dst, b.bytes.get() + (off - b.off), static_cast<size_t>(nbytes));
+      const char* src = b.bytes.get() + (off - b.off);
+      // A single value (the commonest read) is copied as one.
+      if (nbytes == 8)
+        std::memcpy(dst, src, 8);
+      else
+        std::memcpy(dst, src, static_cast<size_t>(nbytes));
       b.used = f.reads;
       return true;
     }
@@ -236,6 +245,16 @@ bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nby
   return read_at(*c->file, dst, nbytes, off);
 }
 
+void unit_reconnect(UnitTable& U, int32_t unit, const Connection& c) {
+  if (!c.file) {
+    unit_close(U, unit);
+    return;
+  }
+  Connection& now = U.units[unit];
+  if (now.file != c.file) now.file = c.file;
+  now.reclen = c.reclen;
+}
+
 Connection unit_connection(const UnitTable& U, int32_t unit) {
   const Connection* c = connection(U, unit);
   return c == nullptr ? Connection{} : *c;
@@ -289,10 +308,18 @@ namespace {
 template <class T>
 bool read_values(UnitTable& U, int32_t unit, int64_t rec, VecRef<T> dst, int64_t n) {
   if (n <= 0) return read_record(U, unit, rec, nullptr, 0);
-  std::vector<T> tmp(static_cast<size_t>(checked_count(sizeof(T), n)));
-  if (!read_record(U, unit, rec, tmp.data(), n * static_cast<int64_t>(sizeof(T)))) return false;
+  const int64_t count = checked_count(sizeof(T), n);
+  // A record's worth of values goes through the table's buffer; a longer
+  // read takes its own.
+  std::vector<T> own;
+  T* tmp = reinterpret_cast<T*>(U.values.data());
+  if (count > static_cast<int64_t>(U.values.size() * sizeof(double) / sizeof(T))) {
+    own.resize(static_cast<size_t>(count));
+    tmp = own.data();
+  }
+  if (!read_record(U, unit, rec, tmp, n * static_cast<int64_t>(sizeof(T)))) return false;
   const int64_t fit = std::min<int64_t>(n, dst.size());
-  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(T));
+  if (fit > 0) std::memcpy(dst.data(), tmp, static_cast<size_t>(fit) * sizeof(T));
   if (fit < n) report_bound_failure(dst.name(), dst.lo() + fit, dst.lo(), dst.hi());
   return true;
 }
