@@ -151,6 +151,10 @@ struct UnitTable {
   static constexpr size_t kKeptFiles = 32;
 
   std::map<int32_t, Connection> units;
+  // The entry of units last found, tried first (entries stay where they are
+  // until the table is cleared, which forgets it).
+  mutable int32_t found_unit = 0;
+  mutable const Connection* found_conn = nullptr;
   std::unordered_map<std::string, KeptFile> files;  // by path
   // The last paths taken in this call, as the look-ups name them (with any
   // trailing blanks) and the file each gave: a look-up that reconnects a

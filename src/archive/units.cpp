@@ -221,8 +221,13 @@ namespace {
 // The connection of UNIT, or none. (This and the next are on the path of
 // every record read.)
 [[gnu::always_inline]] inline const Connection* connection(const UnitTable& U, int32_t unit) {
-  auto it = U.units.find(unit);
-  return it == U.units.end() || !it->second.file ? nullptr : &it->second;
+  if (U.found_conn == nullptr || U.found_unit != unit) {
+    auto it = U.units.find(unit);
+    if (it == U.units.end()) return nullptr;
+    U.found_unit = unit;
+    U.found_conn = &it->second;
+  }
+  return U.found_conn->file ? U.found_conn : nullptr;
 }
 
 // The byte offset of record REC of UNIT when NBYTES of it can be read, or -1.
@@ -336,6 +341,7 @@ bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int6
 
 void close_all_units(UnitTable& U) {
   U.units.clear();
+  U.found_conn = nullptr;
   forget_recent(U);
   if (!U.keep_files) {
     U.files.clear();
@@ -366,6 +372,7 @@ void close_all_units(UnitTable& U) {
 
 void release_files(UnitTable& U) {
   U.units.clear();
+  U.found_conn = nullptr;
   forget_recent(U);
   U.files.clear();
 }
