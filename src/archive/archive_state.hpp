@@ -36,7 +36,7 @@ struct WalkKey {
 };
 
 // A span of a file read at once, from which the small reads that fall in
-// it are served for the rest of the call.
+// it are served while the file is unchanged.
 struct ReadBlock {
   int64_t off = 0;
   int64_t len = 0;  // 0: empty
@@ -45,14 +45,17 @@ struct ReadBlock {
 };
 
 // An open archive file, shared by every unit connected to the same path,
-// with what was read from it once: the walks of its directory and its
-// first bytes (kept while the file is unchanged), and the blocks of the
-// current call with the runs of its recent small reads.
+// with what was read from it once: the walks of its directory, its first
+// bytes and the blocks of its small reads (kept while the file is
+// unchanged), and the runs of the current call's small reads.
 struct OpenFile {
   int fd = -1;
   int64_t size = 0;
   std::vector<std::pair<WalkKey, std::shared_ptr<DirWalk>>> walks;
   std::array<unsigned char, 16> lead{};
+  // A small file is read whole by its first small read (when the file is
+  // kept between calls, so that the read serves them all).
+  bool read_whole = false;
   bool lead_read = false;
   std::array<ReadBlock, 4> blocks;
   // Runs of small reads, each close behind the one before: where the last

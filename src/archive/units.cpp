@@ -92,6 +92,7 @@ std::shared_ptr<OpenFile> open_path(UnitTable& U, const std::string& raw_path) {
   k.file = std::make_shared<OpenFile>();
   k.file->fd = fd;
   k.file->size = static_cast<int64_t>(st.st_size);
+  k.file->read_whole = U.keep_files;
   k.stamp = stamp_of(st);
   k.settled = std::max(k.stamp.mtime_ns, k.stamp.ctime_ns) < nanoseconds(now) - kStampTickNs;
   return k.file;
@@ -142,10 +143,13 @@ bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
 // the widest spacing followed, 4 KB, a block serves 16 reads, for about
 // what they cost alone), and scattered reads go to the file alone. Runs are followed in four places of
 // the file at once (a snapshot reads element records and history records
-// in turn).
+// in turn). The blocks stay with the open file, and serve later calls that
+// find the file unchanged.
 constexpr int64_t kSmallRead = 8 << 10;
 constexpr int64_t kBlockBytes = 64 << 10;
 constexpr int64_t kNearBytes = 4 << 10;
+// Kept files up to this size are read whole by their first small read.
+constexpr int64_t kWholeFile = 16 << 10;
 
 // NBYTES at OFF of F (which lie within the file) into DST.
 bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
@@ -175,22 +179,29 @@ bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
   run->count = std::min(run->count + 1, 8);
   run->end = off + nbytes;
   run->used = f.reads;
+  const bool whole = f.read_whole && f.size <= kWholeFile;
+  if (whole) run->count = 3;
   if (run->count >= 3) {
     ReadBlock& b = *std::min_element(
         f.blocks.begin(), f.blocks.end(),
         [](const ReadBlock& x, const ReadBlock& y) { return x.used < y.used; });
     const int64_t want = std::min(kBlockBytes, int64_t{8 << 10} << (run->count - 3));
-    const int64_t len = std::min(want, f.size - off);
+    int64_t len = std::min(want, f.size - off);
+    int64_t start = off;
+    if (whole) {
+      start = 0;
+      len = f.size;
+    }
     if (!b.bytes) b.bytes.reset(new char[kBlockBytes]);
     b.len = 0;
-    if (len >= nbytes && pread_all(f.fd, b.bytes.get(), len, off)) {
-      b.off = off;
+    if (len >= nbytes && pread_all(f.fd, b.bytes.get(), len, start)) {
+      b.off = start;
       b.len = len;
       b.used = f.reads;
       // The reads the block serves continue the run; the next miss comes
       // behind it.
-      run->end = off + len;
-      std::memcpy(dst, b.bytes.get(), static_cast<size_t>(nbytes));
+      run->end = start + len;
+      std::memcpy(dst, b.bytes.get() + (off - start), static_cast<size_t>(nbytes));
       return true;
     }
   }
@@ -355,8 +366,8 @@ void close_all_units(UnitTable& U) {
         continue;
       }
       std::erase_if(k.file->walks, [](const auto& w) { return w.second->end_status == 2; });
-      // Blocks serve one call: the next takes the file as the stat finds it.
-      k.file->blocks = {};
+      // The blocks hold the file's bytes as the walks hold its directory:
+      // they serve the next call once the stat finds the file unchanged.
       k.file->runs = {};
       ++it;
     }
