@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -158,7 +159,12 @@ struct UnitTable {
   // until the table is cleared, which forgets it).
   mutable int32_t found_unit = 0;
   mutable const Connection* found_conn = nullptr;
-  std::unordered_map<std::string, KeptFile> files;  // by path
+  // Looked up by a view of the name, without making a string of it.
+  struct PathHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+  };
+  std::unordered_map<std::string, KeptFile, PathHash, std::equal_to<>> files;  // by path
   // The last paths taken in this call, as the look-ups name them (with any
   // trailing blanks) and the file each gave: a look-up that reconnects a
   // unit to one of them needs no search.

@@ -64,17 +64,22 @@ constexpr int64_t kStampTickNs = 20'000'000;
 // otherwise the file opened afresh (null when it cannot be opened, which
 // holds for the rest of the call).
 std::shared_ptr<OpenFile> open_path(UnitTable& U, const std::string& raw_path) {
-  const std::string path = trimmed(raw_path);
-  auto it = U.files.find(path);
+  // The kept file is found by the name without its trailing blanks, which
+  // is copied only when it has some.
+  std::string_view view(raw_path);
+  while (!view.empty() && view.back() == ' ') view.remove_suffix(1);
+  auto it = U.files.find(view);
   if (it != U.files.end()) {
     KeptFile& k = it->second;
     if (k.used_in_call == U.call) return k.file;
     struct stat st {};
-    if (k.file && k.settled && ::stat(path.c_str(), &st) == 0 && stamp_of(st) == k.stamp) {
+    const char* name = view.size() == raw_path.size() ? raw_path.c_str() : it->first.c_str();
+    if (k.file && k.settled && ::stat(name, &st) == 0 && stamp_of(st) == k.stamp) {
       k.used_in_call = U.call;
       return k.file;
     }
   }
+  const std::string path(view);
   KeptFile& k = U.files[path];
   k = KeptFile{};
   k.used_in_call = U.call;
