@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,88 @@ void BM_TrussSnapshot(benchmark::State& st) {
   close(fd2);
 }
 BENCHMARK(BM_TrussSnapshot)
+    ->Args({10000, 10})
+    ->Args({10000, 100})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+
+// N beams along a line of nodes, six dof per node, NSTEPS stored steps.
+TrussArchive make_beam_archive(int32_t n, int32_t nsteps) {
+  TrussArchive a;
+  a.base = bench_dir() + "/beams" + std::to_string(n) + "x" + std::to_string(nsteps);
+  a.n = n;
+  a.nsteps = nsteps;
+  a.neq = 6 * (n + 1);
+  ArchiveWriter w(a.base);
+  w.first();
+  w.history_cases({{2, 1, nsteps, 0, 0}});
+  std::vector<BeamRecord> beams(static_cast<size_t>(n));
+  for (int32_t e = 1; e <= n; ++e) {
+    BeamRecord& b = beams[static_cast<size_t>(e - 1)];
+    for (int i = 1; i <= 12; ++i) b.lm.push_back(6 * (e - 1) + i);
+    for (int q = 0; q < 26 * 12; ++q) b.strs.push_back(std::sin(0.37 * q + e));
+    b.node_i = e;
+    b.node_j = e + 1;
+  }
+  const Section& beam = w.beam_records(3, beams);
+  std::vector<EquationHistory> eqs(static_cast<size_t>(a.neq));
+  for (int32_t e = 1; e <= a.neq; ++e) {
+    for (int32_t s = 0; s < nsteps; ++s) {
+      eqs[e - 1].acc.push_back(0.0);
+      eqs[e - 1].vel.push_back(0.0);
+      eqs[e - 1].disp.push_back(1e-3 * std::sin(0.01 * s * e));
+    }
+  }
+  const Section& dmed = w.direct_histories(1, eqs, nsteps);
+  w.second().build();
+  w.direct(1).build();
+  a.trus = (beam.first - 1) * 4LL * beam.reclen_words();
+  a.dmed = (dmed.first - 1) * 4LL * dmed.reclen_words();
+  w.write();
+  return a;
+}
+
+// Beams 1..N at step 7 (row 1): the kernel beside the two sections read
+// whole, then the twelve displacements of each beam gathered and multiplied
+// by the first row of its matrix.
+void BM_BeamSnapshot(benchmark::State& st) {
+  const TrussArchive a = make_beam_archive(static_cast<int32_t>(st.range(0)),
+                                           static_cast<int32_t>(st.range(1)));
+  const Request q = snapshot_request(a.base, 13, 1, a.n, 7);
+  Kernel k;
+  std::vector<double> out;
+  auto kernel = [&] { run_into(k, q, out); };
+  const int fd2 = open((a.base + ".PA2").c_str(), O_RDONLY);
+  const int fd = open((a.base + ".PAT1").c_str(), O_RDONLY);
+  constexpr int64_t kWords = BeamRecord::kWords;
+  std::vector<double> recs(static_cast<size_t>(a.n * kWords)),
+      dmed(static_cast<size_t>(3LL * a.neq * a.nsteps)), row(static_cast<size_t>(a.n));
+  auto sections = [&] {
+    benchmark::DoNotOptimize(pread(fd2, recs.data(), recs.size() * 8, a.trus));
+    benchmark::DoNotOptimize(pread(fd, dmed.data(), dmed.size() * 8, a.dmed));
+    for (int32_t e = 0; e < a.n; ++e) {
+      const double* r = recs.data() + kWords * e;
+      double f = 0.0;
+      for (int j = 0; j < 12; ++j) {
+        const int64_t eq = static_cast<int64_t>(r[j]);
+        f += r[12 + 26 * j] * dmed[static_cast<size_t>((3 * eq - 1) * a.nsteps + 6)];
+      }
+      row[static_cast<size_t>(e)] = f;
+    }
+    benchmark::DoNotOptimize(row.data());
+  };
+  const std::string name =
+      std::to_string(a.n) + " beams of " + std::to_string(a.nsteps) + " steps at one step";
+  Alternation s;
+  for (auto _ : st) s = alternate_pairs(name + ", kernel / one read per section", kernel, sections, 9);
+  st.counters["kernel_ms"] = s.kernel_ms;
+  st.counters["ratio"] = s.ratio;
+  st.counters["ratio_min"] = s.ratio_min;
+  st.counters["ratio_max"] = s.ratio_max;
+  close(fd);
+  close(fd2);
+}
+BENCHMARK(BM_BeamSnapshot)
     ->Args({10000, 10})
     ->Args({10000, 100})
     ->Iterations(1)

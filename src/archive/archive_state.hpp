@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -36,7 +37,7 @@ struct WalkKey {
 };
 
 // A span of a file read at once, from which the small reads that fall in
-// it are served for the rest of the call.
+// it are served while the file is unchanged.
 struct ReadBlock {
   int64_t off = 0;
   int64_t len = 0;  // 0: empty
@@ -45,14 +46,17 @@ struct ReadBlock {
 };
 
 // An open archive file, shared by every unit connected to the same path,
-// with what was read from it once: the walks of its directory and its
-// first bytes (kept while the file is unchanged), and the blocks of the
-// current call with the runs of its recent small reads.
+// with what was read from it once: the walks of its directory, its first
+// bytes and the blocks of its small reads (kept while the file is
+// unchanged), and the runs of the current call's small reads.
 struct OpenFile {
   int fd = -1;
   int64_t size = 0;
   std::vector<std::pair<WalkKey, std::shared_ptr<DirWalk>>> walks;
   std::array<unsigned char, 16> lead{};
+  // A small file is read whole by its first small read (when the file is
+  // kept between calls, so that the read serves them all).
+  bool read_whole = false;
   bool lead_read = false;
   std::array<ReadBlock, 4> blocks;
   // Runs of small reads, each close behind the one before: where the last
@@ -151,7 +155,16 @@ struct UnitTable {
   static constexpr size_t kKeptFiles = 32;
 
   std::map<int32_t, Connection> units;
-  std::unordered_map<std::string, KeptFile> files;  // by path
+  // The entry of units last found, tried first (entries stay where they are
+  // until the table is cleared, which forgets it).
+  mutable int32_t found_unit = 0;
+  mutable const Connection* found_conn = nullptr;
+  // Looked up by a view of the name, without making a string of it.
+  struct PathHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+  };
+  std::unordered_map<std::string, KeptFile, PathHash, std::equal_to<>> files;  // by path
   // The last paths taken in this call, as the look-ups name them (with any
   // trailing blanks) and the file each gave: a look-up that reconnects a
   // unit to one of them needs no search.
@@ -162,6 +175,28 @@ struct UnitTable {
   };
   std::array<Recent, 2> recent;
   int32_t recent_next = 0;
+  // The last look-ups of this call and what each left: within a call a
+  // look-up with the same unit, file, form, file code, version, tag and
+  // serial finds the same (the files and their walks do not change), so it
+  // is replayed from here rather than made again.
+  struct LookupMemo {
+    bool used = false;
+    int32_t unit = 0;
+    bool wide = false;
+    int32_t file_code = 0;
+    uint32_t version_bits = 0;
+    Tag4 tag{};
+    int32_t serial = 0;
+    std::string path;
+    // Its outcome and the connection it left on the unit.
+    int64_t first = 0, nrec = 0;
+    int32_t reclen = 0, status = 0;
+    Connection conn;
+  };
+  std::array<LookupMemo, 8> memo;
+  // The values of a record on their way to the caller's array.
+  std::vector<double> values = std::vector<double>(2048);
+  int32_t memo_next = 0;
   bool keep_files = true;
   uint64_t call = 1;  // counts the calls closed by close_all_units
   // Files opened and directories walked (read from the file), for the tests

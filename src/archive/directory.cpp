@@ -101,21 +101,14 @@ std::shared_ptr<DirWalk> walk_directory(UnitTable& U, int32_t unit, bool wide, i
   }
 }
 
-void lookup(ArchiveReader A, int32_t unit, const std::string& name, int32_t name_len,
-            int32_t file_code, const Tag4& tag, int32_t serial, bool wide, int64_t& first,
-            int32_t& reclen, int64_t& nrec, int32_t& status) {
-  if (name_len < 1 || tag == BLANK_TAG || tag == HEAD_TAG) {
-    status = LOOKUP_BAD_REQUEST;
-    error_line(A.diag, tag, serial);
-    return;
-  }
+// The look-up of TAG/SERIAL in the file PATH connected to UNIT, as made the
+// first time in a call.
+void lookup_afresh(ArchiveReader A, int32_t unit, const std::string& path, int32_t file_code,
+                   const Tag4& tag, int32_t serial, bool wide, int64_t& first, int32_t& reclen,
+                   int64_t& nrec, int32_t& status) {
   first = 0;
   nrec = 0;
   reclen = 0;
-  // The name as the look-up gives it (cut or blank padded to NAME_LEN).
-  std::string padded;
-  if (name.size() != static_cast<size_t>(name_len)) padded = file_path(name, name_len);
-  const std::string& path = padded.empty() ? name : padded;
   if (!unit_open(A.units, unit, path, dir_record_bytes(wide))) {
     status = LOOKUP_OPEN_FAILED;
     error_line(A.diag, tag, serial);
@@ -147,6 +140,52 @@ void lookup(ArchiveReader A, int32_t unit, const std::string& name, int32_t name
   }
   status = walk.end_status;
   if (status != LOOKUP_NOT_FOUND) error_line(A.diag, tag, serial);
+}
+
+void lookup(ArchiveReader A, int32_t unit, const std::string& name, int32_t name_len,
+            int32_t file_code, const Tag4& tag, int32_t serial, bool wide, int64_t& first,
+            int32_t& reclen, int64_t& nrec, int32_t& status) {
+  if (name_len < 1 || tag == BLANK_TAG || tag == HEAD_TAG) {
+    status = LOOKUP_BAD_REQUEST;
+    error_line(A.diag, tag, serial);
+    return;
+  }
+  // The name as the look-up gives it (cut or blank padded to NAME_LEN).
+  std::string padded;
+  if (name.size() != static_cast<size_t>(name_len)) padded = file_path(name, name_len);
+  const std::string& path = padded.empty() ? name : padded;
+  uint32_t version_bits;
+  std::memcpy(&version_bits, &A.state.dir.version, 4);
+  UnitTable& U = A.units;
+  for (UnitTable::LookupMemo& m : U.memo) {
+    if (!m.used || m.unit != unit || m.serial != serial || m.tag != tag ||
+        m.file_code != file_code || m.wide != wide || m.version_bits != version_bits ||
+        m.path != path)
+      continue;
+    first = m.first;
+    reclen = m.reclen;
+    nrec = m.nrec;
+    status = m.status;
+    unit_reconnect(U, unit, m.conn);
+    if (status != LOOKUP_FOUND && status != LOOKUP_NOT_FOUND) error_line(A.diag, tag, serial);
+    return;
+  }
+  lookup_afresh(A, unit, path, file_code, tag, serial, wide, first, reclen, nrec, status);
+  UnitTable::LookupMemo& m = U.memo[static_cast<size_t>(U.memo_next)];
+  U.memo_next = (U.memo_next + 1) % static_cast<int32_t>(U.memo.size());
+  m.used = true;
+  m.unit = unit;
+  m.wide = wide;
+  m.file_code = file_code;
+  m.version_bits = version_bits;
+  m.tag = tag;
+  m.serial = serial;
+  m.path = path;
+  m.first = first;
+  m.nrec = nrec;
+  m.reclen = reclen;
+  m.status = status;
+  m.conn = unit_connection(U, unit);
 }
 
 void lookup_plain(ArchiveReader A, int32_t unit, const std::string& name, int32_t name_len,

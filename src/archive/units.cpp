@@ -64,17 +64,22 @@ constexpr int64_t kStampTickNs = 20'000'000;
 // otherwise the file opened afresh (null when it cannot be opened, which
 // holds for the rest of the call).
 std::shared_ptr<OpenFile> open_path(UnitTable& U, const std::string& raw_path) {
-  const std::string path = trimmed(raw_path);
-  auto it = U.files.find(path);
+  // The kept file is found by the name without its trailing blanks, which
+  // is copied only when it has some.
+  std::string_view view(raw_path);
+  while (!view.empty() && view.back() == ' ') view.remove_suffix(1);
+  auto it = U.files.find(view);
   if (it != U.files.end()) {
     KeptFile& k = it->second;
     if (k.used_in_call == U.call) return k.file;
     struct stat st {};
-    if (k.file && k.settled && ::stat(path.c_str(), &st) == 0 && stamp_of(st) == k.stamp) {
+    const char* name = view.size() == raw_path.size() ? raw_path.c_str() : it->first.c_str();
+    if (k.file && k.settled && ::stat(name, &st) == 0 && stamp_of(st) == k.stamp) {
       k.used_in_call = U.call;
       return k.file;
     }
   }
+  const std::string path(view);
   KeptFile& k = U.files[path];
   k = KeptFile{};
   k.used_in_call = U.call;
@@ -92,6 +97,7 @@ std::shared_ptr<OpenFile> open_path(UnitTable& U, const std::string& raw_path) {
   k.file = std::make_shared<OpenFile>();
   k.file->fd = fd;
   k.file->size = static_cast<int64_t>(st.st_size);
+  k.file->read_whole = U.keep_files;
   k.stamp = stamp_of(st);
   k.settled = std::max(k.stamp.mtime_ns, k.stamp.ctime_ns) < nanoseconds(now) - kStampTickNs;
   return k.file;
@@ -114,6 +120,10 @@ void forget_recent(UnitTable& U) {
   for (UnitTable::Recent& r : U.recent) {
     r.usable = false;
     r.file.reset();
+  }
+  for (UnitTable::LookupMemo& m : U.memo) {
+    m.used = false;
+    m.conn = Connection{};
   }
 }
 
@@ -138,10 +148,13 @@ bool pread_all(int fd, void* dst, int64_t nbytes, int64_t off) {
 // the widest spacing followed, 4 KB, a block serves 16 reads, for about
 // what they cost alone), and scattered reads go to the file alone. Runs are followed in four places of
 // the file at once (a snapshot reads element records and history records
-// in turn).
+// in turn). The blocks stay with the open file, and serve later calls that
+// find the file unchanged.
 constexpr int64_t kSmallRead = 8 << 10;
 constexpr int64_t kBlockBytes = 64 << 10;
 constexpr int64_t kNearBytes = 4 << 10;
+// Kept files up to this size are read whole by their first small read.
+constexpr int64_t kWholeFile = 16 << 10;
 
 // NBYTES at OFF of F (which lie within the file) into DST.
 bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
@@ -149,7 +162,12 @@ bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
   ++f.reads;
   for (ReadBlock& b : f.blocks) {
     if (b.len > 0 && off >= b.off && off - b.off <= b.len - nbytes) {
-      std::memcpy(dst, b.bytes.get() + (off - b.off), static_cast<size_t>(nbytes));
+      const char* src = b.bytes.get() + (off - b.off);
+      // A single value (the commonest read) is copied as one.
+      if (nbytes == 8)
+        std::memcpy(dst, src, 8);
+      else
+        std::memcpy(dst, src, static_cast<size_t>(nbytes));
       b.used = f.reads;
       return true;
     }
@@ -166,22 +184,29 @@ bool read_at(OpenFile& f, void* dst, int64_t nbytes, int64_t off) {
   run->count = std::min(run->count + 1, 8);
   run->end = off + nbytes;
   run->used = f.reads;
+  const bool whole = f.read_whole && f.size <= kWholeFile;
+  if (whole) run->count = 3;
   if (run->count >= 3) {
     ReadBlock& b = *std::min_element(
         f.blocks.begin(), f.blocks.end(),
         [](const ReadBlock& x, const ReadBlock& y) { return x.used < y.used; });
     const int64_t want = std::min(kBlockBytes, int64_t{8 << 10} << (run->count - 3));
-    const int64_t len = std::min(want, f.size - off);
+    int64_t len = std::min(want, f.size - off);
+    int64_t start = off;
+    if (whole) {
+      start = 0;
+      len = f.size;
+    }
     if (!b.bytes) b.bytes.reset(new char[kBlockBytes]);
     b.len = 0;
-    if (len >= nbytes && pread_all(f.fd, b.bytes.get(), len, off)) {
-      b.off = off;
+    if (len >= nbytes && pread_all(f.fd, b.bytes.get(), len, start)) {
+      b.off = start;
       b.len = len;
       b.used = f.reads;
       // The reads the block serves continue the run; the next miss comes
       // behind it.
-      run->end = off + len;
-      std::memcpy(dst, b.bytes.get(), static_cast<size_t>(nbytes));
+      run->end = start + len;
+      std::memcpy(dst, b.bytes.get() + (off - start), static_cast<size_t>(nbytes));
       return true;
     }
   }
@@ -212,8 +237,13 @@ namespace {
 // The connection of UNIT, or none. (This and the next are on the path of
 // every record read.)
 [[gnu::always_inline]] inline const Connection* connection(const UnitTable& U, int32_t unit) {
-  auto it = U.units.find(unit);
-  return it == U.units.end() || !it->second.file ? nullptr : &it->second;
+  if (U.found_conn == nullptr || U.found_unit != unit) {
+    auto it = U.units.find(unit);
+    if (it == U.units.end()) return nullptr;
+    U.found_unit = unit;
+    U.found_conn = &it->second;
+  }
+  return U.found_conn->file ? U.found_conn : nullptr;
 }
 
 // The byte offset of record REC of UNIT when NBYTES of it can be read, or -1.
@@ -234,6 +264,16 @@ bool read_record(UnitTable& U, int32_t unit, int64_t rec, void* dst, int64_t nby
   if (off == kNoRecord) return false;
   if (nbytes == 0) return true;
   return read_at(*c->file, dst, nbytes, off);
+}
+
+void unit_reconnect(UnitTable& U, int32_t unit, const Connection& c) {
+  if (!c.file) {
+    unit_close(U, unit);
+    return;
+  }
+  Connection& now = U.units[unit];
+  if (now.file != c.file) now.file = c.file;
+  now.reclen = c.reclen;
 }
 
 Connection unit_connection(const UnitTable& U, int32_t unit) {
@@ -289,10 +329,18 @@ namespace {
 template <class T>
 bool read_values(UnitTable& U, int32_t unit, int64_t rec, VecRef<T> dst, int64_t n) {
   if (n <= 0) return read_record(U, unit, rec, nullptr, 0);
-  std::vector<T> tmp(static_cast<size_t>(checked_count(sizeof(T), n)));
-  if (!read_record(U, unit, rec, tmp.data(), n * static_cast<int64_t>(sizeof(T)))) return false;
+  const int64_t count = checked_count(sizeof(T), n);
+  // A record's worth of values goes through the table's buffer; a longer
+  // read takes its own.
+  std::vector<T> own;
+  T* tmp = reinterpret_cast<T*>(U.values.data());
+  if (count > static_cast<int64_t>(U.values.size() * sizeof(double) / sizeof(T))) {
+    own.resize(static_cast<size_t>(count));
+    tmp = own.data();
+  }
+  if (!read_record(U, unit, rec, tmp, n * static_cast<int64_t>(sizeof(T)))) return false;
   const int64_t fit = std::min<int64_t>(n, dst.size());
-  if (fit > 0) std::memcpy(dst.data(), tmp.data(), static_cast<size_t>(fit) * sizeof(T));
+  if (fit > 0) std::memcpy(dst.data(), tmp, static_cast<size_t>(fit) * sizeof(T));
   if (fit < n) report_bound_failure(dst.name(), dst.lo() + fit, dst.lo(), dst.hi());
   return true;
 }
@@ -309,6 +357,7 @@ bool read_i32(UnitTable& U, int32_t unit, int64_t rec, VecRef<int32_t> dst, int6
 
 void close_all_units(UnitTable& U) {
   U.units.clear();
+  U.found_conn = nullptr;
   forget_recent(U);
   if (!U.keep_files) {
     U.files.clear();
@@ -322,8 +371,8 @@ void close_all_units(UnitTable& U) {
         continue;
       }
       std::erase_if(k.file->walks, [](const auto& w) { return w.second->end_status == 2; });
-      // Blocks serve one call: the next takes the file as the stat finds it.
-      k.file->blocks = {};
+      // The blocks hold the file's bytes as the walks hold its directory:
+      // they serve the next call once the stat finds the file unchanged.
       k.file->runs = {};
       ++it;
     }
@@ -339,6 +388,7 @@ void close_all_units(UnitTable& U) {
 
 void release_files(UnitTable& U) {
   U.units.clear();
+  U.found_conn = nullptr;
   forget_recent(U);
   U.files.clear();
 }

@@ -46,6 +46,9 @@ int64_t read_records(UnitTable& U, int32_t unit, int64_t first, int64_t count, i
 // keeps it reads the records of the section the unit was positioned on after
 // the unit has moved to another section of the same file.
 Connection unit_connection(const UnitTable& U, int32_t unit);
+// Gives UNIT the connection C (none: closes it), as a look-up that is
+// replayed left it.
+void unit_reconnect(UnitTable& U, int32_t unit, const Connection& c);
 // As read_records, on a kept connection.
 int64_t read_records(const Connection& c, int64_t first, int64_t count, int64_t nbytes, void* dst,
                      std::vector<char>* ok);

@@ -220,17 +220,24 @@ LineRecord read_record(const LineLayout& T, ArchiveReader A, LineElementArrays& 
 // once each; what the arrays hold is filled, the rest stays zero.
 void unpack_matrix(const LineLayout& T, LineElementArrays& E, LineRecord& rec) {
   Mat<double>& STRS = E.STRS;
-  STRS.fill(0.0);
   rec.nrow_in = STRS.fit_rows(rec.NROW);
   rec.neq_in = STRS.fit_cols(rec.NEQ);
+  // Each column is copied whole where it lies in SA and cleared below; the
+  // columns behind the last one copied are cleared together.
+  const int64_t ld = STRS.rows();
+  int64_t cleared_from = 1;  // the first column not yet set
   for (int64_t j = 1; j <= rec.neq_in; ++j) {
     // Column j lies at SA(NEQ + (j - 1) NROW + 1 ...): once a column runs past
     // SA, every later one starts past it.
     const int64_t start = int64_t{rec.NEQ} + (j - 1) * rec.NROW + 1;
     const int64_t n = E.SA.fit(start, rec.nrow_in);
-    for (int64_t r = 1; r <= n; ++r) STRS(r, j) = E.SA(start + r - 1);
+    double* col = STRS.col(j);
+    if (n > 0) std::copy_n(E.SA.data() + (start - 1), n, col);
+    std::fill(col + n, col + ld, 0.0);
+    cleared_from = j + 1;
     if (n < rec.nrow_in) break;
   }
+  std::fill(STRS.data() + (cleared_from - 1) * ld, STRS.data() + STRS.cols() * ld, 0.0);
   E.SIG.fill(0.0);
   for (const FactorBlock& f : T.factors) {
     for (int64_t r = f.first; r <= f.last; ++r) E.SIG(r) = STRS(r, f.column);

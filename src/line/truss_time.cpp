@@ -85,9 +85,19 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
   // DISP_EQUATION is asked for no node-axis copy, so it needs no storage.
   MatRef<double> DISP_NO(nullptr, 0, 0, "DISP_NO");
 
+  // The element's arrays, made once and set anew for each element (setting
+  // an array to its extent reuses its storage).
+  Vec<int32_t> LM("LM");
+  Vec<int32_t> IIA("IIA");
+  Mat<double> DISP_EQ("DISP_EQ", 0, 0);
+  // Each element starts from a record of zeros. Only the words the reads
+  // and swaps of the last element reached can be other than zero; an earlier
+  // call may have left any of them.
+  int64_t dirty = SA.size();
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
   for (int64_t k = 1; k <= R.NUM_ITEMS; ++k) {
-    SA.fill(0.0);
+    std::fill(SA.data(), SA.data() + dirty, 0.0);
+    dirty = std::min<int64_t>(kWords, SA.size());
     const int32_t serial = INUM_SERIAL(k);
     A.read_f64(A.find(sections::TRUS, ID), serial, SA.ref(), kWords);
 
@@ -99,6 +109,7 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
     double SCALE = SA(kWords);
     if (extended && hnq) {
       A.read_f64(A.find(sections::EMBT, ID), serial, SA.ref(), kExtendedWords);
+      dirty = std::min<int64_t>(kExtendedWords, SA.size());
       const double F = SA(kWords);
       const double G = SA(kExtendedWords);
       SA(kExtendedWords) = F;
@@ -118,7 +129,7 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
     // no count of the record sizes its arrays.
     int64_t NDOF = SA.fit(1, NDOF_WORD);
     if (NDOF > reclen) NDOF = reclen;
-    Vec<int32_t> LM("LM", NDOF);
+    LM.resize(NDOF);
     for (int64_t i = 1; i <= NDOF; ++i) LM(i) = trunc_i32(SA(i));
 
     // The node lists: NA nodes from SA(1204), NB from SA(1223), the second
@@ -126,7 +137,7 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
     // in the motion, and only those IIA holds.
     NNODE = std::clamp<int64_t>(NNODE, 0, INT32_MAX);
     const int64_t nodes = std::min(NNODE, (NDOF + 5) / 6);
-    Vec<int32_t> IIA("IIA", nodes);
+    IIA.resize(nodes);
     if (extended) {
       const int64_t NA = trunc_i32(SA(1201));
       const int64_t NB = trunc_i32(SA(1202));
@@ -139,7 +150,7 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
       for (int64_t i = lo; i < lo + nb; ++i) IIA(NA + i) = trunc_i32(SA(1222 + i));
     }
 
-    Mat<double> DISP_EQ("DISP_EQ", NDOF, R.NUM_STEPS);
+    DISP_EQ.resize(NDOF, R.NUM_STEPS);
     DISP_EQUATION(M, static_cast<int32_t>(NDOF), DISP_EQ.ref(), DISP_NO, static_cast<int32_t>(NDOF),
                   LM.ref(), IIA.ref(), static_cast<int32_t>(NNODE), 1);
     line_detail::remove_initial_state(R, A, IT, INACTIVE_KIND_TRUSS, serial,

@@ -185,11 +185,17 @@ NodeRecord NodalMotion::node_transform(const SectionRef& ndsp, int64_t node, int
   Vec<double>& TEMP = state.TEMP;
   archive.read_f64(ndsp, node, TEMP.ref(), K + 21);
   NodeRecord rec;
-  for (int32_t i = 1; i <= K; ++i) rec.LM[i - 1] = trunc_i32(TEMP(i));
-  int32_t next = K + 1;
-  for (int i = 0; i < 6; ++i) {
-    for (int j = i; j < 6; ++j) rec.T[i][j] = TEMP(next++);
-  }
+  auto decode = [&](auto V) {
+    for (int32_t i = 1; i <= K; ++i) rec.LM[i - 1] = trunc_i32(V(i));
+    int32_t next = K + 1;
+    for (int i = 0; i < 6; ++i) {
+      for (int j = i; j < 6; ++j) rec.T[i][j] = V(next++);
+    }
+  };
+  if (K >= 0 && K + 21 <= TEMP.size())
+    decode(TEMP.raw());
+  else
+    decode(TEMP.ref());
   return rec;
 }
 

@@ -73,16 +73,18 @@ void read_skew_systems(ArchiveReader A, NodeSkew& S) {
 }
 
 // DISP_NO(r, c) := sum over j of T(r, j) DISP_EQ(j, c), r = 1..6, and the
-// seventh dof as it is, for columns 1..NCOL.
+// seventh dof as it is, for columns 1..NCOL; only row ONLY when it is given.
 template <class In, class Out>
-void to_node_axes(In EQ, Out NO, const NodeRecord& rec, int32_t K, int64_t ncol) {
+void to_node_axes(In EQ, Out NO, const NodeRecord& rec, int32_t K, int64_t ncol, int only = 0) {
+  const int r0 = only == 0 ? 1 : only;
+  const int r1 = only == 0 ? 6 : std::min(only, 6);
   for (int64_t c = 1; c <= ncol; ++c) {
-    for (int r = 1; r <= 6; ++r) {
+    for (int r = r0; r <= r1; ++r) {
       double sum = 0.0;
       for (int j = 1; j <= 6; ++j) sum += rec.T[r - 1][j - 1] * EQ(j, c);
       NO(r, c) = sum;
     }
-    if (K == 7) NO(7, c) = EQ(7, c);
+    if (K == 7 && (only == 0 || only == 7)) NO(7, c) = EQ(7, c);
   }
 }
 
@@ -155,8 +157,14 @@ void DISP_VELO_ACCEL(NodalMotion& M, NodeSkew& S, Tdsp& TDSP, VecRef<int32_t> IN
       for (int32_t i = 1; i <= K; ++i) fetch.dof(i, rec.LM[i - 1], node, i);
       fetch.finish();
 
+      // An envelope's first pass reads row RESULT_COMP alone; unless a skew
+      // system mixes the rows, only that row is formed.
+      const int32_t C = R.RESULT_COMP;
+      const bool skewed = AXIS_FLAG == 0 && S.NUM_SKEW > 0;
+      const int only =
+          mode == 3 && p == 1 && !skewed && C >= 1 && (C <= 6 || (C == 7 && K == 7)) ? C : 0;
       if (DISP_EQ.ref().holds(K, ncol))
-        to_node_axes(DISP_EQ.raw(), DISP_NO.raw(), rec, K, ncol);
+        to_node_axes(DISP_EQ.raw(), DISP_NO.raw(), rec, K, ncol, only);
       else
         to_node_axes(DISP_EQ.ref(), DISP_NO.ref(), rec, K, ncol);
       if (AXIS_FLAG == 0 && S.NUM_SKEW > 0) {
@@ -169,7 +177,6 @@ void DISP_VELO_ACCEL(NodalMotion& M, NodeSkew& S, Tdsp& TDSP, VecRef<int32_t> IN
       }
 
       if (mode == 3 && p == 1) {
-        const int32_t C = R.RESULT_COMP;
         int64_t smax = 1, smin = 1;
         MatRef<double> NO = DISP_NO.ref();
         if (C >= 1 && NO.holds(C, R.NUM_STEPS) && R.NUM_STEPS >= 1)

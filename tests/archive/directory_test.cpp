@@ -92,6 +92,32 @@ TEST(DirectoryLookup, FindsSectionsAndMissesSilently) {
   EXPECT_EQ(std::tuple(r.status, r.first, r.reclen, r.nrec, r.out), std::tuple(4, 0, 0, 0, ""));
 }
 
+// A look-up made again in the same call, after others moved its unit,
+// finds the same, leaves the unit on its own section again, and a failing
+// one prints its line each time.
+TEST(DirectoryLookup, RepeatedLookUpsInACallAgree) {
+  TempDir dir;
+  const std::string path = dir.file("r.PA2");
+  ArchiveFile f;
+  f.add(sections::TRUS, 3, 6, 4).put_f64(3, 0, 30.0);
+  f.add(sections::BEAM, 3, 2, 1).put_f64(1, 0, 7.5);
+  f.write(path);
+  KernelState K;
+  const std::string bad = error_line("TRUS", "    3");
+  for (int round = 0; round < 3; ++round) {
+    const Lookup t = plain(K, path, "TRUS", 3);
+    EXPECT_EQ(std::tuple(t.status, t.reclen, t.nrec, t.out), std::tuple(0, 6, 4, ""));
+    double v = 0;
+    EXPECT_TRUE(read_record(K.units, 63, t.first + 2, &v, 24));
+    EXPECT_EQ(v, 30.0);
+    EXPECT_EQ(plain(K, path, "TRUS", 3, 5).out, bad);
+    EXPECT_FALSE(read_record(K.units, 63, t.first + 2, &v, 24));
+    EXPECT_EQ(plain(K, path, "BEAM", 3).reclen, 2);
+    EXPECT_EQ(plain(K, dir.file("none.PA2"), "TRUS", 3).out, bad);
+    EXPECT_FALSE(read_record(K.units, 63, 1, &v, 8));
+  }
+}
+
 TEST(DirectoryLookup, ChainedBlocksAreFollowedUntilABlankEntry) {
   TempDir dir;
   const std::string path = dir.file("a.PA2");
