@@ -107,14 +107,14 @@ TEST(DirectoryLookup, RepeatedLookUpsInACallAgree) {
   for (int round = 0; round < 3; ++round) {
     const Lookup t = plain(K, path, "TRUS", 3);
     EXPECT_EQ(std::tuple(t.status, t.reclen, t.nrec, t.out), std::tuple(0, 6, 4, ""));
-    double v = 0;
-    EXPECT_TRUE(read_record(K.units, 63, t.first + 2, &v, 24));
-    EXPECT_EQ(v, 30.0);
+    double v[3] = {};
+    EXPECT_TRUE(read_record(K.units, 63, t.first + 2, v, 24));
+    EXPECT_EQ(v[0], 30.0);
     EXPECT_EQ(plain(K, path, "TRUS", 3, 5).out, bad);
-    EXPECT_FALSE(read_record(K.units, 63, t.first + 2, &v, 24));
+    EXPECT_FALSE(read_record(K.units, 63, t.first + 2, v, 24));
     EXPECT_EQ(plain(K, path, "BEAM", 3).reclen, 2);
     EXPECT_EQ(plain(K, dir.file("none.PA2"), "TRUS", 3).out, bad);
-    EXPECT_FALSE(read_record(K.units, 63, 1, &v, 8));
+    EXPECT_FALSE(read_record(K.units, 63, 1, v, 8));
   }
 }
 
