@@ -108,14 +108,19 @@ void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<
                    int32_t NO_TRANSFORM) {
   fetch_displacements(M, NDOF, DISP_EQ, NLM, LM, IIA, NNODE);
   if (NO_TRANSFORM == 1) return;
+  turn_to_node_axes(M, NDOF, DISP_EQ, DISP_NO, IIA, NNODE, M.run.NUM_STEPS);
+}
 
+void turn_to_node_axes(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ,
+                       MatRef<double> DISP_NO, VecRef<int32_t> IIA, int32_t NNODE,
+                       int64_t NCOLS) {
   const RunContext& R = M.run;
   const SectionRef ndsp = M.archive.find(sections::NDSP, 3);
   const int64_t ncol = DISP_NO.cols();
   clear_rows(DISP_NO.raw(), DISP_NO.fit_rows(NDOF), ncol);
   const int32_t K = M.node_dofs();
   const bool wall = R.ELEM_TYPE == 14;
-  const int64_t nsteps = R.NUM_STEPS;
+  const int64_t nsteps = NCOLS;
   // Nodes whose rows all lie past DISP_NO would only drop their writes: the
   // first such row is reported, and the turn stops there.
   const int64_t reach = (DISP_NO.rows() + 5) / 6;

@@ -202,8 +202,12 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
   Vec<double> SA("SA", kWords);
   Vec<int32_t> LM("LM", kDof), IIA("IIA", 8);
   Mat<double> XYZ("XYZ", 3, 9), K("SK", 54, 54), STRS("STRS", kDof, kDof), C9("C9", 6, kDof);
-  Mat<double> DISP_EQ("DISP_EQ", kDof, nsteps), DISP_NO("DISP_NO", kDof, nsteps);
-  Mat<double> FORCE("FORCE", kDof, nsteps), U9("U9", 6, nsteps);
+  // A long history of one row needs only the probe's columns. FORCE holds
+  // the forces in rows 1..48 and the motion of node 9 behind them.
+  const int32_t table = ItemRows::combinable(R, TDSP, kRows) ? 0 : nsteps;
+  Mat<double> DISP_EQ("DISP_EQ", kDof, table), DISP_NO("DISP_NO", kDof, table);
+  Mat<double> FORCE("FORCE", kDof + 6, table);
+  StepProbe probe(kDof, kDof + 6);
   double sig[300];
   VecRef<double> SIG(sig, 300, "SIG");
   double DISP_LOCAL[54], ST[72], SUB[4][40];
@@ -250,50 +254,60 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
         for (int c = 0; c < 3; ++c) PT[r][c] = PANEL_T(r + 1, c + 1);
     }
 
-    DISP_EQUATION(M, kDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nnod, 0);
-
-    // Stiffness, condensation and the recovery of node 9, once per element.
-    sub_elements(E, nnod, XYZ.ref(), PT);
-    PLATE_STF(P, E, K.ref());
-    STRS.fill(0.0);
-    C9.fill(0.0);
-    if (nnod == 8) {
-      STCOND_STF_LOD(C.diag, K.ref(), STRS.ref(), C9.ref());
-    } else {
-      for (int c = 1; c <= 36; ++c)
-        for (int r = 1; r <= 36; ++r) STRS(r, c) = K(r, c);
-    }
-    FORCE.fill(0.0);
-    U9.fill(0.0);
-    if (nsteps > 0) {
-      if (neq > 0)
-        DGEMM('N', 'N', kDof, nsteps, neq, 1.0, STRS.data(), kDof, DISP_EQ.data(), kDof, 0.0,
-              FORCE.data(), kDof);
-      if (nnod == 8)
-        DGEMM('N', 'N', 6, nsteps, kDof, -1.0, C9.data(), 6, DISP_NO.data(), kDof, 0.0, U9.data(),
-              6);
-    }
-
+    // The steps on the columns of DISP_EQ and DISP_NO, each affine in them:
+    // the forces and node 9 (rows 49..54 of FORCE) are products with the
+    // element's condensed stiffness, the stresses those of the sub-elements
+    // set up at step 1.
     ItemRows rows(TDSP, R, kRows, kDof, 72, p);
-    for (int32_t s = 1; s <= nsteps; ++s) {
-      std::fill(sig, sig + 300, 0.0);
-      std::copy(FORCE.col(s), FORCE.col(s) + kDof, sig);
-      const double* dn = DISP_NO.col(s);
-      const double* d9 = U9.col(s);
-      for (int32_t q = 0; q < 18; ++q) {
-        const double* g = q < 16 ? dn + 3 * q : d9 + 3 * (q - 16);
-        for (int r = 0; r < 3; ++r)
-          DISP_LOCAL[3 * q + r] = PT[r][0] * g[0] + PT[r][1] * g[1] + PT[r][2] * g[2];
+    auto steps = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols,
+                     auto&& put) {
+      // Stiffness, condensation and the recovery of node 9, once per element.
+      sub_elements(E, nnod, XYZ.ref(), PT);
+      PLATE_STF(P, E, K.ref());
+      STRS.fill(0.0);
+      C9.fill(0.0);
+      if (nnod == 8) {
+        STCOND_STF_LOD(C.diag, K.ref(), STRS.ref(), C9.ref());
+      } else {
+        for (int c = 1; c <= 36; ++c)
+          for (int r = 1; r <= 36; ++r) STRS(r, c) = K(r, c);
       }
-      PLATE_STRESS_HIGH(P, V, E, DISP_LOCAL, ST, SUB, s);
-      std::copy(ST, ST + 72, sig + kDof);
-      VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
-      for (int32_t b = 0; b <= nnod; ++b)
-        plate_result_block(SIG.sub(kDof + 1 + 8 * b, 8), SIG.sub(121 + 14 * b, 14), T);
-      LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
-
-      rows.put(s, sig);
+      FRC.fill(0.0);
+      if (ncols > 0) {
+        if (neq > 0)
+          DGEMM('N', 'N', kDof, ncols, neq, 1.0, STRS.data(), kDof, DEQ.data(), kDof, 0.0,
+                FRC.data(), kDof + 6);
+        if (nnod == 8)
+          DGEMM('N', 'N', 6, ncols, kDof, -1.0, C9.data(), 6, DNO.data(), kDof, 0.0,
+                FRC.data() + kDof, kDof + 6);
+      }
+      for (int32_t s = 1; s <= ncols; ++s) {
+        std::fill(sig, sig + 300, 0.0);
+        std::copy(FRC.col(s), FRC.col(s) + kDof, sig);
+        const double* dn = DNO.col(s);
+        const double* d9 = FRC.col(s) + kDof;
+        for (int32_t q = 0; q < 18; ++q) {
+          const double* g = q < 16 ? dn + 3 * q : d9 + 3 * (q - 16);
+          for (int r = 0; r < 3; ++r)
+            DISP_LOCAL[3 * q + r] = PT[r][0] * g[0] + PT[r][1] * g[1] + PT[r][2] * g[2];
+        }
+        PLATE_STRESS_HIGH(P, V, E, DISP_LOCAL, ST, SUB, s);
+        std::copy(ST, ST + 72, sig + kDof);
+        VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
+        for (int32_t b = 0; b <= nnod; ++b)
+          plate_result_block(SIG.sub(kDof + 1 + 8 * b, 8), SIG.sub(121 + 14 * b, 14), T);
+        LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
+        put(s, sig);
+      }
+    };
+    if (combined_row(M, rows, probe, neq, LM.ref(), IIA.ref(), nnod, steps)) continue;
+    if (DISP_EQ.cols() != nsteps) {
+      DISP_EQ.resize(kDof, nsteps);
+      DISP_NO.resize(kDof, nsteps);
+      FORCE.resize(kDof + 6, nsteps);
     }
+    DISP_EQUATION(M, kDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nnod, 0);
+    steps(DISP_EQ, DISP_NO, FORCE, nsteps, [&](int64_t s, const double* v) { rows.put(s, v); });
   }
 }
 

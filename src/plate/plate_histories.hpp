@@ -6,9 +6,11 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "archive/section_access.hpp"
 #include "core/arrays.hpp"
+#include "nodal/disp_equation.hpp"
 #include "plate/dkmq.hpp"
 #include "plate/dkmt.hpp"
 #include "plate/dkt.hpp"
@@ -46,6 +48,14 @@ class ItemRows {
   ItemRows(Tdsp& TDSP, const RunContext& R, int32_t nrows, int32_t last, int32_t gap, int64_t item);
   // The rows of step S from SIG(1..), which holds nrows + gap values.
   void put(int64_t s, const double* SIG);
+  // Whether the row of a long REQUEST_MODE 1 history, every step of which
+  // fits TDSP, may be combined from the displacement histories.
+  bool combinable() const { return long_ && row_ != nullptr; }
+  // The same before any item, for rows 1..NROWS.
+  static bool combinable(const RunContext& R, const Tdsp& TDSP, int32_t nrows);
+  // Where a step's SIG holds that row (from 0), and the row made afresh.
+  int32_t offset() const { return source(comp_) - 1; }
+  double* fresh_row() { return TDSP_.fresh_row(comp_); }
 
  private:
   int32_t source(int32_t r) const { return r <= last_ ? r : r + gap_; }
@@ -56,7 +66,41 @@ class ItemRows {
   int32_t comp_ = 0;       // the row of REQUEST_MODE 1, 0 when none is delivered
   double* row_ = nullptr;  // its storage, when all steps fit
   bool history_;
+  bool long_ = false;  // more steps than kCombinedSteps
 };
+
+// The probe of an element's step: NDOF + 1 columns of displacements, zero and
+// then each unit vector, their node-axis copy and FORCE_ROWS rows of room
+// for what the step forms from them.
+struct StepProbe {
+  StepProbe(int32_t ndof, int32_t force_rows);
+  Mat<double> DISP_EQ, DISP_NO, FORCE;
+};
+
+// One row of a long history combined from the displacement histories (see
+// DispRow) in place of the element's steps. STEPS(DISP_EQ, DISP_NO, FORCE,
+// NCOLS, PUT) runs the element's steps 1..NCOLS on the columns of DISP_EQ and
+// of its node-axis copy DISP_NO, FORCE being room for NCOLS columns, and hands
+// each step's SIG to PUT(k, SIG). The steps must be affine in DISP_EQ, set up
+// at step 1 and carry nothing from one step into the next: they are then run
+// once on the probe, which gives the row's affine map. False, having done
+// nothing, where the road does not apply.
+template <class Steps>
+bool combined_row(NodalMotion& M, ItemRows& rows, StepProbe& probe, int32_t NEQ,
+                  VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE, Steps steps) {
+  const auto ndof = static_cast<int32_t>(probe.DISP_EQ.rows());
+  if (!rows.combinable()) return false;
+  DispRow row;
+  if (!row.start(M, ndof, NEQ, LM, IIA, NNODE)) return false;
+  turn_to_node_axes(M, ndof, probe.DISP_EQ.ref(), probe.DISP_NO.ref(), IIA, NNODE, ndof + 1);
+  std::vector<double> v(static_cast<size_t>(ndof) + 1);
+  const int32_t at = rows.offset();
+  steps(probe.DISP_EQ, probe.DISP_NO, probe.FORCE, ndof + 1,
+        [&](int64_t k, const double* sig) { v[static_cast<size_t>(k - 1)] = sig[at]; });
+  for (size_t k = 1; k < v.size(); ++k) v[k] -= v[0];
+  row.combine(v.data() + 1, v[0], rows.fresh_row());
+  return true;
+}
 
 // XYZ(1..3, i) := coordinates of node record IIA(i), i = 1..N (section CORD).
 // A record that cannot be read leaves its column as it was.

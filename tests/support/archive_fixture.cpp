@@ -1,5 +1,10 @@
 #include "support/archive_fixture.hpp"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
 namespace respcore::testing {
 
 ArchiveFixture::ArchiveFixture(std::string product_tag, DirectoryForm form)
@@ -30,6 +35,53 @@ void ArchiveFixture::direct_case(const std::vector<std::vector<double>>& disp, i
   std::vector<EquationHistory> eqs;
   for (const auto& d : disp) eqs.push_back({{}, {}, d});
   direct_histories(file_no, eqs, nsteps);
+}
+
+void ArchiveFixture::smooth_motion(size_t nnodes, int32_t nsteps, bool in_modes) {
+  std::vector<NodeTransform> nodes(nnodes);
+  for (size_t n = 0; n < nnodes; ++n)
+    for (int c = 1; c <= 6; ++c) nodes[n].equations.push_back(6.0 * n + c);
+  node_records(nodes);
+  const size_t neq = 6 * nnodes;
+  auto wave = [](double a, int32_t s) { return 1e-3 * std::sin(0.1 * s + a) + 2e-4 * std::cos(a * s); };
+  if (!in_modes) {
+    std::vector<EquationHistory> eqs(neq);
+    for (size_t q = 0; q < neq; ++q)
+      for (int32_t s = 1; s <= nsteps; ++s) eqs[q].disp.push_back(wave(0.7 * q, s));
+    history_cases({{2, 1, nsteps, 0, 0}});
+    direct_histories(1, eqs, nsteps);
+    return;
+  }
+  std::vector<std::vector<std::array<double, 3>>> coord(3);
+  for (size_t m = 0; m < 3; ++m)
+    for (int32_t s = 1; s <= nsteps; ++s) coord[m].push_back({wave(1.3 * m + 0.2, s), 0.0, 0.0});
+  std::vector<std::vector<double>> shapes(neq);
+  for (size_t q = 0; q < neq; ++q)
+    for (size_t m = 0; m < 3; ++m) shapes[q].push_back(std::cos(0.9 * q + 2.1 * m));
+  history_cases({{1, 1, nsteps, 3, 0}});
+  modal(coord, shapes);
+}
+
+void expect_long_rows_agree(Kernel& k, Request r, int nrows, int nforces, int32_t nsteps,
+                            int32_t short_steps) {
+  std::vector<std::vector<double>> whole, part;
+  double scale[2] = {0.0, 0.0};
+  for (r.result_comp = 1; r.result_comp <= nrows; ++r.result_comp) {
+    r.num_steps = nsteps;
+    whole.push_back(k.run(r).values);
+    r.num_steps = short_steps;
+    part.push_back(k.run(r).values);
+    ASSERT_EQ(whole.back().size(), static_cast<size_t>(nsteps));
+    ASSERT_EQ(part.back().size(), static_cast<size_t>(short_steps));
+    for (double v : whole.back()) {
+      double& m = scale[r.result_comp > nforces];
+      m = std::max(m, std::fabs(v));
+    }
+  }
+  for (int c = 0; c < nrows; ++c)
+    for (int32_t s = 0; s < short_steps; ++s)
+      ASSERT_NEAR(whole[c][s], part[c][s], 1e-12 * scale[c >= nforces])
+          << "row " << c + 1 << " step " << s + 1;
 }
 
 std::vector<std::vector<double>> history_rows(Kernel& k, Request r, int nrows) {
