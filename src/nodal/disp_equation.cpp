@@ -156,11 +156,19 @@ bool DispRow::start(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> L
   fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support, int64_t) -> MotionFetch& {
     return fetch_.emplace(M, Quantity::Displacement, support, NDOF);
   });
+  nsteps_ = R.NUM_STEPS;
+  ndof_ = NDOF;
   return true;
 }
 
-void DispRow::combine(const double* COEF, double BASE, double* OUT) {
-  if (fetch_) fetch_->combine(COEF, BASE, OUT);
+void DispRow::combine(const double* COEF, double BASE, double* OUT, double* LAST) {
+  if (fetch_) {
+    fetch_->combine(COEF, BASE, OUT, LAST);
+    return;
+  }
+  // No fetch was made (the case has no storage it knows): no motion.
+  std::fill(OUT, OUT + std::max(nsteps_, int64_t{0}), BASE);
+  if (LAST != nullptr) std::fill(LAST, LAST + std::max(ndof_, 0), 0.0);
 }
 
 }  // namespace respcore

@@ -81,13 +81,13 @@ TEST(LongPlateHistories, EveryRowAgreesWithTheStepByStepRoad) {
       SCOPED_TRACE(::testing::Message() << (modal ? "modal" : "direct") << " element " << e);
       Request q = f.request(3, 1, kLong);
       q.serials = {e}, q.elements = {e};
-      expect_long_rows_agree(k, q, 94, 24, kLong, kShort);
+      expect_long_rows_agree(k, q, {24, 94}, kLong, kShort);
       if (e > 2) continue;
       Request h = high.request(7, 1, kLong), g = general.request(3, 1, kLong);
       h.serials = g.serials = {e};
       g.product_index = 6;
-      expect_long_rows_agree(k, h, 174, 48, kLong, kShort);
-      expect_long_rows_agree(k, g, 94, 24, kLong, kShort);
+      expect_long_rows_agree(k, h, {48, 174}, kLong, kShort);
+      expect_long_rows_agree(k, g, {24, 94}, kLong, kShort);
     }
   }
 }
