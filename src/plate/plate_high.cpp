@@ -105,8 +105,9 @@ void PLATE_STF(const PlateContext& P, SubElements& E, MatRef<double> K) {
 
 // Condenses node 9 (rows and columns 49..54) out of K(54,54): KC(48,48) =
 // K_rr - K_r9 inv(K_99) K_9r, and C9(6,48) = inv(K_99) K_9r, which gives
-// node 9 from the others (no load acts on it).
-void STCOND_STF_LOD(Diagnostics& D, MatRef<double> K, MatRef<double> KC, MatRef<double> C9) {
+// node 9 from the others (no load acts on it). Without WITH_KC only C9.
+void STCOND_STF_LOD(Diagnostics& D, MatRef<double> K, MatRef<double> KC, MatRef<double> C9,
+                    bool with_kc) {
   double a[36], ainv[36];
   MatRef<double> A(a, 6, 6, "K99"), AINV(ainv, 6, 6, "K99");
   for (int j = 1; j <= 6; ++j)
@@ -118,6 +119,7 @@ void STCOND_STF_LOD(Diagnostics& D, MatRef<double> K, MatRef<double> KC, MatRef<
       for (int k = 1; k <= 6; ++k) v += AINV(i, k) * K(kDof + k, c);
       C9(i, c) = v;
     }
+  if (!with_kc) return;
   for (int c = 1; c <= kDof; ++c)
     for (int r = 1; r <= kDof; ++r) {
       double v = K(r, c);
@@ -208,6 +210,9 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
   Mat<double> DISP_EQ("DISP_EQ", kDof, table), DISP_NO("DISP_NO", kDof, table);
   Mat<double> FORCE("FORCE", kDof + 6, table);
   StepProbe probe(kDof, kDof + 6);
+  // Under REQUEST_MODE 1 only row RESULT_COMP is delivered: a row behind the
+  // forces needs neither the condensed stiffness nor the forces.
+  const bool forces = R.REQUEST_MODE != 1 || R.RESULT_COMP <= kDof;
   double sig[300];
   VecRef<double> SIG(sig, 300, "SIG");
   double DISP_LOCAL[54], ST[72], SUB[4][40];
@@ -267,14 +272,14 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
       STRS.fill(0.0);
       C9.fill(0.0);
       if (nnod == 8) {
-        STCOND_STF_LOD(C.diag, K.ref(), STRS.ref(), C9.ref());
+        STCOND_STF_LOD(C.diag, K.ref(), STRS.ref(), C9.ref(), forces);
       } else {
         for (int c = 1; c <= 36; ++c)
           for (int r = 1; r <= 36; ++r) STRS(r, c) = K(r, c);
       }
       FRC.fill(0.0);
       if (ncols > 0) {
-        if (neq > 0)
+        if (neq > 0 && forces)
           DGEMM('N', 'N', kDof, ncols, neq, 1.0, STRS.data(), kDof, DEQ.data(), kDof, 0.0,
                 FRC.data(), kDof + 6);
         if (nnod == 8)
@@ -296,7 +301,7 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
         VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
         for (int32_t b = 0; b <= nnod; ++b)
           plate_result_block(SIG.sub(kDof + 1 + 8 * b, 8), SIG.sub(121 + 14 * b, 14), T);
-        LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
+        if (forces) LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
         put(s, sig);
       }
     };
