@@ -231,8 +231,7 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
     // the displacements (offsets, released freedoms, products with the
     // element's set-up), the formulations set up at step 1.
     ItemRows rows(TDSP, R, kRows, 24, 40, ie);
-    auto steps = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols,
-                     auto&& put) {
+    auto prepare = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols) {
       if (e.offset_sum > kOffsetTolerance)
         RECOV_DISP_OFFSET_TIME(DNO.ref(), kMaxDof, ncols, nnode, TR.ref(), OFFSET.ref());
       if (e.rls_flag == 1)
@@ -258,60 +257,60 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
       if (e.neq > 0 && ncols > 0)
         DGEMM('N', 'N', kMaxDof, ncols, e.neq, 1.0, P14.data(), kMaxDof, DEQ.data(), kMaxDof, 0.0,
               FRC.data(), kMaxDof);
-
-      double t[3][3];
-      for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 3; ++c) t[r][c] = TR(r + 1, c + 1);
-      for (int32_t k = 1; k <= ncols; ++k) {
-        std::fill(sig, sig + 200, 0.0);
-        const double* dn = DNO.col(k);
-        for (int32_t n = 0; n < 2 * nnode; ++n)
-          for (int r = 0; r < 3; ++r)
-            D(3 * n + r + 1) =
-                t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
-
-        run_formulation(P, V, e, D.ref(), XYZ.ref(), TR.ref(), k);
-        std::copy(V.ST, V.ST + 40, sig + 24);
-        if (nnode == 4) {
-          TRTONO(SIG, 6, 8);
-          if (e.variant == 3) std::copy(sig + 24, sig + 64, V.ST);
-        } else if (e.variant == 4) {
-          CURVED_EXPOLATE(SIG.sub(25, 40), 3);
-        }
-
-        if (e.variant == 2) {
-          VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
-          for (int p = 0; p < 5; ++p)
-            plate_result_block(SIG.sub(25 + 8 * p, 8), SIG.sub(65 + 14 * p, 14), T);
-        } else if (e.variant == 3) {
-          stiffened_blocks(V.st(), SIG, MAT.PLATE_PROP);
-        } else if (e.variant == 4) {
-          if (k == 1) {
-            THK.fill(MAT.PLATE_PROP[0]);
-            if (nnode == 3) THK(5) = 0.0;
-          }
-          COMPUTE_PLATE_STRAIN(P, V.strain, STRAIN.ref(), SIG.sub(25, 40), TR.ref(), THK.ref(),
-                               nnode, 0, k, ncols, 0);
-          MIX_STRESS_STRAIN(SIG.sub(25, 40), SIG.sub(65, 70), STRAIN.ref(), nnode,
-                            half_top ? 0.5 : MAT.PLATE_PROP[8], -0.5, THK.ref(), MAT.plate_prop());
-        }
-
-        // Forces to element axes; rows past the element's nodes are cleared.
-        GLOTOLOC_FOC(VecRef<double>(FRC.col(k), kMaxDof, "FORCE"), SIG.sub(1, kMaxDof),
-                     6 * nnode, TR.ref());
-        if (std::fabs(angle) > kAngleTolerance)
-          TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(nnode, angle, SIG.sub(1, 134));
-        put(k, sig);
-      }
     };
-    if (combined_row(M, rows, probe, e.neq, LM.ref(), IIA.ref(), nnode, steps)) continue;
+    double t[3][3];
+    for (int r = 0; r < 3; ++r)
+      for (int c = 0; c < 3; ++c) t[r][c] = TR(r + 1, c + 1);
+    auto step = [&](int32_t k, const double* dn, double* frc) {
+      std::fill(sig, sig + 200, 0.0);
+      for (int32_t n = 0; n < 2 * nnode; ++n)
+        for (int r = 0; r < 3; ++r)
+          D(3 * n + r + 1) =
+              t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
+
+      run_formulation(P, V, e, D.ref(), XYZ.ref(), TR.ref(), k);
+      std::copy(V.ST, V.ST + 40, sig + 24);
+      if (nnode == 4) {
+        TRTONO(SIG, 6, 8);
+        if (e.variant == 3) std::copy(sig + 24, sig + 64, V.ST);
+      } else if (e.variant == 4) {
+        CURVED_EXPOLATE(SIG.sub(25, 40), 3);
+      }
+
+      if (e.variant == 2) {
+        VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
+        for (int p = 0; p < 5; ++p)
+          plate_result_block(SIG.sub(25 + 8 * p, 8), SIG.sub(65 + 14 * p, 14), T);
+      } else if (e.variant == 3) {
+        stiffened_blocks(V.st(), SIG, MAT.PLATE_PROP);
+      } else if (e.variant == 4) {
+        if (k == 1) {
+          THK.fill(MAT.PLATE_PROP[0]);
+          if (nnode == 3) THK(5) = 0.0;
+        }
+        COMPUTE_PLATE_STRAIN(P, V.strain, STRAIN.ref(), SIG.sub(25, 40), TR.ref(), THK.ref(),
+                             nnode, 0, k, nsteps, 0);
+        MIX_STRESS_STRAIN(SIG.sub(25, 40), SIG.sub(65, 70), STRAIN.ref(), nnode,
+                          half_top ? 0.5 : MAT.PLATE_PROP[8], -0.5, THK.ref(), MAT.plate_prop());
+      }
+
+      // Forces to element axes; rows past the element's nodes are cleared.
+      GLOTOLOC_FOC(VecRef<double>(frc, kMaxDof, "FORCE"), SIG.sub(1, kMaxDof),
+                   6 * nnode, TR.ref());
+      if (std::fabs(angle) > kAngleTolerance)
+        TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(nnode, angle, SIG.sub(1, 134));
+      return static_cast<const double*>(sig);
+    };
+    if (combined_row(M, rows, probe, e.neq, LM.ref(), IIA.ref(), nnode, true, prepare, step))
+      continue;
     if (DISP_EQ.cols() != nsteps) {
       DISP_EQ.resize(kMaxDof, nsteps);
       DISP_NO.resize(kMaxDof, nsteps);
       FORCE.resize(kMaxDof, nsteps);
     }
     DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), e.neq, LM.ref(), IIA.ref(), nnode, 0);
-    steps(DISP_EQ, DISP_NO, FORCE, nsteps, [&](int64_t k, const double* s) { rows.put(k, s); });
+    prepare(DISP_EQ, DISP_NO, FORCE, nsteps);
+    for (int32_t k = 1; k <= nsteps; ++k) rows.put(k, step(k, DISP_NO.col(k), FORCE.col(k)));
   }
 }
 

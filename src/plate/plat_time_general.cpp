@@ -127,49 +127,48 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
     // The steps on the columns of DISP_EQ and DISP_NO, each affine in them:
     // the offsets and the record's two matrices.
     ItemRows rows(TDSP, R, kRows, 24, 40, ie);
-    auto steps = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols,
-                     auto&& put) {
+    auto prepare = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols) {
       if (trunc_i32(TEMP(1)) == 1)
         RECOV_DISP_OFFSET_TIME(DNO.ref(), kMaxDof, ncols, nnode, TR.ref(), OFFSET.ref());
       FRC.fill(0.0);
       if (neq > 0 && ncols > 0)
         DGEMM('N', 'N', kMaxDof, ncols, neq, 1.0, FORC_DISP.data(), kMaxDof, DEQ.data(), kMaxDof,
               0.0, FRC.data(), kMaxDof);
-
-      double t[3][3];
-      for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 3; ++c) t[r][c] = TR(r + 1, c + 1);
-      for (int32_t k = 1; k <= ncols; ++k) {
-        std::fill(sig, sig + 200, 0.0);
-        std::copy(FRC.col(k), FRC.col(k) + neq, sig);
-        const double* dn = DNO.col(k);
-        for (int32_t n = 0; n < 2 * nnode; ++n)
-          for (int r = 0; r < 3; ++r)
-            D(3 * n + r + 1) =
-                t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
-        for (int32_t m = 1; m <= nstress; ++m) {
-          double s = 0.0;
-          for (int32_t i = 1; i <= neq; ++i) s += STRS_DISP(m, i) * D(i);
-          SIG(24 + m) += s;
-        }
-        if (nnode == 4)
-          TRTONO(SIG, 6, 8);
-        else
-          CURVED_EXPOLATE(SIG.sub(25, 40), 3);
-        MIX_STRESS(SIG.sub(25, 40), SIG.sub(65, 70), nnode, MAT.PLATE_PROP[8], MAT.PLATE_PROP[9],
-                   THK.ref());
-        if (form == 1) COMPUTE_SHEAR_FORCE(SIG.sub(65, 70), XYZ.ref(), TR.ref(), nnode);
-        put(k, sig);
-      }
     };
-    if (combined_row(M, rows, probe, neq, LM.ref(), IIA.ref(), nnode, steps)) continue;
+    double t[3][3];
+    for (int r = 0; r < 3; ++r)
+      for (int c = 0; c < 3; ++c) t[r][c] = TR(r + 1, c + 1);
+    auto step = [&](int32_t, const double* dn, double* frc) {
+      std::fill(sig, sig + 200, 0.0);
+      std::copy(frc, frc + neq, sig);
+      for (int32_t n = 0; n < 2 * nnode; ++n)
+        for (int r = 0; r < 3; ++r)
+          D(3 * n + r + 1) =
+              t[r][0] * dn[3 * n] + t[r][1] * dn[3 * n + 1] + t[r][2] * dn[3 * n + 2];
+      for (int32_t m = 1; m <= nstress; ++m) {
+        double s = 0.0;
+        for (int32_t i = 1; i <= neq; ++i) s += STRS_DISP(m, i) * D(i);
+        SIG(24 + m) += s;
+      }
+      if (nnode == 4)
+        TRTONO(SIG, 6, 8);
+      else
+        CURVED_EXPOLATE(SIG.sub(25, 40), 3);
+      MIX_STRESS(SIG.sub(25, 40), SIG.sub(65, 70), nnode, MAT.PLATE_PROP[8], MAT.PLATE_PROP[9],
+                 THK.ref());
+      if (form == 1) COMPUTE_SHEAR_FORCE(SIG.sub(65, 70), XYZ.ref(), TR.ref(), nnode);
+      return static_cast<const double*>(sig);
+    };
+    if (combined_row(M, rows, probe, neq, LM.ref(), IIA.ref(), nnode, false, prepare, step))
+      continue;
     if (DISP_EQ.cols() != nsteps) {
       DISP_EQ.resize(kMaxDof, nsteps);
       DISP_NO.resize(kMaxDof, nsteps);
       FORCE.resize(kMaxDof, nsteps);
     }
     DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nnode, 0);
-    steps(DISP_EQ, DISP_NO, FORCE, nsteps, [&](int64_t k, const double* v) { rows.put(k, v); });
+    prepare(DISP_EQ, DISP_NO, FORCE, nsteps);
+    for (int32_t k = 1; k <= nsteps; ++k) rows.put(k, step(k, DISP_NO.col(k), FORCE.col(k)));
   }
 }
 

@@ -264,8 +264,7 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
     // element's condensed stiffness, the stresses those of the sub-elements
     // set up at step 1.
     ItemRows rows(TDSP, R, kRows, kDof, 72, p);
-    auto steps = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols,
-                     auto&& put) {
+    auto prepare = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols) {
       // Stiffness, condensation and the recovery of node 9, once per element.
       sub_elements(E, nnod, XYZ.ref(), PT);
       PLATE_STF(P, E, K.ref());
@@ -286,33 +285,35 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
           DGEMM('N', 'N', 6, ncols, kDof, -1.0, C9.data(), 6, DNO.data(), kDof, 0.0,
                 FRC.data() + kDof, kDof + 6);
       }
-      for (int32_t s = 1; s <= ncols; ++s) {
-        std::fill(sig, sig + 300, 0.0);
-        std::copy(FRC.col(s), FRC.col(s) + kDof, sig);
-        const double* dn = DNO.col(s);
-        const double* d9 = FRC.col(s) + kDof;
-        for (int32_t q = 0; q < 18; ++q) {
-          const double* g = q < 16 ? dn + 3 * q : d9 + 3 * (q - 16);
-          for (int r = 0; r < 3; ++r)
-            DISP_LOCAL[3 * q + r] = PT[r][0] * g[0] + PT[r][1] * g[1] + PT[r][2] * g[2];
-        }
-        PLATE_STRESS_HIGH(P, V, E, DISP_LOCAL, ST, SUB, s);
-        std::copy(ST, ST + 72, sig + kDof);
-        VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
-        for (int32_t b = 0; b <= nnod; ++b)
-          plate_result_block(SIG.sub(kDof + 1 + 8 * b, 8), SIG.sub(121 + 14 * b, 14), T);
-        if (forces) LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
-        put(s, sig);
-      }
     };
-    if (combined_row(M, rows, probe, neq, LM.ref(), IIA.ref(), nnod, steps)) continue;
+
+    auto step = [&](int32_t s, const double* dn, double* frc) {
+      std::fill(sig, sig + 300, 0.0);
+      std::copy(frc, frc + kDof, sig);
+      const double* d9 = frc + kDof;
+      for (int32_t q = 0; q < 18; ++q) {
+        const double* g = q < 16 ? dn + 3 * q : d9 + 3 * (q - 16);
+        for (int r = 0; r < 3; ++r)
+          DISP_LOCAL[3 * q + r] = PT[r][0] * g[0] + PT[r][1] * g[1] + PT[r][2] * g[2];
+      }
+      PLATE_STRESS_HIGH(P, V, E, DISP_LOCAL, ST, SUB, s);
+      std::copy(ST, ST + 72, sig + kDof);
+      VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
+      for (int32_t b = 0; b <= nnod; ++b)
+        plate_result_block(SIG.sub(kDof + 1 + 8 * b, 8), SIG.sub(121 + 14 * b, 14), T);
+      if (forces) LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
+      return static_cast<const double*>(sig);
+    };
+    if (combined_row(M, rows, probe, neq, LM.ref(), IIA.ref(), nnod, false, prepare, step))
+      continue;
     if (DISP_EQ.cols() != nsteps) {
       DISP_EQ.resize(kDof, nsteps);
       DISP_NO.resize(kDof, nsteps);
       FORCE.resize(kDof + 6, nsteps);
     }
     DISP_EQUATION(M, kDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nnod, 0);
-    steps(DISP_EQ, DISP_NO, FORCE, nsteps, [&](int64_t s, const double* v) { rows.put(s, v); });
+    prepare(DISP_EQ, DISP_NO, FORCE, nsteps);
+    for (int32_t s = 1; s <= nsteps; ++s) rows.put(s, step(s, DISP_NO.col(s), FORCE.col(s)));
   }
 }
 

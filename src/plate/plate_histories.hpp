@@ -78,27 +78,49 @@ struct StepProbe {
 };
 
 // One row of a long history combined from the displacement histories (see
-// DispRow) in place of the element's steps. STEPS(DISP_EQ, DISP_NO, FORCE,
-// NCOLS, PUT) runs the element's steps 1..NCOLS on the columns of DISP_EQ and
-// of its node-axis copy DISP_NO, FORCE being room for NCOLS columns, and hands
-// each step's SIG to PUT(k, SIG). The steps must be affine in DISP_EQ, set up
-// at step 1 and carry nothing from one step into the next: they are then run
-// once on the probe, which gives the row's affine map. False, having done
-// nothing, where the road does not apply.
-template <class Steps>
+// DispRow) in place of the element's steps. PREPARE(DISP_EQ, DISP_NO, FORCE,
+// NCOLS) readies columns 1..NCOLS of the displacements by equation, DISP_EQ,
+// and of their node-axis copy, DISP_NO, for the steps (and the element for
+// its first step): FORCE is room for NCOLS columns of what it forms.
+// STEP(k, DNO, FRC) then runs step K on one column of each and returns its
+// SIG. Both must be affine in DISP_EQ, the element set up at step 1 only,
+// and no step may read what another left: they are run on the probe, which
+// gives the row's affine map. With LAST_AS_IS the last step runs once more
+// as it is, on the last step's columns, for what it leaves behind, and gives
+// the row's last value. False, having done nothing, where the road does not
+// apply.
+template <class Prepare, class Step>
 bool combined_row(NodalMotion& M, ItemRows& rows, StepProbe& probe, int32_t NEQ,
-                  VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE, Steps steps) {
+                  VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE, bool last_as_is,
+                  Prepare prepare, Step step) {
   const auto ndof = static_cast<int32_t>(probe.DISP_EQ.rows());
   if (!rows.combinable()) return false;
   DispRow row;
   if (!row.start(M, ndof, NEQ, LM, IIA, NNODE)) return false;
-  turn_to_node_axes(M, ndof, probe.DISP_EQ.ref(), probe.DISP_NO.ref(), IIA, NNODE, ndof + 1);
-  std::vector<double> v(static_cast<size_t>(ndof) + 1);
+  Mat<double>& NO = probe.DISP_NO;
+  Mat<double>& F = probe.FORCE;
+  turn_to_node_axes(M, ndof, probe.DISP_EQ.ref(), NO.ref(), IIA, NNODE, ndof + 1);
+  prepare(probe.DISP_EQ, NO, F, ndof + 1);
+  const auto n = static_cast<size_t>(ndof);
+  std::vector<double> v(n + 1), last(n);
   const int32_t at = rows.offset();
-  steps(probe.DISP_EQ, probe.DISP_NO, probe.FORCE, ndof + 1,
-        [&](int64_t k, const double* sig) { v[static_cast<size_t>(k - 1)] = sig[at]; });
-  for (size_t k = 1; k < v.size(); ++k) v[k] -= v[0];
-  row.combine(v.data() + 1, v[0], rows.fresh_row());
+  for (int32_t k = 1; k <= ndof + 1; ++k)
+    v[static_cast<size_t>(k - 1)] = step(k, NO.col(k), F.col(k))[at];
+  for (size_t k = 1; k <= n; ++k) v[k] -= v[0];
+  double* out = rows.fresh_row();
+  row.combine(v.data() + 1, v[0], out, last_as_is ? last.data() : nullptr);
+  const int32_t nsteps = M.run.NUM_STEPS;
+  if (!last_as_is || nsteps < 1) return true;
+  // The last step's columns: the preparation is linear in DISP_EQ, so they
+  // combine from the probe's.
+  std::vector<double> dn(n, 0.0), frc(static_cast<size_t>(F.rows()), 0.0);
+  for (size_t k = 0; k < n; ++k) {
+    const double* a = NO.col(static_cast<int64_t>(k) + 2);
+    const double* b = F.col(static_cast<int64_t>(k) + 2);
+    for (size_t r = 0; r < dn.size(); ++r) dn[r] += a[r] * last[k];
+    for (size_t r = 0; r < frc.size(); ++r) frc[r] += b[r] * last[k];
+  }
+  out[nsteps - 1] = step(nsteps, dn.data(), frc.data())[at];
   return true;
 }
 
