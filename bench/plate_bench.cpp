@@ -21,8 +21,8 @@ using namespace respcore;
 using respcore::bench::alternate;
 using respcore::bench::bench_dir;
 using respcore::bench::history_request;
-using respcore::bench::run_into;
 using respcore::bench::run_each_iteration;
+using respcore::bench::run_into;
 using respcore::bench::snapshot_request;
 
 // Offset of record REC of SEC in its file.

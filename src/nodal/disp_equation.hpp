@@ -20,8 +20,8 @@ void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<
                    int32_t NO_TRANSFORM);
 
 // DISP_NO := DISP_EQUATION's node-axis copy of columns 1..NCOLS of DISP_EQ.
-void turn_to_node_axes(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ,
-                       MatRef<double> DISP_NO, VecRef<int32_t> IIA, int32_t NNODE, int64_t NCOLS);
+void turn_to_node_axes(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<double> DISP_NO,
+                       VecRef<int32_t> IIA, int32_t NNODE, int64_t NCOLS);
 
 // One element over many steps, where only one row of its results is wanted
 // and the element's step is affine in its displacements: the history

@@ -185,8 +185,7 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
         SSIG.resize(nrows, nsteps);
         if (strain) STRAIN_GLOBAL_TIME.resize(kStrainRows, nsteps);
       }
-      DISP_EQUATION(M, kMaxEq, DISP_EQ.ref(), DISP_NO.ref(), E.NEQ, LM.ref(), IIA.ref(), E.NNOD,
-                    0);
+      DISP_EQUATION(M, kMaxEq, DISP_EQ.ref(), DISP_NO.ref(), E.NEQ, LM.ref(), IIA.ref(), E.NNOD, 0);
     }
     STRS.fill(0.0);
     if (strain) {

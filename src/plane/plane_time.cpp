@@ -387,8 +387,8 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
     // The force rows of every step in one product, into SSIG's columns.
     SSIG.fill(0.0);
     if (E.nrow > 0 && E.neq > 0 && nsteps > 0)
-      DGEMM('N', 'N', E.nrow, nsteps, E.neq, 1.0, STRS.data(), kMaxRow, DISP_EQ.data(), kMaxEq,
-            0.0, SSIG.data(), kSsigRows);
+      DGEMM('N', 'N', E.nrow, nsteps, E.neq, 1.0, STRS.data(), kMaxRow, DISP_EQ.data(), kMaxEq, 0.0,
+            SSIG.data(), kSsigRows);
     for (int32_t s = 1; s <= nsteps; ++s)
       pstr_step(K, E, W, s, {SSIG.col(s), DISP_NO.col(s), STRAIN_GLOBAL_TIME.col(s)});
     deliver_plane_rows(R, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kSsigRows,

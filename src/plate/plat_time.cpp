@@ -288,15 +288,14 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
           THK.fill(MAT.PLATE_PROP[0]);
           if (nnode == 3) THK(5) = 0.0;
         }
-        COMPUTE_PLATE_STRAIN(P, V.strain, STRAIN.ref(), SIG.sub(25, 40), TR.ref(), THK.ref(),
-                             nnode, 0, k, nsteps, 0);
+        COMPUTE_PLATE_STRAIN(P, V.strain, STRAIN.ref(), SIG.sub(25, 40), TR.ref(), THK.ref(), nnode,
+                             0, k, nsteps, 0);
         MIX_STRESS_STRAIN(SIG.sub(25, 40), SIG.sub(65, 70), STRAIN.ref(), nnode,
                           half_top ? 0.5 : MAT.PLATE_PROP[8], -0.5, THK.ref(), MAT.plate_prop());
       }
 
       // Forces to element axes; rows past the element's nodes are cleared.
-      GLOTOLOC_FOC(VecRef<double>(frc, kMaxDof, "FORCE"), SIG.sub(1, kMaxDof),
-                   6 * nnode, TR.ref());
+      GLOTOLOC_FOC(VecRef<double>(frc, kMaxDof, "FORCE"), SIG.sub(1, kMaxDof), 6 * nnode, TR.ref());
       if (std::fabs(angle) > kAngleTolerance)
         TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(nnode, angle, SIG.sub(1, 134));
       return static_cast<const double*>(sig);

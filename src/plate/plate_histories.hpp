@@ -90,9 +90,8 @@ struct StepProbe {
 // the row's last value. False, having done nothing, where the road does not
 // apply.
 template <class Prepare, class Step>
-bool combined_row(NodalMotion& M, ItemRows& rows, StepProbe& probe, int32_t NEQ,
-                  VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE, bool last_as_is,
-                  Prepare prepare, Step step) {
+bool combined_row(NodalMotion& M, ItemRows& rows, StepProbe& probe, int32_t NEQ, VecRef<int32_t> LM,
+                  VecRef<int32_t> IIA, int32_t NNODE, bool last_as_is, Prepare prepare, Step step) {
   const auto ndof = static_cast<int32_t>(probe.DISP_EQ.rows());
   if (!rows.combinable()) return false;
   DispRow row;

@@ -59,11 +59,10 @@ class ArchiveFixture {
 // rows[r-1][s-1].
 std::vector<std::vector<double>> history_rows(Kernel& k, Request r, int nrows);
 
-// Every row of R's item over the NSTEPS stored steps agrees, step by step,
-// with the same row over its first SHORT_STEPS steps (long and short
-// histories of one row take different roads), to rounding of the scale of
-// its group of rows: rows 1..ENDS[0], ENDS[0]+1..ENDS[1], ...
-void expect_long_rows_agree(Kernel& k, Request r, std::vector<int> ends, int32_t nsteps,
-                            int32_t short_steps);
+// Every row of R's item over R's steps agrees, step by step, with the same
+// row over its first SHORT_STEPS (long and short histories of one row take
+// different roads), to rounding of the scale of its group of rows: rows
+// 1..ENDS[0], ENDS[0]+1..ENDS[1], ...
+void expect_long_rows_agree(Kernel& k, Request r, std::vector<int> ends, int32_t short_steps);
 
 }  // namespace respcore::testing
