@@ -1,6 +1,6 @@
-// Plane elements: one four-node element over 100,000 steps, and 10,000
-// four-node elements at one step, each beside the plain pread of the bytes
-// its request needs, measured in the same run.
+// Plane elements: one four-node element over 100,000 steps in alternation
+// with the plain pread of the bytes its request needs, and 10,000 four-node
+// elements at one step beside that read, measured in the same run.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -17,8 +17,10 @@ namespace {
 
 using namespace respcore;
 
+using respcore::bench::alternate;
 using respcore::bench::bench_dir;
 using respcore::bench::history_request;
+using respcore::bench::run_into;
 using respcore::bench::run_each_iteration;
 using respcore::bench::snapshot_request;
 
@@ -116,15 +118,19 @@ void plain_element(const MeshArchive& a, int fd2, int fd, int32_t e, double* buf
   }
 }
 
+// One read of the bytes of every element's request.
+void read_bytes(const MeshArchive& a, int64_t nvals, std::vector<double>& buf) {
+  buf.resize(static_cast<size_t>(nvals));
+  const int fd2 = open((a.base + ".PA2").c_str(), O_RDONLY);
+  const int fd = open((a.base + ".PAT1").c_str(), O_RDONLY);
+  for (int32_t e = 1; e <= a.n; ++e) plain_element(a, fd2, fd, e, buf.data(), nvals);
+  close(fd);
+  close(fd2);
+}
+
 void plain_read(benchmark::State& st, const MeshArchive& a, int64_t nvals) {
-  std::vector<double> buf(static_cast<size_t>(nvals));
-  for (auto _ : st) {
-    const int fd2 = open((a.base + ".PA2").c_str(), O_RDONLY);
-    const int fd = open((a.base + ".PAT1").c_str(), O_RDONLY);
-    for (int32_t e = 1; e <= a.n; ++e) plain_element(a, fd2, fd, e, buf.data(), nvals);
-    close(fd);
-    close(fd2);
-  }
+  std::vector<double> buf;
+  for (auto _ : st) read_bytes(a, nvals, buf);
 }
 
 // One element, 100,000 steps.
@@ -133,26 +139,27 @@ MeshArchive& quad_archive() {
   return a;
 }
 
-void BM_QuadHistory_Kernel(benchmark::State& st) {
+// Row COMP of the element over all steps beside the plain read of its
+// bytes, in alternation.
+void history_beside_read(benchmark::State& st, const std::string& label, int32_t comp) {
   MeshArchive& a = quad_archive();
-  run_each_iteration(st, history_request(a.base, 1, 13, a.nsteps));  // centre, xx
-  st.SetItemsProcessed(st.iterations() * a.nsteps);
+  const Request q = history_request(a.base, 1, comp, a.nsteps);
+  Kernel k;
+  std::vector<double> out, buf;
+  alternate(
+      st, label + ", kernel / plain read", [&] { run_into(k, q, out); },
+      [&] { read_bytes(a, a.nsteps, buf); }, 15);
 }
-BENCHMARK(BM_QuadHistory_Kernel)->Unit(benchmark::kMillisecond);
 
-void BM_QuadHistoryForce_Kernel(benchmark::State& st) {
-  MeshArchive& a = quad_archive();
-  run_each_iteration(st, history_request(a.base, 1, 4, a.nsteps));  // node 2, x
-  st.SetItemsProcessed(st.iterations() * a.nsteps);
+void BM_QuadHistory(benchmark::State& st) {
+  history_beside_read(st, "quad, 100000 steps, centre xx", 13);
 }
-BENCHMARK(BM_QuadHistoryForce_Kernel)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_QuadHistory)->Iterations(1)->Unit(benchmark::kMillisecond);
 
-void BM_QuadHistory_PlainRead(benchmark::State& st) {
-  MeshArchive& a = quad_archive();
-  plain_read(st, a, a.nsteps);
-  st.SetItemsProcessed(st.iterations() * a.nsteps);
+void BM_QuadHistoryForce(benchmark::State& st) {
+  history_beside_read(st, "quad, 100000 steps, node 2 force x", 4);
 }
-BENCHMARK(BM_QuadHistory_PlainRead)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_QuadHistoryForce)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // 10,000 elements (100 by 100), 10 stored steps; the request asks for step 7.
 MeshArchive& mesh_archive() {

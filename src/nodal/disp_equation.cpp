@@ -108,14 +108,19 @@ void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<
                    int32_t NO_TRANSFORM) {
   fetch_displacements(M, NDOF, DISP_EQ, NLM, LM, IIA, NNODE);
   if (NO_TRANSFORM == 1) return;
+  turn_to_node_axes(M, NDOF, DISP_EQ, DISP_NO, IIA, NNODE, M.run.NUM_STEPS);
+}
 
+void turn_to_node_axes(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ,
+                       MatRef<double> DISP_NO, VecRef<int32_t> IIA, int32_t NNODE,
+                       int64_t NCOLS) {
   const RunContext& R = M.run;
   const SectionRef ndsp = M.archive.find(sections::NDSP, 3);
   const int64_t ncol = DISP_NO.cols();
   clear_rows(DISP_NO.raw(), DISP_NO.fit_rows(NDOF), ncol);
   const int32_t K = M.node_dofs();
   const bool wall = R.ELEM_TYPE == 14;
-  const int64_t nsteps = R.NUM_STEPS;
+  const int64_t nsteps = NCOLS;
   // Nodes whose rows all lie past DISP_NO would only drop their writes: the
   // first such row is reported, and the turn stops there.
   const int64_t reach = (DISP_NO.rows() + 5) / 6;
@@ -151,11 +156,19 @@ bool DispRow::start(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> L
   fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support, int64_t) -> MotionFetch& {
     return fetch_.emplace(M, Quantity::Displacement, support, NDOF);
   });
+  nsteps_ = R.NUM_STEPS;
+  ndof_ = NDOF;
   return true;
 }
 
-void DispRow::combine(const double* COEF, double BASE, double* OUT) {
-  if (fetch_) fetch_->combine(COEF, BASE, OUT);
+void DispRow::combine(const double* COEF, double BASE, double* OUT, double* LAST) {
+  if (fetch_) {
+    fetch_->combine(COEF, BASE, OUT, LAST);
+    return;
+  }
+  // No fetch was made (the case has no storage it knows): no motion.
+  std::fill(OUT, OUT + std::max(nsteps_, int64_t{0}), BASE);
+  if (LAST != nullptr) std::fill(LAST, LAST + std::max(ndof_, 0), 0.0);
 }
 
 }  // namespace respcore

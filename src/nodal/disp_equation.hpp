@@ -19,6 +19,10 @@ void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<
                    int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE,
                    int32_t NO_TRANSFORM);
 
+// DISP_NO := DISP_EQUATION's node-axis copy of columns 1..NCOLS of DISP_EQ.
+void turn_to_node_axes(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<double> DISP_NO,
+                       VecRef<int32_t> IIA, int32_t NNODE, int64_t NCOLS);
+
 // One element over many steps, where only one row of its results is wanted
 // and the element's step is affine in its displacements: the history
 // BASE + the sum over i of COEF(i) DISP_EQ(i, s), s = 1..NUM_STEPS, with
@@ -35,11 +39,15 @@ class DispRow {
   // do not fit NDOF); the caller then takes DISP_EQUATION.
   bool start(NodalMotion& M, int32_t NDOF, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA,
              int32_t NNODE);
-  // OUT(1..NUM_STEPS) := the history, for COEF(1..NDOF).
-  void combine(const double* COEF, double BASE, double* OUT);
+  // OUT(1..NUM_STEPS) := the history, for COEF(1..NDOF); with LAST,
+  // LAST(1..NDOF) := the displacements of the last step, as DISP_EQ's last
+  // column would hold them.
+  void combine(const double* COEF, double BASE, double* OUT, double* LAST = nullptr);
 
  private:
   std::optional<MotionFetch> fetch_;
+  int64_t nsteps_ = 0;
+  int32_t ndof_ = 0;
 };
 
 // Histories longer than this, of one row, take the combined road.

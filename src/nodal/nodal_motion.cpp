@@ -255,10 +255,12 @@ MotionFetch::MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t nrows
   if (support_) mser_pin_ = M.archive.pin(mser_);
 }
 
-void MotionFetch::combine(const double* coef, double base, double* out) {
+void MotionFetch::combine(const double* coef, double base, double* out, double* last) {
   coef_ = coef;
   base_ = base;
   comb_ = out;
+  last_ = last;
+  if (last_ != nullptr) std::fill(last_, last_ + ncoef_, 0.0);
   if (storage_ == Storage::Modal)
     finish_combined();
   else if (storage_ == Storage::Direct)
@@ -304,6 +306,7 @@ void MotionFetch::finish_combined_direct() {
           std::fill(h, h + cnt, 0.0);
         x[i] = h;
         c[i] = coef_[r.row - 1];
+        if (last_ != nullptr && s0 + cnt == n) last_[r.row - 1] = h[cnt - 1];
       }
       add_combination(comb_ + s0, x, c, k, cnt, 1);
     }
@@ -342,6 +345,8 @@ void MotionFetch::finish_combined() {
   const int64_t nss = R_.NUM_STORED_STEPS;
   std::vector<double> buf(static_cast<size_t>(3 * std::min(n, kBlock)));
   std::vector<char> ok;
+  // The coordinates of the last step, for the rows' motion there.
+  std::vector<double> at_last(static_cast<size_t>(nm), 0.0);
   for (int64_t s0 = 0; s0 < n; s0 += kBlock) {
     const int64_t cnt = std::min(kBlock, n - s0);
     for (int64_t m = 1; m <= nm; ++m) {
@@ -366,7 +371,16 @@ void MotionFetch::finish_combined() {
       }
       const double* x[1] = {v};
       add_combination(y + s0, x, &c[static_cast<size_t>(m - 1)], 1, cnt, 3);
+      if (s0 + cnt == n) at_last[static_cast<size_t>(m - 1)] = v[3 * (cnt - 1)];
     }
+  }
+  if (last_ == nullptr) return;
+  // Each row's motion at the last step, summed from zero in mode order as the
+  // modal sums of the other roads are.
+  for (int64_t r = 1; r <= ncoef_; ++r) {
+    double sum = 0.0;
+    for (int64_t m = 1; m <= nm; ++m) sum += MV(r, m) * at_last[static_cast<size_t>(m - 1)];
+    last_[r - 1] = sum;
   }
 }
 

@@ -103,8 +103,9 @@ class MotionFetch {
   // the rows, so that the steps cost one pass over the modal coordinates of
   // the selected modes, read as they lie in the archive; the sums are then
   // associated differently from the row-by-row road, which changes them by
-  // rounding.
-  void combine(const double* coef, double base, double* out);
+  // rounding. With LAST, LAST(r) := the motion of row r at the last step
+  // (zero for a row not delivered), for r = 1..NROWS.
+  void combine(const double* coef, double base, double* out, double* last = nullptr);
 
   // The motion of one dof into row ROW: EQUATION is its equation number (an
   // equation when positive); NODE and COMP (1..6) place a constrained dof in
@@ -156,6 +157,7 @@ class MotionFetch {
   int64_t ncoef_ = 0;
   double* comb_ = nullptr;
   double base_ = 0.0;
+  double* last_ = nullptr;
   std::vector<char> delivered_;
   PinnedSection mdsp_, dmed_pin_, mser_pin_;
   // Direct storage: the history record of each row, read at the end in

@@ -150,12 +150,16 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
   Vec<int32_t> IIA("IIA", 20);
   Mat<double> XYZ("XYZ", 3, kMaxNode);
   Mat<double> STRS("STRS", kStrsRows, kMaxEq);
-  Mat<double> DISP_EQ("DISP_EQ", kMaxEq, nsteps);
-  Mat<double> DISP_NO("DISP_NO", kMaxEq, nsteps);
-  // One row of a long history (REQUEST_MODE 1) is combined from the step's
-  // inputs: its step tables need one column.
-  const bool affine = R.REQUEST_MODE == 1 && nsteps > kAffineSteps;
-  const int32_t ncols = affine ? 1 : nsteps;
+  // One row of a long history (REQUEST_MODE 1) is combined from the
+  // displacement histories when TDSP holds its steps; the step tables are
+  // then made only for an element off that road.
+  const int32_t c = R.RESULT_COMP;
+  const bool strain_row = strain && c > nrows && c <= nrows + kStrainRows;
+  const bool long_row = R.REQUEST_MODE == 1 && nsteps > kCombinedSteps && TDSP.allocated() &&
+                        TDSP.cols() >= nsteps && ((c >= 1 && c <= nrows) || strain_row);
+  const int32_t ncols = long_row ? 0 : nsteps;
+  Mat<double> DISP_EQ("DISP_EQ", kMaxEq, ncols);
+  Mat<double> DISP_NO("DISP_NO", kMaxEq, ncols);
   Mat<double> SSIG("SSIG", nrows, ncols);
   Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", kStrainRows, strain ? ncols : 0);
   double tran[9] = {}, SIG[200], DISP_LOCAL[48] = {}, STRS_GAUSS[27];
@@ -172,7 +176,17 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
     decode_record(SA.ref(), C.material, E, LM, IIA);
     C.continuum.PLANE_TYPE = strain ? 1 : 0;
     read_node_coordinates(A, IIA, E.NNOD, XYZ);
-    DISP_EQUATION(M, kMaxEq, DISP_EQ.ref(), DISP_NO.ref(), E.NEQ, LM.ref(), IIA.ref(), E.NNOD, 0);
+    DispRow row;
+    const bool combined = long_row && row.start(M, kMaxEq, E.NEQ, LM.ref(), IIA.ref(), E.NNOD);
+    if (!combined) {
+      if (DISP_EQ.cols() != nsteps) {
+        DISP_EQ.resize(kMaxEq, nsteps);
+        DISP_NO.resize(kMaxEq, nsteps);
+        SSIG.resize(nrows, nsteps);
+        if (strain) STRAIN_GLOBAL_TIME.resize(kStrainRows, nsteps);
+      }
+      DISP_EQUATION(M, kMaxEq, DISP_EQ.ref(), DISP_NO.ref(), E.NEQ, LM.ref(), IIA.ref(), E.NNOD, 0);
+    }
     STRS.fill(0.0);
     if (strain) {
       PLANE_STRAIN_HIGH_STRS(C, element, E.NNOD, STRS.ref(), XYZ.ref(), TRAN);
@@ -200,47 +214,30 @@ void plane_high_history(const RunContext& R, ArchiveReader A, NodalMotion& M, Co
       else
         std::copy(SIG + 24, SIG + 51, ssig + 24);
     };
-    if (!affine) {
-      // The force rows of every step in one product.
-      SSIG.fill(0.0);
-      if (E.NEQ > 0 && nsteps > 0)
-        DGEMM('N', 'N', 24, nsteps, E.NEQ, 1.0, STRS.data(), kStrsRows, DISP_EQ.data(), kMaxEq, 0.0,
-              SSIG.data(), nrows);
-      for (int32_t s = 1; s <= nsteps; ++s)
-        run(s, DISP_NO.col(s), SSIG.col(s), strain ? STRAIN_GLOBAL_TIME.col(s) : nullptr);
-      deliver_plane_rows(R, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), 60,
-                         strain ? kStrainRows : 0);
+    if (combined) {
+      // One row over many steps: the forces are a product with the element's
+      // matrix, the other rows, past the element's set-up at step 1, affine
+      // in the panel displacements; nothing of a step is read by the next.
+      double ssig[60], strain_col[kStrainRows];
+      auto value = [&](int32_t s, const double* eq, const double* no) {
+        std::fill(ssig, ssig + 60, 0.0);
+        for (int32_t k = 0; k < E.NEQ; ++k)
+          for (int32_t r = 0; r < 24; ++r) ssig[r] += STRS(r + 1, k + 1) * eq[k];
+        run(s, no, ssig, strain_col);
+        return strain_row ? strain_col[c - nrows - 1] : ssig[c - 1];
+      };
+      combine_row(row, M, TDSP, c, kMaxEq, IIA.ref(), E.NNOD, false, value);
       continue;
     }
-
-    // One row over many steps: a force row is one row of the product; the
-    // other rows, after the element's set-up at the first step, are affine
-    // in the panel displacements.
-    const int32_t c = R.RESULT_COMP;
-    const bool strain_row = strain && c > nrows && c <= nrows + kStrainRows;
-    double* ssig = SSIG.col(1);
-    double strain_col[kStrainRows] = {};
-    const bool stress_row = c > 24 && c <= nrows;
-    auto step = [&](int32_t s, const double* disp) {
-      run(s, disp, ssig, strain_col);
-      return strain_row ? strain_col[c - nrows - 1] : stress_row ? ssig[c - 1] : 0.0;
-    };
-    std::vector<double> row(static_cast<size_t>(nsteps));
-    row[0] = step(1, DISP_NO.col(1));
-    if (c >= 1 && c <= 24) {
-      if (E.NEQ > 0)
-        DGEMV('T', E.NEQ, nsteps, 1.0, DISP_EQ.data(), kMaxEq, STRS.data() + (c - 1), kStrsRows,
-              0.0, row.data(), 1);
-    } else if (stress_row || strain_row) {
-      const double* D = DISP_NO.data();
-      auto input = [&](int32_t k, int64_t s) { return D[(k - 1) + kMaxEq * (s - 1)]; };
-      affine_history(
-          6 * E.NNOD, [&](const double* x) { return step(2, x); }, input, 2, nsteps,
-          row.data() + 1);
-    } else {
-      continue;
-    }
-    TDSP.put_row(c, row.data(), 1, nsteps);
+    // The force rows of every step in one product.
+    SSIG.fill(0.0);
+    if (E.NEQ > 0 && nsteps > 0)
+      DGEMM('N', 'N', 24, nsteps, E.NEQ, 1.0, STRS.data(), kStrsRows, DISP_EQ.data(), kMaxEq, 0.0,
+            SSIG.data(), nrows);
+    for (int32_t s = 1; s <= nsteps; ++s)
+      run(s, DISP_NO.col(s), SSIG.col(s), strain ? STRAIN_GLOBAL_TIME.col(s) : nullptr);
+    deliver_plane_rows(R, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), 60,
+                       strain ? kStrainRows : 0);
   }
 }
 }  // namespace

@@ -8,8 +8,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <vector>
 
 #include "core/arrays.hpp"
+#include "nodal/disp_equation.hpp"
 #include "run/histories.hpp"
 
 namespace respcore {
@@ -65,32 +67,42 @@ void panel_displacements(const double* T, In DISP, Out LOCAL, int32_t NNOD) {
   }
 }
 
-// The history of one row of an element whose step is affine in its NIN
-// inputs (at most 64; the inputs of step s are INPUT(k, s), k = 1..NIN):
-// VALUE(x) runs a later step of the element on the input column x and gives
-// the row. The step is run once without input and once for each input, and
-// OUT(s - FIRST) for s = FIRST..LAST is the affine combination. A long history
-// of one row then costs a few products per step instead of the element's
-// formulation; the values agree with the step's own to rounding.
-inline constexpr int32_t kAffineSteps = 64;  // histories longer than this are combined
-template <class Value, class Input>
-void affine_history(int32_t NIN, Value value, Input input, int64_t FIRST, int64_t LAST,
-                    double* OUT) {
-  double x[64] = {}, coef[64];
-  int32_t used[64], nused = 0;
-  NIN = std::min(std::max(NIN, 0), 64);
-  const double base = value(x);
-  for (int32_t k = 0; k < NIN; ++k) {
-    x[k] = 1.0;
-    coef[nused] = value(x) - base;
-    x[k] = 0.0;
-    if (coef[nused] != 0.0) used[nused++] = k + 1;
+// One row C of a long history combined into TDSP from the displacement
+// histories that ROW (started in DISP_EQUATION's place, NDOF rows) fetches.
+// STEP(s, EQ, NO) runs step S of the element on a column of displacements by
+// equation, EQ(1..NDOF), and its node-axis copy NO, and returns the row. Past
+// the element's set-up at step 1 the step must be affine in them: it is run
+// at step 1 on zero, then at step 2 on zero and on each unit displacement,
+// which gives the row's affine map. With LAST_AS_IS the last step runs once
+// more as it is, on the last step's displacements, for what it leaves
+// behind, and gives the row's last value. The caller has made sure that
+// TDSP holds the steps and that C is a row of the element.
+template <class Step>
+void combine_row(DispRow& row, NodalMotion& M, Tdsp& TDSP, int32_t C, int32_t NDOF,
+                 VecRef<int32_t> IIA, int32_t NNODE, bool last_as_is, Step step) {
+  const auto n = static_cast<size_t>(NDOF);
+  // Columns: zero, the unit displacements, and room for the last step.
+  Mat<double> EQ("DISP_EQ", NDOF, NDOF + 2), NO("DISP_NO", NDOF, NDOF + 2);
+  for (int32_t k = 1; k <= NDOF; ++k) EQ(k, k + 1) = 1.0;
+  turn_to_node_axes(M, NDOF, EQ.ref(), NO.ref(), IIA, NNODE, NDOF + 1);
+  (void)step(1, EQ.col(1), NO.col(1));
+  const double base = step(2, EQ.col(1), NO.col(1));
+  std::vector<double> coef(n), last(n);
+  for (int32_t k = 1; k <= NDOF; ++k)
+    coef[static_cast<size_t>(k - 1)] = step(2, EQ.col(k + 1), NO.col(k + 1)) - base;
+  double* out = TDSP.fresh_row(C);
+  row.combine(coef.data(), base, out, last_as_is ? last.data() : nullptr);
+  const int64_t nsteps = M.run.NUM_STEPS;
+  if (!last_as_is || nsteps < 1) return;
+  // The last step's node-axis copy by the turn the probe went through.
+  double* eq = EQ.col(NDOF + 2);
+  double* no = NO.col(NDOF + 2);
+  std::copy(last.begin(), last.end(), eq);
+  for (int32_t k = 1; k <= NDOF; ++k) {
+    const double* t = NO.col(k + 1);
+    for (size_t r = 0; r < n; ++r) no[r] += t[r] * eq[k - 1];
   }
-  for (int64_t s = FIRST; s <= LAST; ++s) {
-    double v = base;
-    for (int32_t u = 0; u < nused; ++u) v += coef[u] * input(used[u], s);
-    OUT[s - FIRST] = v;
-  }
+  out[nsteps - 1] = step(static_cast<int32_t>(nsteps), eq, no);
 }
 
 // An element's rows into TDSP: under REQUEST_MODE 1 only the row the caller

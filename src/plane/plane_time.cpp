@@ -321,18 +321,21 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
              product_is(A.state, "H.N.Q") || product_is(A.state, "K.4.V") ||
                  product_is(A.state, "Z.B.T") || product_is(A.state, "J.W.U")};
 
-  // One row of a long history (REQUEST_MODE 1) is combined from the step's
-  // inputs: its step tables need one column.
-  const bool affine = R.REQUEST_MODE == 1 && nsteps > kAffineSteps;
-  const int32_t ncols = affine ? 1 : nsteps;
   const int32_t nrows = strain_family ? kSsigRows : 27;
+  // One row of a long history (REQUEST_MODE 1) is combined from the
+  // displacement histories when TDSP holds its steps; the step tables are
+  // then made only for an element off that road.
+  const int32_t c = R.RESULT_COMP;
+  const bool long_row = R.REQUEST_MODE == 1 && nsteps > kCombinedSteps && TDSP.allocated() &&
+                        TDSP.cols() >= nsteps && c >= 1;
+  const int32_t ncols = long_row ? 0 : nsteps;
   Vec<double> SSL("SSL", kSslWords);
   Vec<int32_t> LM("LM", kMaxEq);
   Vec<int32_t> IIA("IIA", 4);
   Mat<double> XYZ("XYZ", 3, 4);
   Mat<double> STRS("STRS", kMaxRow, kMaxEq);
-  Mat<double> DISP_EQ("DISP_EQ", kMaxEq, nsteps);
-  Mat<double> DISP_NO("DISP_NO", kMaxEq, nsteps);
+  Mat<double> DISP_EQ("DISP_EQ", kMaxEq, ncols);
+  Mat<double> DISP_NO("DISP_NO", kMaxEq, ncols);
   Mat<double> SSIG("SSIG", kSsigRows, ncols);
   Mat<double> STRAIN_GLOBAL_TIME("STRAIN_GLOBAL_TIME", kStrainRows, ncols);
   PstrWork W;
@@ -344,9 +347,6 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
     A.read_f64(A.find(section, ID), INUM_SERIAL(p), SSL.ref(), kRecWords);
     decode_record(SSL.ref(), C.material, E, LM, IIA, XYZ, STRS);
 
-    DISP_EQUATION(M, kMaxEq, DISP_EQ.ref(), DISP_NO.ref(), E.neq, LM.ref(), IIA.ref(),
-                  std::max(E.nnod_read, 0), 0);
-
     double X[4], Y[4], Z[4];
     for (int32_t k = 1; k <= 4; ++k)
       X[k - 1] = XYZ(1, k), Y[k - 1] = XYZ(2, k), Z[k - 1] = XYZ(3, k);
@@ -355,54 +355,44 @@ void PSTR_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
           MatRef<double>(W.PANEL_T, 3, 3, "PANEL_T"), E.NNOD == 3 ? 1 : 4);
     std::copy(XYZ.data(), XYZ.data() + 12, W.XYZ);
 
-    if (!affine) {
-      // The force rows of every step in one product, into SSIG's columns.
-      SSIG.fill(0.0);
-      if (E.nrow > 0 && E.neq > 0 && nsteps > 0)
-        DGEMM('N', 'N', E.nrow, nsteps, E.neq, 1.0, STRS.data(), kMaxRow, DISP_EQ.data(), kMaxEq,
-              0.0, SSIG.data(), kSsigRows);
-      for (int32_t s = 1; s <= nsteps; ++s)
-        pstr_step(K, E, W, s, {SSIG.col(s), DISP_NO.col(s), STRAIN_GLOBAL_TIME.col(s)});
-      deliver_plane_rows(R, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kSsigRows,
-                         strain_family ? 4 * (E.NNOD + 1) : 0);
+    // One row over many steps. Every step is affine in the element's
+    // displacements once the element is set up at step 1; what a step
+    // leaves behind (the panel displacements, which an element that does
+    // not refresh them reads) is left by running the last step as it is.
+    // An element that stores no strains (another kind, another axis rule)
+    // delivers the zeros of a fresh column, as one item per call does.
+    const bool strain_row = strain_family && c > kSsigRows && c <= kSsigRows + 4 * (E.NNOD + 1);
+    DispRow row;
+    if (long_row && (c <= nrows || strain_row) &&
+        row.start(M, kMaxEq, E.neq, LM.ref(), IIA.ref(), std::max(E.nnod_read, 0))) {
+      double ssig[kSsigRows] = {}, strain[kStrainRows] = {};
+      auto value = [&](int32_t s, const double* eq, const double* no) {
+        std::fill(ssig, ssig + kSsigRows, 0.0);
+        for (int32_t k = 0; k < E.neq; ++k)
+          for (int32_t r = 0; r < E.nrow; ++r) ssig[r] += STRS.col(k + 1)[r] * eq[k];
+        pstr_step(K, E, W, s, {ssig, no, strain});
+        return strain_row ? strain[c - kSsigRows - 1] : ssig[c - 1];
+      };
+      combine_row(row, M, TDSP, c, kMaxEq, IIA.ref(), std::max(E.nnod_read, 0), true, value);
       continue;
     }
-
-    // One row over many steps. The step is affine in the element's
-    // displacements x = (DISP_EQ, DISP_NO) of the step: the first and last
-    // steps run as they are (the element's set-up, and what it leaves to the
-    // next element), the others are the combination.
-    const int32_t c = R.RESULT_COMP;
-    const bool strain_row = strain_family && c > kSsigRows && c <= kSsigRows + 4 * (E.NNOD + 1);
-    const int32_t neq = E.neq, nin = neq + 6 * E.NNOD;
-    double* ssig = SSIG.col(1);
-    double* strain = STRAIN_GLOBAL_TIME.col(1);
-    auto step = [&](int32_t s, const double* x) {
-      std::fill(ssig, ssig + kSsigRows, 0.0);
-      for (int32_t k = 0; k < neq; ++k)
-        for (int32_t r = 0; r < E.nrow; ++r) ssig[r] += STRS.col(k + 1)[r] * x[k];
-      pstr_step(K, E, W, s, {ssig, x + neq, strain});
-      return strain_row ? strain[c - kSsigRows - 1] : c >= 1 && c <= nrows ? ssig[c - 1] : 0.0;
-    };
-    double x[2 * kMaxEq] = {};
-    auto column = [&](int64_t s) {
-      std::copy(DISP_EQ.col(s), DISP_EQ.col(s) + neq, x);
-      std::copy(DISP_NO.col(s), DISP_NO.col(s) + 6 * E.NNOD, x + neq);
-      return x;
-    };
-    std::vector<double> row(static_cast<size_t>(nsteps));
-    row[0] = step(1, column(1));
-    const double *EQ = DISP_EQ.data(), *NO = DISP_NO.data();
-    auto input = [&](int32_t k, int64_t s) {
-      return k <= neq ? EQ[(k - 1) + kMaxEq * (s - 1)] : NO[(k - neq - 1) + kMaxEq * (s - 1)];
-    };
-    const bool filled = (c >= 1 && c <= nrows) || strain_row;
-    if (filled)
-      affine_history(
-          nin, [&](const double* xin) { return step(2, xin); }, input, 2, nsteps - 1,
-          row.data() + 1);
-    row[static_cast<size_t>(nsteps - 1)] = step(nsteps, column(nsteps));
-    if (filled) TDSP.put_row(c, row.data(), 1, nsteps);
+    if (DISP_EQ.cols() != nsteps) {
+      DISP_EQ.resize(kMaxEq, nsteps);
+      DISP_NO.resize(kMaxEq, nsteps);
+      SSIG.resize(kSsigRows, nsteps);
+      STRAIN_GLOBAL_TIME.resize(kStrainRows, nsteps);
+    }
+    DISP_EQUATION(M, kMaxEq, DISP_EQ.ref(), DISP_NO.ref(), E.neq, LM.ref(), IIA.ref(),
+                  std::max(E.nnod_read, 0), 0);
+    // The force rows of every step in one product, into SSIG's columns.
+    SSIG.fill(0.0);
+    if (E.nrow > 0 && E.neq > 0 && nsteps > 0)
+      DGEMM('N', 'N', E.nrow, nsteps, E.neq, 1.0, STRS.data(), kMaxRow, DISP_EQ.data(), kMaxEq, 0.0,
+            SSIG.data(), kSsigRows);
+    for (int32_t s = 1; s <= nsteps; ++s)
+      pstr_step(K, E, W, s, {SSIG.col(s), DISP_NO.col(s), STRAIN_GLOBAL_TIME.col(s)});
+    deliver_plane_rows(R, TDSP, p, SSIG.ref(), nrows, STRAIN_GLOBAL_TIME.ref(), kSsigRows,
+                       strain_family ? 4 * (E.NNOD + 1) : 0);
   }
 }
 

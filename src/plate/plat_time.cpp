@@ -189,8 +189,11 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
   Mat<double> XYZ("XYZ", 3, 4), XYZ_OFF("XYZ_OFF", 3, 4), TR("TR", 3, 3);
   Vec<double> OFFSET("OFFSET", 25), RLS_CODE("RLS_CODE", 4);
   Mat<double> P14("P14", kMaxDof, kMaxDof);
-  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps), DISP_NO("DISP_NO", kMaxDof, nsteps);
-  Mat<double> FORCE("FORCE", kMaxDof, nsteps);
+  // A long history of one row needs only the probe's columns.
+  const int32_t table = ItemRows::combinable(R, TDSP, kRows) ? 0 : nsteps;
+  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, table), DISP_NO("DISP_NO", kMaxDof, table);
+  Mat<double> FORCE("FORCE", kMaxDof, table);
+  StepProbe probe(kMaxDof, kMaxDof);
   double sig[200];
   VecRef<double> SIG(sig, 200, "SIG");
   Vec<double> D("D", kMaxDof);
@@ -224,40 +227,42 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
     QDCOS(VecRef<double>(x, 4, "X"), VecRef<double>(y, 4, "Y"), VecRef<double>(z, 4, "Z"), TR.ref(),
           nnode == 4 ? 4 : 1);
 
-    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), e.neq, LM.ref(), IIA.ref(), nnode, 0);
-    if (e.offset_sum > kOffsetTolerance)
-      RECOV_DISP_OFFSET_TIME(DISP_NO.ref(), kMaxDof, nsteps, nnode, TR.ref(), OFFSET.ref());
-    if (e.rls_flag == 1)
-      RECOV_RLS_PLATE(P, e.kind, e.memb_kind, DISP_NO.ref(), kMaxDof, XYZ.ref(), nsteps, nnode,
-                      TR.ref(), RLS_CODE.ref());
-    if (e.variant == 3) {
-      // A ribbed plate is orthotropic by its geometry and always thick.
-      e.kind = 0;
-      C.plate.SECT_ORTHO = 1;
-    }
+    // The steps on the columns of DISP_EQ and DISP_NO: every one affine in
+    // the displacements (offsets, released freedoms, products with the
+    // element's set-up), the formulations set up at step 1.
+    ItemRows rows(TDSP, R, kRows, 24, 40, ie);
+    auto prepare = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols) {
+      if (e.offset_sum > kOffsetTolerance)
+        RECOV_DISP_OFFSET_TIME(DNO.ref(), kMaxDof, ncols, nnode, TR.ref(), OFFSET.ref());
+      if (e.rls_flag == 1)
+        RECOV_RLS_PLATE(P, e.kind, e.memb_kind, DNO.ref(), kMaxDof, XYZ.ref(), ncols, nnode,
+                        TR.ref(), RLS_CODE.ref());
+      if (e.variant == 3) {
+        // A ribbed plate is orthotropic by its geometry and always thick.
+        e.kind = 0;
+        C.plate.SECT_ORTHO = 1;
+      }
 
-    // The forces of every step in one product, global axes.
-    P14.fill(0.0);
-    // The matrix ends at word NEQ (1 + NS) of the record's 600.
-    const int64_t end = int64_t{e.neq} * (1 + int64_t{e.stride});
-    if (end > 600) {
-      report_bound_failure("P14", end, 1, 600);
-      e.ns = 0;
-    }
-    for (int32_t i = 1; i <= e.neq; ++i)
-      for (int32_t j = 1; j <= e.ns; ++j) P14(j, i) = SA(e.neq + int64_t{i - 1} * e.stride + j);
-    FORCE.fill(0.0);
-    if (e.neq > 0 && nsteps > 0)
-      DGEMM('N', 'N', kMaxDof, nsteps, e.neq, 1.0, P14.data(), kMaxDof, DISP_EQ.data(), kMaxDof,
-            0.0, FORCE.data(), kMaxDof);
-
+      // The forces of every step in one product, global axes.
+      P14.fill(0.0);
+      // The matrix ends at word NEQ (1 + NS) of the record's 600.
+      const int64_t end = int64_t{e.neq} * (1 + int64_t{e.stride});
+      if (end > 600) {
+        report_bound_failure("P14", end, 1, 600);
+        e.ns = 0;
+      }
+      for (int32_t i = 1; i <= e.neq; ++i)
+        for (int32_t j = 1; j <= e.ns; ++j) P14(j, i) = SA(e.neq + int64_t{i - 1} * e.stride + j);
+      FRC.fill(0.0);
+      if (e.neq > 0 && ncols > 0)
+        DGEMM('N', 'N', kMaxDof, ncols, e.neq, 1.0, P14.data(), kMaxDof, DEQ.data(), kMaxDof, 0.0,
+              FRC.data(), kMaxDof);
+    };
     double t[3][3];
     for (int r = 0; r < 3; ++r)
       for (int c = 0; c < 3; ++c) t[r][c] = TR(r + 1, c + 1);
-    ItemRows rows(TDSP, R, kRows, 24, 40, ie);
-    for (int32_t k = 1; k <= nsteps; ++k) {
+    auto step = [&](int32_t k, const double* dn, double* frc) {
       std::fill(sig, sig + 200, 0.0);
-      const double* dn = DISP_NO.col(k);
       for (int32_t n = 0; n < 2 * nnode; ++n)
         for (int r = 0; r < 3; ++r)
           D(3 * n + r + 1) =
@@ -290,12 +295,21 @@ void PLAT_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumPa
       }
 
       // Forces to element axes; rows past the element's nodes are cleared.
-      GLOTOLOC_FOC(VecRef<double>(FORCE.col(k), kMaxDof, "FORCE"), SIG.sub(1, kMaxDof), 6 * nnode,
-                   TR.ref());
+      GLOTOLOC_FOC(VecRef<double>(frc, kMaxDof, "FORCE"), SIG.sub(1, kMaxDof), 6 * nnode, TR.ref());
       if (std::fabs(angle) > kAngleTolerance)
         TRANSFORM_PLATE_RESULT_TO_USER_LOCAL_AXIS(nnode, angle, SIG.sub(1, 134));
-      rows.put(k, sig);
+      return static_cast<const double*>(sig);
+    };
+    if (combined_row(M, rows, probe, e.neq, LM.ref(), IIA.ref(), nnode, true, prepare, step))
+      continue;
+    if (DISP_EQ.cols() != nsteps) {
+      DISP_EQ.resize(kMaxDof, nsteps);
+      DISP_NO.resize(kMaxDof, nsteps);
+      FORCE.resize(kMaxDof, nsteps);
     }
+    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), e.neq, LM.ref(), IIA.ref(), nnode, 0);
+    prepare(DISP_EQ, DISP_NO, FORCE, nsteps);
+    for (int32_t k = 1; k <= nsteps; ++k) rows.put(k, step(k, DISP_NO.col(k), FORCE.col(k)));
   }
 }
 

@@ -75,8 +75,11 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
   Vec<double> THK("THK", 5), TEMP("TEMP", 24), OFFSET("OFFSET", 25);
   Mat<double> XYZ("XYZ", 3, 4), TR("TR", 3, 3);
   Mat<double> FORC_DISP("FORC_DISP", kMaxDof, kMaxDof), STRS_DISP("STRS_DISP", kMaxStress, kMaxDof);
-  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, nsteps), DISP_NO("DISP_NO", kMaxDof, nsteps);
-  Mat<double> FORCE("FORCE", kMaxDof, nsteps);
+  // A long history of one row needs only the probe's columns.
+  const int32_t table = ItemRows::combinable(R, TDSP, kRows) ? 0 : nsteps;
+  Mat<double> DISP_EQ("DISP_EQ", kMaxDof, table), DISP_NO("DISP_NO", kMaxDof, table);
+  Mat<double> FORCE("FORCE", kMaxDof, table);
+  StepProbe probe(kMaxDof, kMaxDof);
   double sig[200];
   VecRef<double> SIG(sig, 200, "SIG");
   Vec<double> D("D", kMaxDof);
@@ -121,22 +124,23 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
     for (int32_t i = 1; i <= nnode; ++i)
       for (int32_t j = 1; j <= 3; ++j) XYZ(j, i) += OFFSET(3 * i - 2 + j);
 
-    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nnode, 0);
-    if (trunc_i32(TEMP(1)) == 1)
-      RECOV_DISP_OFFSET_TIME(DISP_NO.ref(), kMaxDof, nsteps, nnode, TR.ref(), OFFSET.ref());
-    FORCE.fill(0.0);
-    if (neq > 0 && nsteps > 0)
-      DGEMM('N', 'N', kMaxDof, nsteps, neq, 1.0, FORC_DISP.data(), kMaxDof, DISP_EQ.data(), kMaxDof,
-            0.0, FORCE.data(), kMaxDof);
-
+    // The steps on the columns of DISP_EQ and DISP_NO, each affine in them:
+    // the offsets and the record's two matrices.
+    ItemRows rows(TDSP, R, kRows, 24, 40, ie);
+    auto prepare = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols) {
+      if (trunc_i32(TEMP(1)) == 1)
+        RECOV_DISP_OFFSET_TIME(DNO.ref(), kMaxDof, ncols, nnode, TR.ref(), OFFSET.ref());
+      FRC.fill(0.0);
+      if (neq > 0 && ncols > 0)
+        DGEMM('N', 'N', kMaxDof, ncols, neq, 1.0, FORC_DISP.data(), kMaxDof, DEQ.data(), kMaxDof,
+              0.0, FRC.data(), kMaxDof);
+    };
     double t[3][3];
     for (int r = 0; r < 3; ++r)
       for (int c = 0; c < 3; ++c) t[r][c] = TR(r + 1, c + 1);
-    ItemRows rows(TDSP, R, kRows, 24, 40, ie);
-    for (int32_t k = 1; k <= nsteps; ++k) {
+    auto step = [&](int32_t, const double* dn, double* frc) {
       std::fill(sig, sig + 200, 0.0);
-      std::copy(FORCE.col(k), FORCE.col(k) + neq, sig);
-      const double* dn = DISP_NO.col(k);
+      std::copy(frc, frc + neq, sig);
       for (int32_t n = 0; n < 2 * nnode; ++n)
         for (int r = 0; r < 3; ++r)
           D(3 * n + r + 1) =
@@ -153,9 +157,18 @@ void PLAT_TIME_GNRL(const RunContext& R, ArchiveReader A, NodalMotion& M, Contin
       MIX_STRESS(SIG.sub(25, 40), SIG.sub(65, 70), nnode, MAT.PLATE_PROP[8], MAT.PLATE_PROP[9],
                  THK.ref());
       if (form == 1) COMPUTE_SHEAR_FORCE(SIG.sub(65, 70), XYZ.ref(), TR.ref(), nnode);
-
-      rows.put(k, sig);
+      return static_cast<const double*>(sig);
+    };
+    if (combined_row(M, rows, probe, neq, LM.ref(), IIA.ref(), nnode, false, prepare, step))
+      continue;
+    if (DISP_EQ.cols() != nsteps) {
+      DISP_EQ.resize(kMaxDof, nsteps);
+      DISP_NO.resize(kMaxDof, nsteps);
+      FORCE.resize(kMaxDof, nsteps);
     }
+    DISP_EQUATION(M, kMaxDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nnode, 0);
+    prepare(DISP_EQ, DISP_NO, FORCE, nsteps);
+    for (int32_t k = 1; k <= nsteps; ++k) rows.put(k, step(k, DISP_NO.col(k), FORCE.col(k)));
   }
 }
 

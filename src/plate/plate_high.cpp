@@ -105,8 +105,9 @@ void PLATE_STF(const PlateContext& P, SubElements& E, MatRef<double> K) {
 
 // Condenses node 9 (rows and columns 49..54) out of K(54,54): KC(48,48) =
 // K_rr - K_r9 inv(K_99) K_9r, and C9(6,48) = inv(K_99) K_9r, which gives
-// node 9 from the others (no load acts on it).
-void STCOND_STF_LOD(Diagnostics& D, MatRef<double> K, MatRef<double> KC, MatRef<double> C9) {
+// node 9 from the others (no load acts on it). Without WITH_KC only C9.
+void STCOND_STF_LOD(Diagnostics& D, MatRef<double> K, MatRef<double> KC, MatRef<double> C9,
+                    bool with_kc) {
   double a[36], ainv[36];
   MatRef<double> A(a, 6, 6, "K99"), AINV(ainv, 6, 6, "K99");
   for (int j = 1; j <= 6; ++j)
@@ -118,6 +119,7 @@ void STCOND_STF_LOD(Diagnostics& D, MatRef<double> K, MatRef<double> KC, MatRef<
       for (int k = 1; k <= 6; ++k) v += AINV(i, k) * K(kDof + k, c);
       C9(i, c) = v;
     }
+  if (!with_kc) return;
   for (int c = 1; c <= kDof; ++c)
     for (int r = 1; r <= kDof; ++r) {
       double v = K(r, c);
@@ -202,8 +204,15 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
   Vec<double> SA("SA", kWords);
   Vec<int32_t> LM("LM", kDof), IIA("IIA", 8);
   Mat<double> XYZ("XYZ", 3, 9), K("SK", 54, 54), STRS("STRS", kDof, kDof), C9("C9", 6, kDof);
-  Mat<double> DISP_EQ("DISP_EQ", kDof, nsteps), DISP_NO("DISP_NO", kDof, nsteps);
-  Mat<double> FORCE("FORCE", kDof, nsteps), U9("U9", 6, nsteps);
+  // A long history of one row needs only the probe's columns. FORCE holds
+  // the forces in rows 1..48 and the motion of node 9 behind them.
+  const int32_t table = ItemRows::combinable(R, TDSP, kRows) ? 0 : nsteps;
+  Mat<double> DISP_EQ("DISP_EQ", kDof, table), DISP_NO("DISP_NO", kDof, table);
+  Mat<double> FORCE("FORCE", kDof + 6, table);
+  StepProbe probe(kDof, kDof + 6);
+  // Under REQUEST_MODE 1 only row RESULT_COMP is delivered: a row behind the
+  // forces needs neither the condensed stiffness nor the forces.
+  const bool forces = R.REQUEST_MODE != 1 || R.RESULT_COMP <= kDof;
   double sig[300];
   VecRef<double> SIG(sig, 300, "SIG");
   double DISP_LOCAL[54], ST[72], SUB[4][40];
@@ -250,36 +259,38 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
         for (int c = 0; c < 3; ++c) PT[r][c] = PANEL_T(r + 1, c + 1);
     }
 
-    DISP_EQUATION(M, kDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nnod, 0);
-
-    // Stiffness, condensation and the recovery of node 9, once per element.
-    sub_elements(E, nnod, XYZ.ref(), PT);
-    PLATE_STF(P, E, K.ref());
-    STRS.fill(0.0);
-    C9.fill(0.0);
-    if (nnod == 8) {
-      STCOND_STF_LOD(C.diag, K.ref(), STRS.ref(), C9.ref());
-    } else {
-      for (int c = 1; c <= 36; ++c)
-        for (int r = 1; r <= 36; ++r) STRS(r, c) = K(r, c);
-    }
-    FORCE.fill(0.0);
-    U9.fill(0.0);
-    if (nsteps > 0) {
-      if (neq > 0)
-        DGEMM('N', 'N', kDof, nsteps, neq, 1.0, STRS.data(), kDof, DISP_EQ.data(), kDof, 0.0,
-              FORCE.data(), kDof);
-      if (nnod == 8)
-        DGEMM('N', 'N', 6, nsteps, kDof, -1.0, C9.data(), 6, DISP_NO.data(), kDof, 0.0, U9.data(),
-              6);
-    }
-
+    // The steps on the columns of DISP_EQ and DISP_NO, each affine in them:
+    // the forces and node 9 (rows 49..54 of FORCE) are products with the
+    // element's condensed stiffness, the stresses those of the sub-elements
+    // set up at step 1.
     ItemRows rows(TDSP, R, kRows, kDof, 72, p);
-    for (int32_t s = 1; s <= nsteps; ++s) {
+    auto prepare = [&](Mat<double>& DEQ, Mat<double>& DNO, Mat<double>& FRC, int32_t ncols) {
+      // Stiffness, condensation and the recovery of node 9, once per element.
+      sub_elements(E, nnod, XYZ.ref(), PT);
+      PLATE_STF(P, E, K.ref());
+      STRS.fill(0.0);
+      C9.fill(0.0);
+      if (nnod == 8) {
+        STCOND_STF_LOD(C.diag, K.ref(), STRS.ref(), C9.ref(), forces);
+      } else {
+        for (int c = 1; c <= 36; ++c)
+          for (int r = 1; r <= 36; ++r) STRS(r, c) = K(r, c);
+      }
+      FRC.fill(0.0);
+      if (ncols > 0) {
+        if (neq > 0 && forces)
+          DGEMM('N', 'N', kDof, ncols, neq, 1.0, STRS.data(), kDof, DEQ.data(), kDof, 0.0,
+                FRC.data(), kDof + 6);
+        if (nnod == 8)
+          DGEMM('N', 'N', 6, ncols, kDof, -1.0, C9.data(), 6, DNO.data(), kDof, 0.0,
+                FRC.data() + kDof, kDof + 6);
+      }
+    };
+
+    auto step = [&](int32_t s, const double* dn, double* frc) {
       std::fill(sig, sig + 300, 0.0);
-      std::copy(FORCE.col(s), FORCE.col(s) + kDof, sig);
-      const double* dn = DISP_NO.col(s);
-      const double* d9 = U9.col(s);
+      std::copy(frc, frc + kDof, sig);
+      const double* d9 = frc + kDof;
       for (int32_t q = 0; q < 18; ++q) {
         const double* g = q < 16 ? dn + 3 * q : d9 + 3 * (q - 16);
         for (int r = 0; r < 3; ++r)
@@ -290,10 +301,19 @@ void PLATE_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, ContinuumP
       VecRef<double> T(MAT.PLATE_PROP, 2, "PLATE_PROP");
       for (int32_t b = 0; b <= nnod; ++b)
         plate_result_block(SIG.sub(kDof + 1 + 8 * b, 8), SIG.sub(121 + 14 * b, 14), T);
-      LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
-
-      rows.put(s, sig);
+      if (forces) LOCPANEL(SIG.sub(1, kDof), PANEL_T, nnod);
+      return static_cast<const double*>(sig);
+    };
+    if (combined_row(M, rows, probe, neq, LM.ref(), IIA.ref(), nnod, false, prepare, step))
+      continue;
+    if (DISP_EQ.cols() != nsteps) {
+      DISP_EQ.resize(kDof, nsteps);
+      DISP_NO.resize(kDof, nsteps);
+      FORCE.resize(kDof + 6, nsteps);
     }
+    DISP_EQUATION(M, kDof, DISP_EQ.ref(), DISP_NO.ref(), neq, LM.ref(), IIA.ref(), nnod, 0);
+    prepare(DISP_EQ, DISP_NO, FORCE, nsteps);
+    for (int32_t s = 1; s <= nsteps; ++s) rows.put(s, step(s, DISP_NO.col(s), FORCE.col(s)));
   }
 }
 

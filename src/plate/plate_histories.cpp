@@ -25,6 +25,19 @@ ItemRows::ItemRows(Tdsp& TDSP, const RunContext& R, int32_t nrows, int32_t last,
   // A row the family does not deliver stays zero.
   if (R.RESULT_COMP >= 1 && R.RESULT_COMP <= nrows) comp_ = R.RESULT_COMP;
   if (comp_ > 0 && TDSP.allocated() && R.NUM_STEPS <= TDSP.cols()) row_ = TDSP.row(comp_);
+  long_ = R.NUM_STEPS > kCombinedSteps;
+}
+
+bool ItemRows::combinable(const RunContext& R, const Tdsp& TDSP, int32_t nrows) {
+  return R.REQUEST_MODE == 1 && R.RESULT_COMP >= 1 && R.RESULT_COMP <= nrows &&
+         TDSP.allocated() && R.NUM_STEPS <= TDSP.cols() && R.NUM_STEPS > kCombinedSteps;
+}
+
+StepProbe::StepProbe(int32_t ndof, int32_t force_rows)
+    : DISP_EQ("DISP_EQ", ndof, ndof + 1),
+      DISP_NO("DISP_NO", ndof, ndof + 1),
+      FORCE("FORCE", force_rows, ndof + 1) {
+  for (int32_t k = 1; k <= ndof; ++k) DISP_EQ(k, k + 1) = 1.0;
 }
 
 void ItemRows::put(int64_t s, const double* SIG) {

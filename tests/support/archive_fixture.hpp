@@ -39,6 +39,10 @@ class ArchiveFixture {
   void direct_case(const std::vector<std::vector<double>>& disp, int32_t file_no = 1,
                    size_t ncases = 1);
 
+  // NNODES nodes (identity transforms, equations 6(n-1)+1..6) moving over
+  // NSTEPS steps, in direct storage or in modal storage of three modes.
+  void smooth_motion(size_t nnodes, int32_t nsteps, bool in_modes);
+
   // Writes every file.
   void write() { writer_.write(); }
 
@@ -54,5 +58,11 @@ class ArchiveFixture {
 // Rows 1..NROWS of one item, each through its own history request:
 // rows[r-1][s-1].
 std::vector<std::vector<double>> history_rows(Kernel& k, Request r, int nrows);
+
+// Every row of R's item over R's steps agrees, step by step, with the same
+// row over its first SHORT_STEPS (long and short histories of one row take
+// different roads), to rounding of the scale of its group of rows: rows
+// 1..ENDS[0], ENDS[0]+1..ENDS[1], ...
+void expect_long_rows_agree(Kernel& k, Request r, std::vector<int> ends, int32_t short_steps);
 
 }  // namespace respcore::testing
