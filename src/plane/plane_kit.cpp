@@ -136,7 +136,7 @@ void deliver_plane_rows(const RunContext& R, Tdsp& TDSP, int64_t ITEM, MatRef<do
     const int32_t c = R.RESULT_COMP;
     if (c >= 1 && c <= NROWS && c <= SSIG.rows())
       TDSP.put_row(c, SSIG.data() + (c - 1), SSIG.rows(), SSIG.cols());
-    const int32_t k = c - STRAIN_ROW0;
+    const int64_t k = int64_t{c} - STRAIN_ROW0;
     if (k >= 1 && k <= NSTRAIN && k <= STRAIN.rows())
       TDSP.put_row(c, STRAIN.data() + (k - 1), STRAIN.rows(), STRAIN.cols());
     return;
