@@ -175,15 +175,9 @@ void DKMTLMT_STR(const PlateContext& C, DkmtSaved& S, int32_t& NNODE, VecRef<dou
   const double(*BBC)[3] = S.BBC;
   const double* DM = S.DM;
   double s1 = 0.0, s2 = 0.0, s3 = 0.0, ex = 0.0, ey = 0.0, exy = 0.0, g1 = 0.0, g2 = 0.0;
+  membrane_centroid_stress(BM, DM, CONST, s1, s2, s3);
   for (int n = 0; n < 3; ++n) {
-    const double u = CONST(6 * n + 1), v = CONST(6 * n + 2), w = CONST(6 * n + 3);
-    const double rx = CONST(6 * n + 4), ry = CONST(6 * n + 5), rz = CONST(6 * n + 6);
-    const double e1 = BM[3 * n][0] * u + BM[3 * n + 2][0] * rz;
-    const double e2 = BM[3 * n + 1][1] * v + BM[3 * n + 2][1] * rz;
-    const double e3 = BM[3 * n][2] * u + BM[3 * n + 1][2] * v + BM[3 * n + 2][2] * rz;
-    s1 += cm3(DM, 1, 1) * e1 + cm3(DM, 1, 2) * e2;
-    s2 += cm3(DM, 2, 1) * e1 + cm3(DM, 2, 2) * e2;
-    s3 += cm3(DM, 3, 3) * e3;
+    const double w = CONST(6 * n + 3), rx = CONST(6 * n + 4), ry = CONST(6 * n + 5);
     const int a = 3 * n, b = 3 * n + 1, c = 3 * n + 2;
     ex += BBC[a][0] * w + BBC[b][0] * rx + BBC[c][0] * ry;
     ey += BBC[a][1] * w + BBC[b][1] * rx + BBC[c][1] * ry;

@@ -91,15 +91,9 @@ void DKTLMT_STR(const PlateContext& C, DktSaved& S, int32_t& NNODE, VecRef<doubl
   const double(*KB)[3] = S.pts.KB[0];
   const double* DM = S.DM;
   double s1 = 0.0, s2 = 0.0, s3 = 0.0, ex = 0.0, ey = 0.0, exy = 0.0;
+  membrane_centroid_stress(BM, DM, CONST, s1, s2, s3);
   for (int n = 0; n < 3; ++n) {
-    const double u = CONST(6 * n + 1), v = CONST(6 * n + 2), w = CONST(6 * n + 3);
-    const double rx = CONST(6 * n + 4), ry = CONST(6 * n + 5), rz = CONST(6 * n + 6);
-    const double e1 = BM[3 * n][0] * u + BM[3 * n + 2][0] * rz;
-    const double e2 = BM[3 * n + 1][1] * v + BM[3 * n + 2][1] * rz;
-    const double e3 = BM[3 * n][2] * u + BM[3 * n + 1][2] * v + BM[3 * n + 2][2] * rz;
-    s1 += cm3(DM, 1, 1) * e1 + cm3(DM, 1, 2) * e2;
-    s2 += cm3(DM, 2, 1) * e1 + cm3(DM, 2, 2) * e2;
-    s3 += cm3(DM, 3, 3) * e3;
+    const double w = CONST(6 * n + 3), rx = CONST(6 * n + 4), ry = CONST(6 * n + 5);
     const double d[3] = {w, rx, ry};
     for (int c = 0; c < 3; ++c) ex += d[c] * KB[3 * n + c][0];
     for (int c = 0; c < 3; ++c) ey += d[c] * KB[3 * n + c][1];

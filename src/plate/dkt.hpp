@@ -138,6 +138,22 @@ inline double cm3(const double* m, int i, int j) { return m[(i - 1) + 3 * (j - 1
 inline double& cm2(double* m, int i, int j) { return m[(i - 1) + 2 * (j - 1)]; }
 inline double cm2(const double* m, int i, int j) { return m[(i - 1) + 2 * (j - 1)]; }
 
+// The membrane stresses S1, S2, S3 of a triangle at its centroid: DM times
+// the strains of the rows BM (three per node) from the node values
+// u, v, rz of CONST (six per node).
+inline void membrane_centroid_stress(const double (*BM)[3], const double* DM,
+                                     VecRef<double> CONST, double& s1, double& s2, double& s3) {
+  for (int n = 0; n < 3; ++n) {
+    const double u = CONST(6 * n + 1), v = CONST(6 * n + 2), rz = CONST(6 * n + 6);
+    const double e1 = BM[3 * n][0] * u + BM[3 * n + 2][0] * rz;
+    const double e2 = BM[3 * n + 1][1] * v + BM[3 * n + 2][1] * rz;
+    const double e3 = BM[3 * n][2] * u + BM[3 * n + 1][2] * v + BM[3 * n + 2][2] * rz;
+    s1 += cm3(DM, 1, 1) * e1 + cm3(DM, 1, 2) * e2;
+    s2 += cm3(DM, 2, 1) * e1 + cm3(DM, 2, 2) * e2;
+    s3 += cm3(DM, 3, 3) * e3;
+  }
+}
+
 // The in-plane matrices of the plate triangles (no thickness), DM and DB:
 // the isotropic form, or the plane-stress matrix of MAT_TYPE 1. A scaled
 // section rebuilds DM with the membrane factors and DB with the bending
