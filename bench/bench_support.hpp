@@ -12,9 +12,15 @@
 #include <string>
 #include <vector>
 
+#include "respcore/archive_writer.hpp"
 #include "respcore/kernel.hpp"
 
 namespace respcore::bench {
+
+// The byte offset of record REC of SEC in its file.
+inline int64_t offset(const Section& sec, int64_t rec) {
+  return (sec.first - 1 + rec - 1) * 4LL * sec.reclen_words();
+}
 
 // A temporary directory, made on first use and removed at exit.
 inline std::string bench_dir() {

@@ -24,12 +24,9 @@ using namespace respcore;
 
 using respcore::bench::alternate;
 using respcore::bench::bench_dir;
+using respcore::bench::offset;
 using respcore::bench::history_request;
 using respcore::bench::run_into;
-
-int64_t offset(const Section& sec, int64_t rec) {
-  return (sec.first - 1 + rec - 1) * 4LL * sec.reclen_words();
-}
 
 BeamRecord beam() {
   BeamRecord b;

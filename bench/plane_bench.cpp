@@ -19,14 +19,11 @@ using namespace respcore;
 
 using respcore::bench::alternate;
 using respcore::bench::bench_dir;
+using respcore::bench::offset;
 using respcore::bench::history_request;
 using respcore::bench::run_into;
 using respcore::bench::run_each_iteration;
 using respcore::bench::snapshot_request;
-
-int64_t offset(const Section& sec, int64_t rec) {
-  return (sec.first - 1 + rec - 1) * 4LL * sec.reclen_words();
-}
 
 // A mesh of NX by NY four-node elements in a panel inclined to every global
 // plane, six equations a node, NSTEPS direct steps.

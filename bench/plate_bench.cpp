@@ -20,15 +20,11 @@ using namespace respcore;
 
 using respcore::bench::alternate;
 using respcore::bench::bench_dir;
+using respcore::bench::offset;
 using respcore::bench::history_request;
 using respcore::bench::run_each_iteration;
 using respcore::bench::run_into;
 using respcore::bench::snapshot_request;
-
-// Offset of record REC of SEC in its file.
-int64_t offset(const Section& sec, int64_t rec) {
-  return (sec.first - 1 + rec - 1) * 4LL * sec.reclen_words();
-}
 
 // Where the plain read finds what a request needs.
 struct PlateArchive {

@@ -20,14 +20,10 @@ namespace {
 using namespace respcore;
 
 using respcore::bench::bench_dir;
+using respcore::bench::offset;
 using respcore::bench::history_request;
 using respcore::bench::run_each_iteration;
 using respcore::bench::snapshot_request;
-
-// Offset of record REC of SEC in its file.
-int64_t offset(const Section& sec, int64_t rec) {
-  return (sec.first - 1 + rec - 1) * 4LL * sec.reclen_words();
-}
 
 // Every element of material 1; returns the two sections.
 std::pair<Section*, Section*> add_material(ArchiveWriter& w, int32_t nelem) {
