@@ -68,6 +68,16 @@ void STRESS_STRAIN_MATRIX(Diagnostics& DG, const ElementMaterial& m, MatRef<doub
   D(6, 6) = m.MAT_VALS[8];
 }
 
+void isotropic_plane_strain(const ElementMaterial& m, MatRef<double> D) {
+  const double nu = m.MAT_POISSON;
+  const double k = m.MAT_YOUNG / ((1.0 + nu) * (1.0 - 2.0 * nu));
+  D(1, 1) = (1.0 - nu) * k;
+  D(2, 2) = (1.0 - nu) * k;
+  D(1, 2) = nu * k;
+  D(2, 1) = nu * k;
+  D(3, 3) = k * (1.0 - 2.0 * nu) / 2.0;
+}
+
 void STRESS_STRAIN_MATRIX_AXY(const ElementMaterial& m, MatRef<double> D4_arg) {
   MatRef<double> D = as_shape(D4_arg, 4, 4);
   for (int32_t j = 1; j <= 4; ++j)

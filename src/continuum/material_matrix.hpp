@@ -36,6 +36,10 @@ void STRESS_STRAIN_MATRIX_PLT(const ElementMaterial& m, PlaneCompliance& s, int3
 // diagonals MAT_VALS(7), (8), (9). Any other MAT_TYPE leaves D6 as it is.
 void STRESS_STRAIN_MATRIX(Diagnostics& DG, const ElementMaterial& m, MatRef<double> D6);
 
+// The isotropic plane-strain entries of D(3,3) from MAT_YOUNG and
+// MAT_POISSON; the coupling entries with the shear row are left as they are.
+void isotropic_plane_strain(const ElementMaterial& m, MatRef<double> D);
+
 // D4(4,4), rows rr, zz, hoop, rz: isotropic unless MAT_TYPE is 1, which
 // inverts the orthotropic compliance by cofactors and puts MAT_VALS(7) in
 // D4(4,4).

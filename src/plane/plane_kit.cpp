@@ -15,13 +15,7 @@ void PLANE_STRAIN_STRAIN_TIME(ContinuumParts& C, int32_t NNOD, int32_t STEP, Vec
   if (STEP == 1) {
     const ElementMaterial& m = C.material;
     if (m.MAT_TYPE != 1) {
-      const double nu = m.MAT_POISSON;
-      const double k = m.MAT_YOUNG / ((1.0 + nu) * (1.0 - 2.0 * nu));
-      DD(1, 1) = (1.0 - nu) * k;
-      DD(2, 2) = (1.0 - nu) * k;
-      DD(1, 2) = nu * k;
-      DD(2, 1) = nu * k;
-      DD(3, 3) = k * (1.0 - 2.0 * nu) / 2.0;
+      isotropic_plane_strain(m, DD);
     } else {
       STRESS_STRAIN_MATRIX_PLT(m, C.continuum.compliance, 1, DD);
     }

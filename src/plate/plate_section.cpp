@@ -126,13 +126,7 @@ PlateSection plane_section(const PlateContext& C, int32_t PLANE_KIND, double MAT
   if (m.MAT_TYPE == 1) {
     STRESS_STRAIN_MATRIX_PLT(m, C.compliance, mode, d.ref("D"));
   } else if (mode == 1) {
-    const double nu = m.MAT_POISSON;
-    const double k = m.MAT_YOUNG / ((1.0 + nu) * (1.0 - 2.0 * nu));
-    d(1, 1) = (1.0 - nu) * k;
-    d(2, 2) = (1.0 - nu) * k;
-    d(1, 2) = nu * k;
-    d(2, 1) = nu * k;
-    d(3, 3) = k * (1.0 - 2.0 * nu) / 2.0;
+    isotropic_plane_strain(m, d.ref("D"));
   } else {
     isotropic_plane_stress(m, d);
   }
