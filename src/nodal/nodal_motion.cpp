@@ -462,22 +462,28 @@ void MotionFetch::dof(int64_t row, int32_t equation, int32_t node, int32_t comp)
   }
 }
 
-void MotionFetch::deliver_nothing(int64_t row) {
-  if (sink_ == nullptr) return;
+double* MotionFetch::sink_buffer(int64_t row) {
+  if (row == target_row_ && target_ != nullptr) return target_;
   auto& buf = M_.state.HIST;
   buf.resize(static_cast<size_t>(nsteps_));
-  std::fill(buf.begin(), buf.end(), 0.0);
-  sink_(row, buf.data());
+  return buf.data();
+}
+
+void MotionFetch::deliver_nothing(int64_t row) {
+  if (sink_ == nullptr || !wanted(row)) return;
+  double* h = sink_buffer(row);
+  std::fill(h, h + nsteps_, 0.0);
+  sink_(row, h);
 }
 
 void MotionFetch::deliver(const SectionRef& s, int64_t index, int64_t row) {
   ArchiveReader& A = M_.archive;
   const int64_t n = nsteps_;
   if (sink_ != nullptr) {
-    auto& buf = M_.state.HIST;
-    buf.resize(static_cast<size_t>(n));
-    if (!A.read(s, index, buf.data(), n * 8)) std::fill(buf.begin(), buf.end(), 0.0);
-    sink_(row, buf.data());
+    if (!wanted(row)) return;
+    double* h = sink_buffer(row);
+    if (!A.read(s, index, h, n * 8)) std::fill(h, h + n, 0.0);
+    sink_(row, h);
     return;
   }
   switch (cols_) {
@@ -549,6 +555,7 @@ void MotionFetch::finish_modal() {
     if (C.holds(nm, n) && mode_values.ref().holds(sum_rows_, nm)) {
       const int64_t ld = mode_values.rows();
       for (int64_t i = 1; i <= sum_rows_; ++i) {
+        if (!wanted(i)) continue;
         // Row I of the modal sum, formed straight into the buffer (of no
         // terms when no mode is kept).
         double* row = nm > 0 ? mode_values.data() + (i - 1) : nullptr;

@@ -87,6 +87,16 @@ class MotionFetch {
   // All steps, each dof's history handed to SINK (rows 1..SUM_ROWS in order
   // for a modal case, when the fetch finishes).
   MotionFetch(NodalMotion& M, Quantity q, bool support, int64_t sum_rows, HistorySink sink);
+  // For the sink road in direct storage: only the rows set in WANTED (bit
+  // r - 1 for row r; rows past 64 are always wanted) are read and handed to
+  // the sink. Reads make no lines, so a row nobody uses need not be read.
+  void want_rows(uint64_t wanted) { wanted_ = wanted; }
+  // Row ROW's history is read straight into DST (NUM_STEPS values) and
+  // handed to the sink there, instead of through the fetch's own buffer.
+  void read_row_into(int64_t row, double* dst) {
+    target_row_ = row;
+    target_ = dst;
+  }
 
   // All steps, combined into one history (see combine()): the dof calls
   // note each row's history (rows 1..NROWS; a row delivered twice counts
@@ -136,6 +146,14 @@ class MotionFetch {
   MatRef<double> out_;
   int64_t sum_rows_;
   HistorySink sink_;
+  uint64_t wanted_ = ~uint64_t{0};
+  int64_t target_row_ = 0;
+  double* target_ = nullptr;
+  bool wanted(int64_t row) const {
+    return row < 1 || row > 64 || ((wanted_ >> (row - 1)) & 1U) != 0;
+  }
+  // Where the sink road reads row ROW: its target, or the fetch's buffer.
+  double* sink_buffer(int64_t row);
   Storage storage_ = Storage::None;
   int64_t nsteps_ = 0;
 

@@ -10,18 +10,20 @@
 
 #include "archive/section_access.hpp"
 #include "nodal/node_results.hpp"
+#include "numeric/combine.hpp"
 
 namespace respcore {
 
 namespace {
 
-// Y += T * X, or Y := 0 + T * X for the first term of a sum.
+// Y += T * X, or Y := 0 + T * X for the first term of a sum (X may be Y
+// then).
 void add_term(double* y, const double* x, double t, size_t n, bool first_term) {
-  if (first_term) {
-    for (size_t s = 0; s < n; ++s) y[s] = 0.0 + t * x[s];
-  } else {
-    for (size_t s = 0; s < n; ++s) y[s] += t * x[s];
-  }
+  const auto len = static_cast<int64_t>(n);
+  if (first_term)
+    start_combination(y, x, t, len);
+  else
+    add_combination(y, &x, &t, 1, len, 1);
 }
 
 // Forms row RESULT_COMP of one node into OUT. Row r of the node-axis motion
@@ -37,8 +39,12 @@ void node_pass(NodalMotion& M, NodeSkew& S, int32_t node, Quantity q, int32_t AX
   if (R.HAS_SUPPORT_MOTION == 1) {
     for (int i = 0; i < 3; ++i) support = support || rec.LM[i] == 0;
   }
-  auto fetch = [&](HistorySink sink) {
+  // WANTED: the dofs whose histories the row uses; FIRST, if any, is read
+  // straight into the row.
+  auto fetch = [&](HistorySink sink, uint64_t wanted, int64_t first, double* row) {
     MotionFetch f(M, q, support, K, std::move(sink));
+    f.want_rows(wanted);
+    if (first > 0) f.read_row_into(first, row);
     for (int32_t i = 1; i <= K; ++i) f.dof(i, rec.LM[i - 1], node, i);
     f.finish();
   };
@@ -47,15 +53,16 @@ void node_pass(NodalMotion& M, NodeSkew& S, int32_t node, Quantity q, int32_t AX
   const int64_t n = std::max<int64_t>(R.NUM_STEPS, 0);
   const size_t un = static_cast<size_t>(n);
   if (!(C >= 1 && C <= K && n == OUT.cols())) {
-    // Row RESULT_COMP stays zero; the archive is still read as always.
-    fetch([](int64_t, const double*) {});
+    // Row RESULT_COMP stays zero; the look-ups are made as always, and no
+    // history is needed.
+    fetch([](int64_t, const double*) {}, 0, 0, nullptr);
     return;
   }
   double* row = OUT.fresh_row(C);
   if (C == 7) {
     fetch([&](int64_t i, const double* h) {
-      if (i == 7) std::copy(h, h + n, row);
-    });
+      if (i == 7 && h != row) std::copy(h, h + n, row);
+    }, uint64_t{1} << 6, 7, row);
     return;
   }
   int32_t index = 0;
@@ -77,6 +84,16 @@ void node_pass(NodalMotion& M, NodeSkew& S, int32_t node, Quantity q, int32_t AX
     }
   }
   bool started[3] = {false, false, false};
+  // A dof is read when some row formed has a term for it; with one row the
+  // first such dof is read into the row, which its term then scales in place.
+  uint64_t wanted = 0;
+  int64_t first = 0;
+  for (int64_t i = 1; i <= 6; ++i) {
+    for (int k = 0; k < nrows; ++k) {
+      if (rec.T[base + k][i - 1] != 0.0) wanted |= uint64_t{1} << (i - 1);
+    }
+    if (first == 0 && nrows == 1 && (wanted >> (i - 1) & 1U) != 0) first = i;
+  }
   fetch([&](int64_t i, const double* h) {
     if (i > 6) return;
     for (int k = 0; k < nrows; ++k) {
@@ -85,7 +102,7 @@ void node_pass(NodalMotion& M, NodeSkew& S, int32_t node, Quantity q, int32_t AX
       add_term(y[k], h, t, un, !started[k]);
       started[k] = true;
     }
-  });
+  }, wanted, first, row);
   for (int k = 0; k < nrows; ++k) {
     if (!started[k]) std::fill(y[k], y[k] + n, 0.0);
   }

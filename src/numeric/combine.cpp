@@ -53,7 +53,24 @@ void add1_strided(double* __restrict y, const double* __restrict x, double c, in
   for (int64_t j = 0; j < n; ++j) y[j] += c * x[j * stride];
 }
 
+RESPCORE_VECTOR_VARIANTS
+void scale_from(double* __restrict y, const double* __restrict x, double c, int64_t n) {
+  for (int64_t j = 0; j < n; ++j) y[j] = 0.0 + c * x[j];
+}
+
+RESPCORE_VECTOR_VARIANTS
+void scale_here(double* y, double c, int64_t n) {
+  for (int64_t j = 0; j < n; ++j) y[j] = 0.0 + c * y[j];
+}
+
 }  // namespace
+
+void start_combination(double* y, const double* x, double c, int64_t n) {
+  if (x == y)
+    scale_here(y, c, n);
+  else
+    scale_from(y, x, c, n);
+}
 
 void add_combination(double* y, const double* const* x, const double* c, int32_t k, int64_t n,
                      int64_t stride) {

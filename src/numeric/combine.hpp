@@ -13,4 +13,8 @@ namespace respcore {
 void add_combination(double* y, const double* const* x, const double* c, int32_t k, int64_t n,
                      int64_t stride);
 
+// For j = 0..N-1: Y(j) := 0 + C X(j), the first term of such a sum (the
+// zero start turns a product of -0 into +0). X is Y, or overlaps it nowhere.
+void start_combination(double* y, const double* x, double c, int64_t n);
+
 }  // namespace respcore
