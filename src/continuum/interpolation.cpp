@@ -406,20 +406,16 @@ void SHAPE_DER_BUB(MatRef<double> DERIV_arg, double XI, double ETA, double ZETA,
     for (int32_t i = 1; i <= NDIM; ++i) DERIV(i, k) = s.d[i - 1][k - 1];
 }
 
-void B_BUB(Diagnostics& DG, int32_t ELEM_NO, int32_t PLANE_TYPE, MatRef<double> B_arg, double& DET,
-           MatRef<double> CARTD_arg, VecRef<double> SHAPE, VecRef<double> GPCOD, double XI,
-           double ETA, double ZETA, MatRef<double> CN_arg, int32_t NNODE, int32_t NDIM,
-           int32_t NSTRS, int32_t BUBBLE, int32_t DET_ONLY) {
-  const bool known_size = NDIM >= 1 && NDIM <= 3 && NNODE >= 1 && NNODE <= kMaxNode;
+namespace {
+
+// Steps 2 to 9 of B_BUB, through accessors of CN(NDIM,NNODE), SHAPE, GPCOD,
+// CARTD(NDIM,NNODE+NDIM) and B(NSTRS,NDIM (NNODE+NDIM)): checked ones, or
+// plain ones when all of them hold their extents.
+template <class CnA, class ShA, class GpA, class CdA, class BA>
+void b_bub_steps(Diagnostics& DG, int32_t ELEM_NO, int32_t PLANE_TYPE, BA B, double& DET,
+                 CdA CARTD, ShA SHAPE, GpA GPCOD, CnA CN, const ShapeEval& s, bool known_size,
+                 int32_t NNODE, int32_t NDIM, int32_t NSTRS, int32_t BUBBLE, int32_t DET_ONLY) {
   const int32_t ncol = NNODE + NDIM;
-
-  // 1. Shape functions and natural derivatives at the point.
-  SHAPE_FUN_BUB(SHAPE, XI, ETA, ZETA, NNODE, NDIM);
-  ShapeEval s;
-  clear(s);
-  if (known_size) evaluate(s, XI, ETA, ZETA, NNODE, NDIM);
-
-  MatRef<double> CN = as_shape(CN_arg, NDIM, NNODE);
   double J[3][3] = {};
   if (known_size) {
     // 2. Coordinates of the point.
@@ -451,7 +447,6 @@ void B_BUB(Diagnostics& DG, int32_t ELEM_NO, int32_t PLANE_TYPE, MatRef<double> 
   // 6, 7. Cartesian derivatives of the nodal functions.
   double Ji[3][3] = {};
   jacobian_inverse(J, DET, NDIM, Ji);
-  MatRef<double> CARTD = as_shape(CARTD_arg, NDIM, ncol);
   for (int32_t k = 1; k <= NNODE; ++k) {
     for (int32_t i = 1; i <= NDIM; ++i) {
       double x = 0.0;
@@ -478,7 +473,6 @@ void B_BUB(Diagnostics& DG, int32_t ELEM_NO, int32_t PLANE_TYPE, MatRef<double> 
 
   // 9. Strain-displacement matrix.
   const int32_t nk = NNODE + nb;
-  MatRef<double> B = as_shape(B_arg, NSTRS, int64_t{NDIM} * nk);
   for (int64_t j = 1; j <= int64_t{NDIM} * nk; ++j)
     for (int32_t i = 1; i <= NSTRS; ++i) B(i, j) = 0.0;
   for (int32_t k = 1; k <= nk; ++k) {
@@ -503,6 +497,37 @@ void B_BUB(Diagnostics& DG, int32_t ELEM_NO, int32_t PLANE_TYPE, MatRef<double> 
       B(6, c + 2) = CARTD(1, k);
     }
   }
+}
+
+}  // namespace
+
+void B_BUB(Diagnostics& DG, int32_t ELEM_NO, int32_t PLANE_TYPE, MatRef<double> B_arg, double& DET,
+           MatRef<double> CARTD_arg, VecRef<double> SHAPE, VecRef<double> GPCOD, double XI,
+           double ETA, double ZETA, MatRef<double> CN_arg, int32_t NNODE, int32_t NDIM,
+           int32_t NSTRS, int32_t BUBBLE, int32_t DET_ONLY) {
+  const bool known_size = NDIM >= 1 && NDIM <= 3 && NNODE >= 1 && NNODE <= kMaxNode;
+  const int32_t ncol = NNODE + NDIM;
+
+  // 1. Shape functions and natural derivatives at the point.
+  SHAPE_FUN_BUB(SHAPE, XI, ETA, ZETA, NNODE, NDIM);
+  ShapeEval s;
+  clear(s);
+  if (known_size) evaluate(s, XI, ETA, ZETA, NNODE, NDIM);
+
+  MatRef<double> CN = as_shape(CN_arg, NDIM, NNODE);
+  MatRef<double> CARTD = as_shape(CARTD_arg, NDIM, ncol);
+  const int32_t nk = NNODE + (BUBBLE == 1 ? NDIM : 0);
+  MatRef<double> B = as_shape(B_arg, NSTRS, int64_t{NDIM} * nk);
+  // The rows of B that step 9 writes.
+  const int32_t b_rows = NDIM == 3 ? 6 : NDIM == 2 ? (PLANE_TYPE == 2 ? 4 : 3) : 1;
+  if (known_size && CN.holds(NDIM, NNODE) && SHAPE.holds(1, nk) && GPCOD.holds(1, NDIM) &&
+      CARTD.holds(NDIM, ncol) && B.holds(NSTRS, int64_t{NDIM} * nk) && NSTRS >= b_rows) {
+    b_bub_steps(DG, ELEM_NO, PLANE_TYPE, B.raw(), DET, CARTD.raw(), SHAPE.raw(), GPCOD.raw(),
+                CN.raw(), s, known_size, NNODE, NDIM, NSTRS, BUBBLE, DET_ONLY);
+    return;
+  }
+  b_bub_steps(DG, ELEM_NO, PLANE_TYPE, B, DET, CARTD, SHAPE, GPCOD, CN, s, known_size, NNODE, NDIM,
+              NSTRS, BUBBLE, DET_ONLY);
 }
 
 void CALC_CN_2D(MatRef<double> CN_arg, MatRef<double> XYZ_arg, MatRef<double> TRAN_arg,

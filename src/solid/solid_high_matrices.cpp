@@ -72,28 +72,53 @@ void SOL_STIFF_MAT(MatRef<double> S_arg, MatRef<double> D_arg, MatRef<double> B_
     add_btdb(S, D, B, W, NDOF);
 }
 
+namespace {
+
+// The rows of SOL_STRESS_HIGH, through accessors Dm, Bm, Tm and STRm of
+// D(6,6), B(6,NDOF), T(3,3) and STR.
+template <class DA, class BA, class TA, class SA>
+void stress_rows(SA STRm, DA Dm, BA Bm, TA Tm, int32_t IROW, int32_t NDOF) {
+  for (int32_t jb = 1; jb <= NDOF; jb += 3) {
+    double db[6][3];
+    for (int32_t c = 0; c < 3; ++c) {
+      for (int32_t r = 1; r <= 6; ++r) {
+        double x = 0.0;
+        for (int32_t k = 1; k <= 6; ++k) x += Dm(r, k) * Bm(k, jb + c);
+        db[r - 1][c] = x;
+      }
+    }
+    for (int32_t r = 1; r <= 6; ++r) {
+      for (int32_t c = 1; c <= 3; ++c) {
+        STRm(IROW + r, jb + c - 1) =
+            db[r - 1][0] * Tm(1, c) + db[r - 1][1] * Tm(2, c) + db[r - 1][2] * Tm(3, c);
+      }
+    }
+  }
+}
+
+}  // namespace
+
 void SOL_STRESS_HIGH(MatRef<double> STR, MatRef<double> D_arg, MatRef<double> B_arg,
                      MatRef<double> T_arg, int32_t IROW, int32_t NDOF) {
   if (NDOF <= 0) return;
   MatRef<double> D = as_shape(D_arg, 6, 6);
   MatRef<double> B = as_shape(B_arg, 6, NDOF);
   MatRef<double> T = as_shape(T_arg, 3, 3);
-  for (int32_t jb = 1; jb <= NDOF; jb += 3) {
-    double db[6][3];
-    for (int32_t c = 0; c < 3; ++c) {
-      for (int32_t r = 1; r <= 6; ++r) {
-        double x = 0.0;
-        for (int32_t k = 1; k <= 6; ++k) x += D(r, k) * B(k, jb + c);
-        db[r - 1][c] = x;
-      }
-    }
-    for (int32_t r = 1; r <= 6; ++r) {
-      for (int32_t c = 1; c <= 3; ++c) {
-        STR(IROW + r, jb + c - 1) =
-            db[r - 1][0] * T(1, c) + db[r - 1][1] * T(2, c) + db[r - 1][2] * T(3, c);
-      }
-    }
+  // Columns run in blocks of three: the last block reaches column
+  // 3 ceil(NDOF / 3).
+  const int32_t last = NDOF + (3 - NDOF % 3) % 3;
+  if (D.holds(6, 6) && B.holds(6, last) && T.holds(3, 3) && IROW >= 0 &&
+      STR.holds(int64_t{IROW} + 6, last)) {
+    double d[6][6], t[3][3];
+    for (int32_t r = 0; r < 6; ++r)
+      for (int32_t k = 0; k < 6; ++k) d[r][k] = D(r + 1, k + 1);
+    for (int32_t r = 0; r < 3; ++r)
+      for (int32_t c = 0; c < 3; ++c) t[r][c] = T(r + 1, c + 1);
+    stress_rows(STR.raw(), [&](int32_t r, int32_t k) { return d[r - 1][k - 1]; }, B.raw(),
+                [&](int32_t r, int32_t c) { return t[r - 1][c - 1]; }, IROW, NDOF);
+    return;
   }
+  stress_rows(STR, D, B, T, IROW, NDOF);
 }
 
 namespace {
@@ -126,7 +151,7 @@ void element_setup(SolidContext& C, int32_t nn, MatRef<double> XYZ, MatRef<doubl
 }  // namespace
 
 void SOL_STF(SolidContext& C, int32_t ELEM_NO, MatRef<double> S_arg, MatRef<double> WORK,
-             int32_t N, int32_t NN, MatRef<double> XYZ, MatRef<double> T) {
+             int32_t N, int32_t NN, MatRef<double> XYZ, MatRef<double> T, bool integrate) {
   // No nodeless modes: the condensation of the nine bubble freedoms is
   // never reached.
   constexpr int32_t kBubble = 0;
@@ -150,12 +175,15 @@ void SOL_STF(SolidContext& C, int32_t ELEM_NO, MatRef<double> S_arg, MatRef<doub
   for (int32_t ip = 1; ip <= ngp; ++ip) {
     double s = 0.0, t = 0.0, u = 0.0, w = 0.0, det = 0.0;
     T_GP_COORD(s, t, u, w, ip, ngp, nn, 6);
+    // Without the integration only the determinant is formed, for the
+    // element-shape message of a point where it vanishes.
     B_BUB(C.diag, ELEM_NO, C.continuum.PLANE_TYPE, pw.B(), det, pw.CARTD(), pw.SHAPE(),
-          pw.GPCOD(), s, t, u, XL, nn, 3, 6, kBubble, 0);
+          pw.GPCOD(), s, t, u, XL, nn, 3, 6, kBubble, integrate ? 0 : 1);
+    if (!integrate) continue;
     if (tet_factor) w = w / 6.0;
     SOL_STIFF_MAT(S, D, pw.B(), det * w, NDOF);
   }
-  LOCTOGLO(S, N, WORK, N, T, NDOF);
+  if (integrate) LOCTOGLO(S, N, WORK, N, T, NDOF);
 }
 
 void SOL_STR(SolidContext& C, int32_t ELEM_NO, MatRef<double> STR_arg, int32_t NROW, int32_t N,
@@ -187,14 +215,14 @@ void SOL_STR(SolidContext& C, int32_t ELEM_NO, MatRef<double> STR_arg, int32_t N
 }
 
 void SOLID_HIGH_STRS(SolidContext& C, int32_t ELEM_NO, int32_t NN, MatRef<double> ASA_arg,
-                     MatRef<double> XYZ, MatRef<double> T) {
+                     MatRef<double> XYZ, MatRef<double> T, bool forces) {
   constexpr int32_t N = SOLID_HIGH_MAX_DOF;
   constexpr int32_t NROW = SOLID_HIGH_NROW;
   MatRef<double> ASA = as_shape(ASA_arg, NROW, N);
   Mat<double> S("S", N, N);
   Mat<double> WORK("WORK", N, N);
   Mat<double> STR("STR", NROW, N);
-  SOL_STF(C, ELEM_NO, S.ref(), WORK.ref(), N, NN, XYZ, T);
+  SOL_STF(C, ELEM_NO, S.ref(), WORK.ref(), N, NN, XYZ, T, forces);
   SOL_STR(C, ELEM_NO, STR.ref(), NROW, N, NN, XYZ, T);
 
   const int32_t ndof = 3 * clamp_nodes(NN);

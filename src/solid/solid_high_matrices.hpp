@@ -44,9 +44,10 @@ void SOL_STRESS_HIGH(MatRef<double> STR, MatRef<double> D, MatRef<double> B, Mat
 // freedom, integrated in element axes with the family's rule (the
 // tetrahedron rules of 4 and 5 points carry their factor 1/6 here) and
 // turned with LOCTOGLO. WORK(N,N) is scratch. ELEM_NO names the element in
-// the element-shape message.
+// the element-shape message. Without INTEGRATE, S is left zero and each
+// point forms only its determinant, so that the messages stay the same.
 void SOL_STF(SolidContext& C, int32_t ELEM_NO, MatRef<double> S, MatRef<double> WORK, int32_t N,
-             int32_t NN, MatRef<double> XYZ, MatRef<double> T);
+             int32_t NN, MatRef<double> XYZ, MatRef<double> T, bool integrate);
 
 // STR(NROW,N): from row N + 1, six stress rows (element axes) for the centre
 // and then each integration point, acting on global displacements.
@@ -54,9 +55,10 @@ void SOL_STR(SolidContext& C, int32_t ELEM_NO, MatRef<double> STR, int32_t NROW,
              int32_t NN, MatRef<double> XYZ, MatRef<double> T);
 
 // ASA(228,60): rows 1 .. 3 NN the stiffness (nodal forces = stiffness times
-// global displacements), rows 61 onward the stress rows of SOL_STR.
+// global displacements), rows 61 onward the stress rows of SOL_STR. Without
+// FORCES the stiffness rows are left zero, for a request that uses none.
 void SOLID_HIGH_STRS(SolidContext& C, int32_t ELEM_NO, int32_t NN, MatRef<double> ASA,
-                     MatRef<double> XYZ, MatRef<double> T);
+                     MatRef<double> XYZ, MatRef<double> T, bool forces);
 
 // Shape functions SHAPE(NN) and their natural derivatives DN_S, DN_T, DN_U
 // of the solid families of 4, 6, 8, 10, 15 and 20 nodes at (S, T, U), from

@@ -168,5 +168,33 @@ TEST(SolidHigh, PyramidWithoutShapeFunctionsRunsOn) {
   EXPECT_NE(k.messages().find("JACOBIAN"), std::string::npos);
 }
 
+// A long history of one row is combined from the displacement histories, a
+// short one formed step by step: every row agrees, and an element of bad
+// shape reports the same lines on both roads.
+TEST(SolidHigh, LongRowsAgreeWithTheStepByStepRoad) {
+  const Field wave = [](const V3& x, int s) {
+    return V3{1e-3 * std::sin(0.2 * s + x[0]), 1e-3 * std::cos(0.3 * s - x[1]),
+              1e-3 * std::sin(0.1 * s * x[2])};
+  };
+  Kernel k;
+  HighModel m(20, sample_placement(1), Material{}, Material{}.vals);
+  m.write(wave, 70);
+  expect_long_rows_agree(k, m.a.request(8, 1, 70), {60, 186, rows_of(20)}, 64);
+  HighModel pyr(13, sample_placement(0), Material{}, Material{}.vals);
+  pyr.write(wave, 70);
+  auto lines_of = [](const Request& r) {
+    Kernel fresh;
+    fresh.run(r);
+    return fresh.messages();
+  };
+  for (const int comp : {5, 61}) {
+    Request r = pyr.a.request(8, comp, 70);
+    const std::string lines = lines_of(r);
+    EXPECT_NE(lines.find("JACOBIAN"), std::string::npos);
+    r.num_steps = 64;
+    EXPECT_EQ(lines_of(r), lines) << comp;
+  }
+}
+
 }  // namespace
 }  // namespace respcore::testing::solid
