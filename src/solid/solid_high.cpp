@@ -72,20 +72,24 @@ void nodal_matrix_of(Mat<double>& ASA, int32_t nn, Mat<double>& VALUE_GAUSS,
   const int32_t ngp = SOLID_HIGH_NGP(nn);
   const int32_t npts = nn + 1;
   NODAL.fill(0.0);
+  // NN is at most kMaxNode: every subscript below lies within its array.
+  const auto A = ASA.raw();
+  const auto N = NODAL.raw();
   for (int32_t j = 1; j <= neq; ++j)
-    for (int32_t i = 1; i <= kMaxDof; ++i) NODAL(i, j) = ASA(i, j);
+    for (int32_t i = 1; i <= kMaxDof; ++i) N(i, j) = A(i, j);
   if (neq <= 0) return;
   const int32_t nc = 6 * neq;
   MatRef<double> VG(VALUE_GAUSS.data(), nc, ngp, "VALUE_GAUSS");
   MatRef<double> VN(VALUE_NODAL.data(), nc, npts, "VALUE_NODAL");
+  const auto G = VG.raw();
+  const auto P = VN.raw();
   for (int32_t g = 1; g <= ngp; ++g)
     for (int32_t j = 1; j <= neq; ++j)
-      for (int32_t c = 1; c <= 6; ++c) VG(c + 6 * (j - 1), g) = ASA(kMaxDof + 6 * g + c, j);
+      for (int32_t c = 1; c <= 6; ++c) G(c + 6 * (j - 1), g) = A(kMaxDof + 6 * g + c, j);
   STRESS_RECOVERY_SOLID(VN.flat(), VG.flat(), nc, ngp, npts, 1);
   for (int32_t pt = 1; pt <= npts; ++pt)
     for (int32_t j = 1; j <= neq; ++j)
-      for (int32_t c = 1; c <= 6; ++c)
-        NODAL(kMaxDof + 6 * (pt - 1) + c, j) = VN(c + 6 * (j - 1), pt);
+      for (int32_t c = 1; c <= 6; ++c) N(kMaxDof + 6 * (pt - 1) + c, j) = P(c + 6 * (j - 1), pt);
 }
 
 }  // namespace

@@ -226,10 +226,18 @@ void SOLID_HIGH_STRS(SolidContext& C, int32_t ELEM_NO, int32_t NN, MatRef<double
   SOL_STR(C, ELEM_NO, STR.ref(), NROW, N, NN, XYZ, T);
 
   const int32_t ndof = 3 * clamp_nodes(NN);
-  for (int32_t j = 1; j <= N; ++j) {
-    for (int32_t i = 1; i <= N; ++i) ASA(i, j) = (i <= ndof) ? S(i, j) : 0.0;
-    for (int32_t i = N + 1; i <= NROW; ++i) ASA(i, j) = STR(i, j);
-  }
+  auto copy = [&](auto to) {
+    const auto s = S.raw();
+    const auto str = STR.raw();
+    for (int32_t j = 1; j <= N; ++j) {
+      for (int32_t i = 1; i <= N; ++i) to(i, j) = (i <= ndof) ? s(i, j) : 0.0;
+      for (int32_t i = N + 1; i <= NROW; ++i) to(i, j) = str(i, j);
+    }
+  };
+  if (ASA.holds(NROW, N))
+    copy(ASA.raw());
+  else
+    copy(ASA);
 }
 
 // ---------------------------------------------------------------------------
