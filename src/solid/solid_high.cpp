@@ -161,7 +161,7 @@ void SOLID_HIGH(const RunContext& R, ArchiveReader A, NodalMotion& M, SolidConte
     // A combined row of stress or strain uses no nodal force: the stiffness
     // need not be integrated.
     const bool forces = !combined || (R.RESULT_COMP >= 1 && R.RESULT_COMP <= kMaxDof);
-    ASA.fill(0.0);
+    // SOLID_HIGH_STRS writes every entry of ASA.
     SOLID_HIGH_STRS(C, element, nn, ASA.ref(), XYZ.ref(), PANEL_T.ref(), forces);
     nodal_matrix_of(ASA, nn, VALUE_GAUSS, VALUE_NODAL, nodal);
 
