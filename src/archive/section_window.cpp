@@ -11,34 +11,39 @@ namespace respcore {
 SectionWindow::SectionWindow(const PinnedSection& s)
     : s_(s), file_(s.conn.file.get()), reclen_(s.conn.reclen) {
   if (file_ != nullptr) size_ = file_->size;
-  if (reclen_ > 0) per_chunk_ = std::max<int64_t>(1, kChunkBytes / reclen_);
 }
 
 const char* SectionWindow::chunk_bytes(int64_t off, int64_t nbytes) {
-  if (per_chunk_ < 1 || reclen_ > kChunkedRecord) return nullptr;
-  const int64_t no = off / reclen_ / per_chunk_;
+  if (reclen_ < 1 || reclen_ > kChunkedRecord) return nullptr;
   Chunk* c = nullptr;
   for (Chunk& k : chunks_)
-    if (k.no == no) c = &k;
+    if (off >= k.start && off + nbytes <= k.start + k.len) c = &k;
   if (c == nullptr) {
+    const bool near =
+        read_end_ >= 0 && off >= read_end_ - kNearBytes && off <= read_end_ + kNearBytes;
+    run_ = near ? std::min(run_ + 1, 8) : 0;
+    read_end_ = off + nbytes;
+    if (run_ < 2) return nullptr;
     c = &*std::min_element(chunks_.begin(), chunks_.end(),
                            [](const Chunk& x, const Chunk& y) { return x.used < y.used; });
-    const int64_t start = no * per_chunk_ * reclen_;
-    const int64_t len = std::min(per_chunk_ * reclen_, size_ - start);
-    if (!c->bytes) c->bytes.reset(new char[static_cast<size_t>(per_chunk_ * reclen_)]);
-    c->no = -1;
+    // Whole records from the one OFF lies in, as many as the chunk holds
+    // (at least that one).
+    const int64_t want = std::min(kChunkBytes, int64_t{8 << 10} << (run_ - 2));
+    const int64_t start = off / reclen_ * reclen_;
+    const int64_t len = std::min(std::max<int64_t>(1, want / reclen_) * reclen_, size_ - start);
+    if (!c->bytes) c->bytes.reset(new char[static_cast<size_t>(kChunkBytes)]);
     if (c->bytes.get() == held_) held_lo_ = held_hi_ = 0;
+    c->start = c->len = 0;
     if (!read_file_span(s_.conn, start, len, c->bytes.get())) return nullptr;
-    c->no = no;
+    c->start = start;
     c->len = len;
+    read_end_ = start + len;
   }
   c->used = ++uses_;
-  const int64_t start = c->no * per_chunk_ * reclen_;
   held_ = c->bytes.get();
-  held_lo_ = start;
-  held_hi_ = start + c->len;
-  const int64_t at = off - start;
-  return at + nbytes <= c->len ? held_ + at : nullptr;
+  held_lo_ = c->start;
+  held_hi_ = c->start + c->len;
+  return held_ + (off - c->start);
 }
 
 const char* SectionWindow::record_slow(int64_t index, int64_t off, int64_t nbytes) {

@@ -46,15 +46,20 @@ class SectionWindow {
   }
 
  private:
-  // Chunks of this many bytes of records (whole records, at least one).
-  static constexpr int64_t kChunkBytes = 64 << 10;
+  // Records not held are read in chunks of whole records once a run of
+  // reads goes on through the section, each read within kNearBytes of the
+  // end of the one before: from the third such read on, in chunks of 8 KB
+  // that double with each further one up to kChunkBytes. So a few records
+  // scattered over a large section cost their own reads, and a long run a
+  // read per chunk.
+  static constexpr int64_t kChunkBytes = 128 << 10;
+  static constexpr int64_t kNearBytes = 16 << 10;
   // Records longer than this are read alone: a chunk of them would mostly
   // hold bytes nobody asked for.
   static constexpr int64_t kChunkedRecord = 4 << 10;
 
   struct Chunk {
-    int64_t no = -1;  // records no * per + 1 .. (no + 1) * per
-    int64_t len = 0;  // bytes held (the file may end within the chunk)
+    int64_t start = 0, len = 0;  // file bytes START..START + LEN - 1
     uint64_t used = 0;
     std::unique_ptr<char[]> bytes;
   };
@@ -77,9 +82,10 @@ class SectionWindow {
   // The bytes of the chunk used last, file bytes HELD_LO..HELD_HI - 1.
   const char* held_ = nullptr;
   int64_t held_lo_ = 0, held_hi_ = 0;
-  int64_t per_chunk_ = 0;  // records per chunk
   uint64_t uses_ = 0;
-  std::array<Chunk, 8> chunks_;
+  std::array<Chunk, 4> chunks_;
+  int64_t read_end_ = -1;  // the end of the bytes read last
+  int32_t run_ = 0;        // reads of the run they end
   std::unique_ptr<char[]> one_;  // a record read alone
   int64_t one_len_ = 0;
 };

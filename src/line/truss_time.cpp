@@ -87,31 +87,43 @@ bool plain_record(const char* rec, int64_t sa_size) {
 }
 
 // The element of the plain record REC on the snapshot road: what the usual
-// reading leaves in SA and delivers to column COL of ROWS, from the same
-// words and in the same order of operations.
-void snapshot_truss(const char* rec, Vec<double>& SA, int64_t& dirty, SnapshotMotion& motion,
-                    const double* init, bool scaled, const std::array<double*, kRows>& rows,
-                    int64_t col) {
-  double* sa = SA.data();
-  if (dirty > kWords) std::fill(sa + kWords, sa + dirty, 0.0);
-  std::memcpy(sa, rec, kWords * 8);
-  dirty = kWords;
-  const int64_t NDOF = trunc_i32(sa[kWords - 3]);
-  const int64_t NSTR = trunc_i32(sa[kWords - 2]);
-  double SCALE = sa[kWords - 1];
+// reading delivers to column COL of ROWS, from the same words and in the same
+// order of operations. It reads the record where it lies rather than in SA:
+// the next usual element clears SA before it reads, and the last element of
+// the call leaves its record there (keep_record).
+void snapshot_truss(const char* rec, SnapshotMotion& motion, const double* init, bool scaled,
+                    const std::array<double*, kRows>& rows, int64_t col) {
+  auto word = [rec](int64_t i) {
+    double w;
+    std::memcpy(&w, rec + (i - 1) * 8, 8);
+    return w;
+  };
+  const int64_t NDOF = trunc_i32(word(kWords - 2));
+  const int64_t NSTR = trunc_i32(word(kWords - 1));
+  double SCALE = word(kWords);
   if (SCALE < 0.0) SCALE = -SCALE;
   int32_t lm[kWords];
   double disp[kWords];
-  for (int64_t i = 0; i < NDOF; ++i) lm[i] = trunc_i32(sa[i]);
+  for (int64_t i = 1; i <= NDOF; ++i) lm[i - 1] = trunc_i32(word(i));
   motion.displacements(lm, NDOF, disp);
-  // The matrix lies behind the equation numbers, NSTR rows per column.
-  const double* strs = sa + NDOF;
+  // The matrix lies behind the equation numbers, NSTR rows per column; past
+  // the record SA would hold zeros.
+  auto strs = [&](int64_t i, int64_t j) {
+    const int64_t k = NDOF + i + (j - 1) * NSTR;
+    return k <= kWords ? word(k) : 0.0;
+  };
   double out[kRows];
-  truss_step([&](int64_t i, int64_t j) { return strs[(i - 1) + (j - 1) * NSTR]; },
-             [&](int64_t j, int64_t) { return disp[j - 1]; },
+  truss_step(strs, [&](int64_t j, int64_t) { return disp[j - 1]; },
              [&](int64_t r, int64_t) -> double& { return out[r - 1]; }, 1, NDOF, init, scaled,
              SCALE);
   for (int r = 0; r < kRows; ++r) rows[static_cast<size_t>(r)][col] = out[r];
+}
+
+// SA as the usual reading of the plain record REC leaves it, from SA as it
+// was left by an element whose words reached DIRTY.
+void keep_record(const char* rec, Vec<double>& SA, int64_t dirty) {
+  std::fill(SA.data(), SA.data() + dirty, 0.0);
+  std::memcpy(SA.data(), rec, kWords * 8);
 }
 
 }  // namespace
@@ -159,8 +171,8 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
     const int32_t serial = INUM_SERIAL(k);
     const char* plain = pinned ? records.record(serial, kWords * 8) : nullptr;
     if (plain != nullptr && plain_record(plain, SA.size())) {
-      snapshot_truss(plain, SA, dirty, motion, has_initial ? RST_INITIAL.col(k) : nullptr, hnq,
-                     rows, k - 1);
+      snapshot_truss(plain, motion, has_initial ? RST_INITIAL.col(k) : nullptr, hnq, rows, k - 1);
+      if (k == R.NUM_ITEMS) keep_record(plain, SA, dirty);
       continue;
     }
 
