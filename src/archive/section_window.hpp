@@ -1,9 +1,10 @@
-// The records of one section, read from the file in chunks and kept in
-// memory for the rest of a request: for loops that visit many records of a
-// section looked up once (a snapshot of many elements reads every element's
-// record and the displacement records of its equations). Every answer is
-// the one a read through the section's unit would give: where a record
-// cannot be read that way, the window gives nothing either.
+// The records of one section, read from the file in chunks while the reads
+// run on through it and kept in memory for the rest of a request: for loops
+// that visit many records of a section looked up once (a snapshot of many
+// elements reads every element's record and the displacement records of
+// its equations). Every answer is the one a read through the section's unit
+// would give: where a record cannot be read that way, the window gives
+// nothing either.
 #pragma once
 
 #include <array>
@@ -84,8 +85,8 @@ class SectionWindow {
   int64_t held_lo_ = 0, held_hi_ = 0;
   uint64_t uses_ = 0;
   std::array<Chunk, 4> chunks_;
-  int64_t read_end_ = -1;  // the end of the bytes read last
-  int32_t run_ = 0;        // reads of the run they end
+  int64_t read_end_ = -1;        // the end of the bytes read last
+  int32_t run_ = 0;              // reads of the run they end
   std::unique_ptr<char[]> one_;  // a record read alone
   int64_t one_len_ = 0;
 };

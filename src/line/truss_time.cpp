@@ -113,9 +113,9 @@ void snapshot_truss(const char* rec, SnapshotMotion& motion, const double* init,
     return k <= kWords ? word(k) : 0.0;
   };
   double out[kRows];
-  truss_step(strs, [&](int64_t j, int64_t) { return disp[j - 1]; },
-             [&](int64_t r, int64_t) -> double& { return out[r - 1]; }, 1, NDOF, init, scaled,
-             SCALE);
+  truss_step(
+      strs, [&](int64_t j, int64_t) { return disp[j - 1]; },
+      [&](int64_t r, int64_t) -> double& { return out[r - 1]; }, 1, NDOF, init, scaled, SCALE);
   for (int r = 0; r < kRows; ++r) rows[static_cast<size_t>(r)][col] = out[r];
 }
 
@@ -239,8 +239,8 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
                                       static_cast<int32_t>(NDOF), LM.ref(), L.TRUSS_DISP_INIT,
                                       DISP_EQ);
     // An extended record looks up EMBT between the two.
-    pinned = road && !(extended && hnq) && trus.status == LOOKUP_FOUND &&
-             dmed.status == LOOKUP_FOUND;
+    pinned =
+        road && !(extended && hnq) && trus.status == LOOKUP_FOUND && dmed.status == LOOKUP_FOUND;
     const bool first_pin = pinned && !windows;
     if (first_pin) {
       records = SectionWindow(trus_pin);

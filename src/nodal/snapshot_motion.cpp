@@ -10,16 +10,4 @@ bool SnapshotMotion::applies(const RunContext& R) {
 SnapshotMotion::SnapshotMotion(const RunContext& R, const PinnedSection& dmed)
     : dmed_(dmed), step_(R.STEP_NO) {}
 
-void SnapshotMotion::displacements(const int32_t* LM, int64_t n, double* out) {
-  // An equation's displacement history is the third of its three records.
-  double last = 0.0;
-  for (int64_t i = 0; i < n; ++i) {
-    out[i] = 0.0;
-    if (LM[i] <= 0) continue;
-    double v = 0.0;
-    if (dmed_.value(3 * int64_t{LM[i]}, step_ * 8, (step_ - 1) * 8, v)) last = v;
-    out[i] = last;
-  }
-}
-
 }  // namespace respcore

@@ -13,14 +13,14 @@
 
 namespace respcore {
 
-// Snapshots of fewer elements read each the usual way: the windows' chunks
-// would cost them more than they save.
+// Snapshots of fewer elements read each the usual way: they would gain
+// too little to make the windows.
 inline constexpr int64_t kSnapshotItems = 16;
 
 class SnapshotMotion {
  public:
   // Whether the request and the case allow it: one step (REQUEST_MODE 2)
-  // within the records, direct storage, no support motion.
+  // from step 1 on, direct storage, no support motion.
   static bool applies(const RunContext& R);
 
   SnapshotMotion() = default;
@@ -31,7 +31,17 @@ class SnapshotMotion {
   // DISP_EQUATION's single-step fetch puts them in column 1: zero for an
   // equation below 1, and for a record that cannot be read the value last
   // read for the element (zero before any).
-  void displacements(const int32_t* LM, int64_t n, double* out);
+  void displacements(const int32_t* LM, int64_t n, double* out) {
+    // An equation's displacement history is the third of its three records.
+    double last = 0.0;
+    for (int64_t i = 0; i < n; ++i) {
+      out[i] = 0.0;
+      if (LM[i] <= 0) continue;
+      double v = 0.0;
+      if (dmed_.value(3 * int64_t{LM[i]}, step_ * 8, (step_ - 1) * 8, v)) last = v;
+      out[i] = last;
+    }
+  }
 
  private:
   SectionWindow dmed_;

@@ -53,9 +53,9 @@ TEST(LineSnapshot, ManyItemsAreTheirItemsOneByOne) {
     for (int i = 1; i <= 12; ++i) beams[e].lm.push_back(6 * e + i);
     for (int q = 0; q < 26 * 12; ++q) beams[e].strs.push_back(std::cos(0.3 * q + e));
   }
-  trusses[4].lm[2] = beams[4].lm[7] = 0;  // a dof without an equation
+  trusses[4].lm[2] = beams[4].lm[7] = 0;      // a dof without an equation
   trusses[8].lm[3] = beams[8].lm[5] = 99999;  // past the file: repeats the last value
-  trusses[6].nstr = 2;                     // rows 3 and 4 missing: reported
+  trusses[6].nstr = 2;                        // rows 3 and 4 missing: reported
   beams[6].nrow = 20;
   beams[6].strs.resize(20 * 12);
   a.writer().truss_records(3, trusses);
