@@ -437,6 +437,11 @@ bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t 
   return read_at(*c.file, dst, len, off + byte_offset);
 }
 
+bool read_file_span(const Connection& c, int64_t off, int64_t len, void* dst) {
+  return c.file && off >= 0 && len >= 0 && off <= c.file->size - len &&
+         pread_all(c.file->fd, dst, len, off);
+}
+
 int64_t unit_last_record(const UnitTable& U, int32_t unit, int64_t nbytes) {
   const Connection* c = connection(U, unit);
   if (c == nullptr) return 0;

@@ -69,6 +69,9 @@ bool read_record_part(UnitTable& U, int32_t unit, int64_t rec, int64_t nbytes, i
 bool read_record_part(const Connection& c, int64_t rec, int64_t nbytes, int64_t byte_offset,
                       void* dst, int64_t len);
 
+// LEN bytes at byte OFF of the file of C into DST, straight from the file.
+bool read_file_span(const Connection& c, int64_t off, int64_t len, void* dst);
+
 // The last record of UNIT from which NBYTES can be read (0 if none): records
 // behind it lie past the end of the file, so loops over a section may stop
 // there whatever count the directory claims.

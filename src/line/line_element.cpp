@@ -10,10 +10,13 @@
 #include "line/line_element.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <span>
 
 #include "nodal/disp_equation.hpp"
 #include "nodal/inactive.hpp"
+#include "nodal/snapshot_motion.hpp"
 
 namespace respcore {
 
@@ -188,12 +191,10 @@ struct LineRecord {
   double a = 0.0, b = 0.0;  // the scale words (wall beam)
 };
 
-// Reads record SERIAL into SA and decodes its counts, LM, the node pair and
-// the words behind the matrix.
-LineRecord read_record(const LineLayout& T, ArchiveReader A, LineElementArrays& E, int32_t ID,
-                       int32_t serial) {
+// Decodes the record in SA: its counts, LM, the node pair and the words
+// behind the matrix.
+LineRecord decode_record(const LineLayout& T, LineElementArrays& E) {
   Vec<double>& SA = E.SA;
-  A.read_f64(A.find(T.record, ID), serial, SA.ref(), T.words);
   LineRecord rec;
   // The counts share their words with the node numbers when the record is
   // full; with fewer equations the node pair moves up behind the matrix.
@@ -299,8 +300,18 @@ void step_rows(const LineLayout& T, LineElementArrays& E, const LineRecord& rec,
 }
 
 // Whether the record's counts fit the declared arrays.
-bool fits(const LineLayout& T, const LineRecord& rec) {
-  return rec.NEQ >= 0 && rec.NEQ <= T.dof && rec.NROW >= 0 && rec.NROW <= T.rows;
+bool fits(const LineLayout& T, int32_t NEQ, int32_t NROW) {
+  return NEQ >= 0 && NEQ <= T.dof && NROW >= 0 && NROW <= T.rows;
+}
+bool fits(const LineLayout& T, const LineRecord& rec) { return fits(T, rec.NEQ, rec.NROW); }
+
+// Whether the record REC (T.words words, as read) is one the snapshot road
+// reads: its counts fit the arrays, so that nothing in it is reported.
+bool plain_record(const LineLayout& T, const char* rec) {
+  double neq, nrow;
+  std::memcpy(&neq, rec + (T.neq_word - 1) * 8, 8);
+  std::memcpy(&nrow, rec + (T.nrow_word - 1) * 8, 8);
+  return fits(T, packed_count(neq), packed_count(nrow));
 }
 
 // Whether element SERIAL is one activated late in the case.
@@ -351,9 +362,43 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
       line_detail::read_initial_forces(R, A, T.initial, T.dof, INUM_SERIAL, RST_INITIAL);
 
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
+
+  // A snapshot of many elements looks up the record section and the direct
+  // file once, with an element read the usual way, and then reads the
+  // records whose counts fit and their displacements through windows on
+  // the two sections (see SnapshotMotion). Such an element's look-ups would
+  // only repeat what the last usual one found and left, and it has nothing
+  // to report; any other element is read the usual way.
+  const bool road = SnapshotMotion::applies(R) && !combined && IT.NUM_INACTIVE <= 0 &&
+                    R.NUM_ITEMS >= kSnapshotItems && TDSP.allocated() &&
+                    TDSP.cols() >= R.NUM_ITEMS && E.SA.size() >= T.words &&
+                    E.LM.size() >= T.dof && DISP_EQ.rows() == T.dof && DISP_EQ.cols() == 1;
+  bool windows = false;  // made
+  bool pinned = false;   // the last usual element left the look-ups they replace
+  SectionWindow records;
+  SnapshotMotion motion;
+  std::array<double*, kLineRows> rows{};
+
   for (int64_t p = 1; p <= R.NUM_ITEMS; ++p) {
     const int32_t serial = INUM_SERIAL(p);
-    LineRecord rec = read_record(T, A, E, ID, serial);
+    const char* plain = pinned ? records.record(serial, int64_t{T.words} * 8) : nullptr;
+    if (plain != nullptr && plain_record(T, plain)) {
+      std::memcpy(E.SA.data(), plain, static_cast<size_t>(T.words) * 8);
+      LineRecord rec = decode_record(T, E);
+      double* d = DISP_EQ.data();
+      motion.displacements(E.LM.data(), rec.NEQ, d);
+      std::fill(d + rec.NEQ, d + T.dof, 0.0);
+      unpack_matrix(T, E, rec);
+      double col[kLineRows];
+      step_rows(T, E, rec, DISP_EQ, 1, has_initial ? RST_INITIAL.col(p) : nullptr, scaled, col);
+      for (int32_t k = 0; k < kLineRows; ++k) rows[static_cast<size_t>(k)][p - 1] = col[k];
+      continue;
+    }
+
+    const SectionRef found = A.find(T.record, ID);
+    const PinnedSection record_pin = road && !windows ? A.pin(found) : PinnedSection{};
+    A.read_f64(found, serial, E.SA.ref(), T.words);
+    LineRecord rec = decode_record(T, E);
     VecRef<int32_t> IIA(rec.nodes, 2, "IIA");
     if (combined && fits(T, rec) && !inactive(R, IT, T.inactive_kind, serial) &&
         TDSP.allocated() && TDSP.cols() >= R.NUM_STEPS) {
@@ -368,7 +413,8 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
       DISP_EQ.resize(T.dof, R.NUM_STEPS);
       SSIG.resize(kLineRows, R.NUM_STEPS);
     }
-    DISP_EQUATION(M, T.dof, DISP_EQ.ref(), DISP_NO, rec.NEQ, E.LM.ref(), IIA, 2, 1);
+    SectionRef dmed;
+    DISP_EQUATION(M, T.dof, DISP_EQ.ref(), DISP_NO, rec.NEQ, E.LM.ref(), IIA, 2, 1, &dmed);
     line_detail::remove_initial_state(R, A, IT, T.inactive_kind, serial, rec.NEQ, E.LM.ref(),
                                       E.DISP_INIT, DISP_EQ);
     unpack_matrix(T, E, rec);
@@ -376,6 +422,13 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
     for (int64_t s = 1; s <= R.NUM_STEPS; ++s)
       step_rows(T, E, rec, DISP_EQ, s, init, scaled, SSIG.col(s));
     deliver_rows(TDSP, R.REQUEST_MODE, SSIG, kLineRows, p);
+    pinned = road && found.status == LOOKUP_FOUND && dmed.status == LOOKUP_FOUND;
+    if (pinned && !windows) {
+      records = SectionWindow(record_pin);
+      motion = SnapshotMotion(R, A.pin(dmed));
+      for (int32_t k = 0; k < kLineRows; ++k) rows[static_cast<size_t>(k)] = TDSP.row(k + 1);
+      windows = true;
+    }
   }
 }
 

@@ -2,11 +2,14 @@
 // truss, for each requested step, from the element's stored force-recovery
 // matrix and its nodal displacements.
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 
 #include "line/line_element.hpp"
 #include "nodal/disp_equation.hpp"
 #include "nodal/inactive.hpp"
+#include "nodal/snapshot_motion.hpp"
 
 namespace respcore {
 
@@ -71,6 +74,58 @@ void truss_step(Strs STRS, Disp D, Out SSIG, int64_t s, int64_t NDOF, const doub
   }
 }
 
+// Whether the record REC (kWords words) is one the snapshot road reads: not
+// extended, its equations within the record and its matrix of at least four
+// rows within SA (of SA_SIZE words), so that nothing in it is reported.
+bool plain_record(const char* rec, int64_t sa_size) {
+  double w[3];
+  std::memcpy(w, rec + (kWords - 3) * 8, sizeof w);
+  const int64_t ndof = trunc_i32(w[0]);
+  const int64_t nstr = trunc_i32(w[1]);
+  return trunc_i32(w[2]) >= 0 && ndof >= 1 && ndof <= kWords && nstr >= 4 &&
+         ndof + nstr * ndof <= sa_size;
+}
+
+// The element of the plain record REC on the snapshot road: what the usual
+// reading delivers to column COL of ROWS, from the same words and in the same
+// order of operations. It reads the record where it lies rather than in SA:
+// the next usual element clears SA before it reads, and the last element of
+// the call leaves its record there (keep_record).
+void snapshot_truss(const char* rec, SnapshotMotion& motion, const double* init, bool scaled,
+                    const std::array<double*, kRows>& rows, int64_t col) {
+  auto word = [rec](int64_t i) {
+    double w;
+    std::memcpy(&w, rec + (i - 1) * 8, 8);
+    return w;
+  };
+  const int64_t NDOF = trunc_i32(word(kWords - 2));
+  const int64_t NSTR = trunc_i32(word(kWords - 1));
+  double SCALE = word(kWords);
+  if (SCALE < 0.0) SCALE = -SCALE;
+  int32_t lm[kWords];
+  double disp[kWords];
+  for (int64_t i = 1; i <= NDOF; ++i) lm[i - 1] = trunc_i32(word(i));
+  motion.displacements(lm, NDOF, disp);
+  // The matrix lies behind the equation numbers, NSTR rows per column; past
+  // the record SA would hold zeros.
+  auto strs = [&](int64_t i, int64_t j) {
+    const int64_t k = NDOF + i + (j - 1) * NSTR;
+    return k <= kWords ? word(k) : 0.0;
+  };
+  double out[kRows];
+  truss_step(
+      strs, [&](int64_t j, int64_t) { return disp[j - 1]; },
+      [&](int64_t r, int64_t) -> double& { return out[r - 1]; }, 1, NDOF, init, scaled, SCALE);
+  for (int r = 0; r < kRows; ++r) rows[static_cast<size_t>(r)][col] = out[r];
+}
+
+// SA as the usual reading of the plain record REC leaves it, from SA as it
+// was left by an element whose words reached DIRTY.
+void keep_record(const char* rec, Vec<double>& SA, int64_t dirty) {
+  std::fill(SA.data(), SA.data() + dirty, 0.0);
+  std::memcpy(SA.data(), rec, kWords * 8);
+}
+
 }  // namespace
 
 void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTables& IT,
@@ -95,11 +150,37 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
   // call may have left any of them.
   int64_t dirty = SA.size();
   const int32_t ID = R.ELEM_FORM == 2 ? 4 : 3;
+
+  // A snapshot of many trusses looks up TRUS and the direct file once, with
+  // an element read the usual way, and then reads the plain records and
+  // their displacements through windows on the two sections (see
+  // SnapshotMotion). Such an element's look-ups would only repeat what the
+  // last usual one found and left, and it has nothing to report; any other
+  // element is read the usual way.
+  const bool road = SnapshotMotion::applies(R) && IT.NUM_INACTIVE <= 0 &&
+                    R.NUM_ITEMS >= kSnapshotItems && TDSP.allocated() &&
+                    TDSP.cols() >= R.NUM_ITEMS && SA.size() >= kWords;
+  bool windows = false;  // made
+  bool pinned = false;   // the last usual element left the look-ups they replace
+  SectionWindow records;
+  SnapshotMotion motion;
+  PinnedSection trus_pin;
+  std::array<double*, kRows> rows{};
+
   for (int64_t k = 1; k <= R.NUM_ITEMS; ++k) {
+    const int32_t serial = INUM_SERIAL(k);
+    const char* plain = pinned ? records.record(serial, kWords * 8) : nullptr;
+    if (plain != nullptr && plain_record(plain, SA.size())) {
+      snapshot_truss(plain, motion, has_initial ? RST_INITIAL.col(k) : nullptr, hnq, rows, k - 1);
+      if (k == R.NUM_ITEMS) keep_record(plain, SA, dirty);
+      continue;
+    }
+
     std::fill(SA.data(), SA.data() + dirty, 0.0);
     dirty = std::min<int64_t>(kWords, SA.size());
-    const int32_t serial = INUM_SERIAL(k);
-    A.read_f64(A.find(sections::TRUS, ID), serial, SA.ref(), kWords);
+    const SectionRef trus = A.find(sections::TRUS, ID);
+    if (road && !windows) trus_pin = A.pin(trus);
+    A.read_f64(trus, serial, SA.ref(), kWords);
 
     // A negative factor marks an element with an extended record, which
     // only the tag "H.N.Q" reads; its factor and word 1245 change places.
@@ -151,11 +232,21 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
     }
 
     DISP_EQ.resize(NDOF, R.NUM_STEPS);
+    SectionRef dmed;
     DISP_EQUATION(M, static_cast<int32_t>(NDOF), DISP_EQ.ref(), DISP_NO, static_cast<int32_t>(NDOF),
-                  LM.ref(), IIA.ref(), static_cast<int32_t>(NNODE), 1);
+                  LM.ref(), IIA.ref(), static_cast<int32_t>(NNODE), 1, &dmed);
     line_detail::remove_initial_state(R, A, IT, INACTIVE_KIND_TRUSS, serial,
                                       static_cast<int32_t>(NDOF), LM.ref(), L.TRUSS_DISP_INIT,
                                       DISP_EQ);
+    // An extended record looks up EMBT between the two.
+    pinned =
+        road && !(extended && hnq) && trus.status == LOOKUP_FOUND && dmed.status == LOOKUP_FOUND;
+    const bool first_pin = pinned && !windows;
+    if (first_pin) {
+      records = SectionWindow(trus_pin);
+      motion = SnapshotMotion(R, A.pin(dmed));
+      windows = true;
+    }
 
     // The matrix from word NDOF_WORD + 1 on; what runs past SA is reported
     // once and reads as zero.
@@ -175,6 +266,9 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
     }
 
     deliver_rows(TDSP, R.REQUEST_MODE, SSIG, kRows, k);
+    if (first_pin) {
+      for (int r = 0; r < kRows; ++r) rows[static_cast<size_t>(r)] = TDSP.row(r + 1);
+    }
   }
 }
 

@@ -70,7 +70,8 @@ void fetch_rows(NodalMotion& M, int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t>
 }
 
 void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, int32_t NLM,
-                         VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE) {
+                         VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE,
+                         SectionRef* direct) {
   StepWork work(M.run);
   const StepColumns cols =
       M.run.REQUEST_MODE == 1 ? StepColumns::AllSteps : StepColumns::OneStep;
@@ -78,6 +79,7 @@ void fetch_displacements(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, i
   fetch_rows(M, NLM, LM, IIA, NNODE, [&](bool support, int64_t nlm) -> MotionFetch& {
     return f.emplace(M, Quantity::Displacement, cols, support, work, DISP_EQ, NDOF, nlm);
   });
+  if (direct != nullptr) *direct = f ? f->direct_section() : SectionRef{};
 }
 
 // DISP_NO(6(n-1)+r, j) := sum over c of T(r, c) DISP_EQ(6(n-1)+c, j) for the
@@ -105,8 +107,8 @@ void clear_rows(Out NO, int64_t nrows, int64_t ncols) {
 
 void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<double> DISP_NO,
                    int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE,
-                   int32_t NO_TRANSFORM) {
-  fetch_displacements(M, NDOF, DISP_EQ, NLM, LM, IIA, NNODE);
+                   int32_t NO_TRANSFORM, SectionRef* DIRECT) {
+  fetch_displacements(M, NDOF, DISP_EQ, NLM, LM, IIA, NNODE, DIRECT);
   if (NO_TRANSFORM == 1) return;
   turn_to_node_axes(M, NDOF, DISP_EQ, DISP_NO, IIA, NNODE, M.run.NUM_STEPS);
 }

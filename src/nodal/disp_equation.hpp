@@ -14,10 +14,11 @@ namespace respcore {
 
 // DISP_EQ(NDOF, NUM_STEPS) := displacement of element dof i at step column j.
 // Unless NO_TRANSFORM is 1, DISP_NO gets the same in node axes (rows grouped
-// six per node).
+// six per node). DIRECT, when given, receives the direct-file section the
+// fetch looked up (one not found when it made no such look-up).
 void DISP_EQUATION(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<double> DISP_NO,
                    int32_t NLM, VecRef<int32_t> LM, VecRef<int32_t> IIA, int32_t NNODE,
-                   int32_t NO_TRANSFORM);
+                   int32_t NO_TRANSFORM, SectionRef* DIRECT = nullptr);
 
 // DISP_NO := DISP_EQUATION's node-axis copy of columns 1..NCOLS of DISP_EQ.
 void turn_to_node_axes(NodalMotion& M, int32_t NDOF, MatRef<double> DISP_EQ, MatRef<double> DISP_NO,

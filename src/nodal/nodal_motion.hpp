@@ -125,6 +125,8 @@ class MotionFetch {
   void finish();
   // Closes the direct file the fetch read.
   void close_direct_file();
+  // The direct-file section the fetch looked up (not found: none).
+  const SectionRef& direct_section() const { return dmed_; }
 
  private:
   enum class Storage { None, Modal, Direct };
