@@ -31,7 +31,7 @@ void add_term(double* y, const double* x, double t, size_t n, bool first_term) {
 // order from a zero start; terms with a zero coefficient add nothing and
 // are passed over.
 void node_pass(NodalMotion& M, NodeSkew& S, int32_t node, Quantity q, int32_t AXIS_FLAG,
-               Tdsp& OUT) {
+               Tdsp& OUT, double* dest = nullptr) {
   const RunContext& R = M.run;
   const int32_t K = M.node_dofs();
   const NodeRecord rec = M.node_transform(M.archive.find(sections::NDSP, 3), node, K);
@@ -58,7 +58,8 @@ void node_pass(NodalMotion& M, NodeSkew& S, int32_t node, Quantity q, int32_t AX
     fetch([](int64_t, const double*) {}, 0, 0, nullptr);
     return;
   }
-  double* row = OUT.fresh_row(C);
+  double* row = dest != nullptr ? dest : OUT.fresh_row(C);
+  if (dest != nullptr) OUT.row_delivered();
   if (C == 7) {
     fetch([&](int64_t i, const double* h) {
       if (i == 7 && h != row) std::copy(h, h + n, row);
@@ -121,7 +122,10 @@ void node_history_over_steps(NodalMotion& M, NodeSkew& S, Tdsp& TDSP, VecRef<int
   const RunContext& R = M.run;
   const int32_t C = R.RESULT_COMP;
   const int64_t n = std::max<int64_t>(R.NUM_STEPS, 0);
-  node_pass(M, S, INUM_ELEMNT(1), q, AXIS_FLAG, TDSP);
+  // The plain history is the call's last work: its row is formed where the
+  // caller gets it. The relative and absolute forms change it afterwards.
+  const bool last = R.STEP_NO != 2 && R.STEP_NO != 3;
+  node_pass(M, S, INUM_ELEMNT(1), q, AXIS_FLAG, TDSP, last ? TDSP.caller_row() : nullptr);
 
   if (R.STEP_NO == 3) {
     // Relative to the list's second node.

@@ -67,6 +67,7 @@ int64_t history_size(int32_t elem_type, int32_t result_comp, int32_t num_steps,
 
 void assemble_history(const RunContext& R, const Tdsp& TDSP, VecRef<double> TDSP_COMP) {
   if (R.REQUEST_MODE == 1) {
+    if (TDSP.delivered()) return;
     const int64_t n = R.NUM_STEPS;
     const int64_t C = R.RESULT_COMP;
     if (TDSP.allocated() && C >= 1 && C <= Tdsp::kRows && n <= TDSP.cols() &&

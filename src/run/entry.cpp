@@ -232,13 +232,18 @@ void run_steps(KernelState& K, const EntryArgs& a, const CallerExtents& extents)
   const ItemList elemnt = caller_list(a.INUM_ELEMNT, extents.inum_elemnt, "INUM_ELEMNT");
 
   read_element_angles(A, R, elemnt, EL_ANGLE);
-  dispatch(K, A, serial, elemnt, EL_ANGLE.ref());
-
   const int64_t comp_extent =
       a.TDSP_COMP == nullptr ? 0
       : extents.tdsp_comp >= 0
           ? extents.tdsp_comp
           : history_size(R.ELEM_TYPE, R.RESULT_COMP, R.NUM_STEPS, R.NUM_ITEMS, R.REQUEST_MODE);
+  // Where the history's row will be copied whole, a routine may form it
+  // there directly.
+  const int64_t n = R.NUM_STEPS;
+  if (R.REQUEST_MODE == 1 && K.TDSP.allocated() && R.RESULT_COMP >= 1 &&
+      R.RESULT_COMP <= Tdsp::kRows && n > 0 && n <= K.TDSP.cols() && n <= comp_extent)
+    K.TDSP.set_caller_row(a.TDSP_COMP);
+  dispatch(K, A, serial, elemnt, EL_ANGLE.ref());
   assemble_history(R, K.TDSP, VecRef<double>(a.TDSP_COMP, comp_extent, "TDSP_COMP"));
 }
 

@@ -36,7 +36,19 @@ class Tdsp {
     zero();
     ncols_ = 0;
     allocated_ = false;
+    caller_row_ = nullptr;
+    delivered_ = false;
   }
+
+  // The caller's array, where the call's one returned row (REQUEST_MODE 1)
+  // ends up: NCOLS values, set by the entry when the row will be copied
+  // there whole. A routine that forms the row there itself, as the last
+  // thing the call does, says so with row_delivered(); the copy is then
+  // left out. The row of the store itself stays as it was.
+  void set_caller_row(double* dst) { caller_row_ = dst; }
+  double* caller_row() const { return caller_row_; }
+  void row_delivered() { delivered_ = caller_row_ != nullptr; }
+  bool delivered() const { return delivered_; }
   bool allocated() const { return allocated_; }
   int64_t cols() const { return ncols_; }
 
@@ -119,6 +131,8 @@ class Tdsp {
   int64_t ncols_ = 0;
   bool allocated_ = false;
   const char* name_ = "TDSP";
+  double* caller_row_ = nullptr;
+  bool delivered_ = false;
 };
 
 // Rows 1..NROWS of one item's results SSIG (a column per step) into TDSP by
