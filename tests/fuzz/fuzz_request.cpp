@@ -15,7 +15,8 @@ namespace {
 constexpr double kGuard = -7.25e300;
 constexpr int kGuards = 8;
 // Entries of the item lists: more than any extent a request of at most 400
-// steps or 4 items can give them.
+// steps or 24 items can give them. Up to 24 items reach the road of long
+// snapshots.
 constexpr int kListLength = 1024;
 
 // V taken into LO..HI, wrapping, so that a mutated count stays a count.
@@ -34,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::put_files(in, base);
 
   const int32_t steps = wrap(f[3], -1, 400);
-  const int32_t items = wrap(f[4], -1, 4);
+  const int32_t items = wrap(f[4], -1, 24);
   std::vector<int32_t> serials(kListLength), elements(kListLength);
   for (int i = 0; i < kListLength; ++i) {
     serials[static_cast<size_t>(i)] = f[10 + static_cast<size_t>(i % 4)];

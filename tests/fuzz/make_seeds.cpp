@@ -196,15 +196,15 @@ std::vector<Family> families() {
                    w.truss_records(3, {x.truss});
                    w.extended_truss_records(3, {x});
                  },
-                 {{12, 1}, {12, 4, 2, 1}}});
+                 {{12, 1}, {12, 4, 2, 1}, {12, 1, 2, 20}}});
   out.push_back({"beam", 1, true,
                  [](ArchiveWriter& w) {
                    w.beam_records(3, {beam(), beam()});
                    w.initial_forces(sections::ITBM, 1, {values(12, 4), values(12, 5)});
                  },
-                 {{13, 1}, {13, 27}, {13, 14, 2, 2}, {13, 30, 1, 1, kSteps, 1, 2}}});
+                 {{13, 1}, {13, 27}, {13, 14, 2, 2}, {13, 30, 1, 1, kSteps, 1, 2}, {13, 2, 2, 20}}});
   out.push_back({"wall-beam", 1, false, [](ArchiveWriter& w) { w.wall_beam_records(3, {wall_beam()}); },
-                 {{14, 1}, {14, 31}, {14, 20, 2, 1}}});
+                 {{14, 1}, {14, 31}, {14, 20, 2, 1}, {14, 3, 2, 20}}});
   out.push_back({"solid", 1, false,
                  [](ArchiveWriter& w) {
                    w.solid_records(3, {{count_up(24), 78, values(78 * 24, 8), 8,
