@@ -1,7 +1,9 @@
 // Snapshots of many items at one step: the kernel beside the plain work of
 // reading each section it needs with one read and gathering the values, and
 // beside one pread per record and per value (the reads a snapshot makes when
-// nothing is read together).
+// nothing is read together). The line elements also as an envelope request
+// (REQUEST_MODE 3) over all stored steps, which delivers the rows of the one
+// step STEP_NO and so has the same plain work.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -71,13 +73,26 @@ TrussArchive make_truss_archive(int32_t n, int32_t nsteps) {
 
 constexpr int64_t kTrussBytes = 504;  // 63 doubles
 
-// Trusses 1..N at step 7 (axial force): the kernel; the two sections read
-// whole, then the six displacements of each truss gathered and combined; one
-// pread per truss record and per displacement.
+// Elements 1..N of family TYPE at step 7, component 1: a snapshot (MODE 2) or
+// an envelope request over all stored steps (MODE 3).
+Request line_request(const TrussArchive& a, int32_t type, int32_t mode) {
+  Request q = snapshot_request(a.base, type, 1, a.n, 7);
+  q.request_mode = mode;
+  if (mode == 3) q.num_steps = a.nsteps;
+  return q;
+}
+
+std::string request_name(const Request& q) {
+  return q.request_mode == 3 ? ", envelope request" : " at one step";
+}
+
+// Trusses 1..N at step 7 (axial force) by REQUEST_MODE M: the kernel; the two
+// sections read whole, then the six displacements of each truss gathered and
+// combined; one pread per truss record and per displacement (snapshots).
 void BM_TrussSnapshot(benchmark::State& st) {
   const TrussArchive a = make_truss_archive(static_cast<int32_t>(st.range(0)),
                                             static_cast<int32_t>(st.range(1)));
-  const Request q = snapshot_request(a.base, 12, 1, a.n, 7);
+  const Request q = line_request(a, 12, static_cast<int32_t>(st.range(2)));
   Kernel k;
   std::vector<double> out;
   auto kernel = [&] { run_into(k, q, out); };
@@ -110,11 +125,12 @@ void BM_TrussSnapshot(benchmark::State& st) {
       }
     }
   };
-  const std::string name =
-      std::to_string(a.n) + " trusses of " + std::to_string(a.nsteps) + " steps at one step";
+  const std::string name = std::to_string(a.n) + " trusses of " + std::to_string(a.nsteps) +
+                           " steps" + request_name(q);
   Alternation s;
   for (auto _ : st) {
     s = alternate_pairs(name + ", kernel / one read per section", kernel, sections, 9);
+    if (q.request_mode != 2) continue;
     const Alternation p = alternate_pairs(name + ", kernel / one pread per record", kernel,
                                           per_record, 5);
     st.counters["ratio_vs_per_record"] = p.ratio;
@@ -127,8 +143,10 @@ void BM_TrussSnapshot(benchmark::State& st) {
   close(fd2);
 }
 BENCHMARK(BM_TrussSnapshot)
-    ->Args({10000, 10})
-    ->Args({10000, 100})
+    ->Args({10000, 10, 2})
+    ->Args({10000, 100, 2})
+    ->Args({10000, 10, 3})
+    ->Args({10000, 100, 3})
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 
@@ -168,13 +186,13 @@ TrussArchive make_beam_archive(int32_t n, int32_t nsteps) {
   return a;
 }
 
-// Beams 1..N at step 7 (row 1): the kernel beside the two sections read
-// whole, then the twelve displacements of each beam gathered and multiplied
-// by the first row of its matrix.
+// Beams 1..N at step 7 (row 1) by REQUEST_MODE M: the kernel beside the two
+// sections read whole, then the twelve displacements of each beam gathered
+// and multiplied by the first row of its matrix.
 void BM_BeamSnapshot(benchmark::State& st) {
   const TrussArchive a = make_beam_archive(static_cast<int32_t>(st.range(0)),
                                            static_cast<int32_t>(st.range(1)));
-  const Request q = snapshot_request(a.base, 13, 1, a.n, 7);
+  const Request q = line_request(a, 13, static_cast<int32_t>(st.range(2)));
   Kernel k;
   std::vector<double> out;
   auto kernel = [&] { run_into(k, q, out); };
@@ -197,8 +215,8 @@ void BM_BeamSnapshot(benchmark::State& st) {
     }
     benchmark::DoNotOptimize(row.data());
   };
-  const std::string name =
-      std::to_string(a.n) + " beams of " + std::to_string(a.nsteps) + " steps at one step";
+  const std::string name = std::to_string(a.n) + " beams of " + std::to_string(a.nsteps) +
+                           " steps" + request_name(q);
   Alternation s;
   for (auto _ : st) s = alternate_pairs(name + ", kernel / one read per section", kernel, sections, 9);
   st.counters["kernel_ms"] = s.kernel_ms;
@@ -209,8 +227,10 @@ void BM_BeamSnapshot(benchmark::State& st) {
   close(fd2);
 }
 BENCHMARK(BM_BeamSnapshot)
-    ->Args({10000, 10})
-    ->Args({10000, 100})
+    ->Args({10000, 10, 2})
+    ->Args({10000, 100, 2})
+    ->Args({10000, 10, 3})
+    ->Args({10000, 100, 3})
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 

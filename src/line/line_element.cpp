@@ -368,11 +368,13 @@ void line_history(const LineLayout& T, const RunContext& R, ArchiveReader A, Nod
   // records whose counts fit and their displacements through windows on
   // the two sections (see SnapshotMotion). Such an element's look-ups would
   // only repeat what the last usual one found and left, and it has nothing
-  // to report; any other element is read the usual way.
+  // to report; any other element is read the usual way. Of an envelope
+  // request's steps only the first is delivered, and no step reports: the
+  // road forms the first alone, from column 1 of DISP_EQ.
   const bool road = SnapshotMotion::applies(R) && !combined && IT.NUM_INACTIVE <= 0 &&
                     R.NUM_ITEMS >= kSnapshotItems && TDSP.allocated() &&
                     TDSP.cols() >= R.NUM_ITEMS && E.SA.size() >= T.words &&
-                    E.LM.size() >= T.dof && DISP_EQ.rows() == T.dof && DISP_EQ.cols() == 1;
+                    E.LM.size() >= T.dof && DISP_EQ.rows() == T.dof && DISP_EQ.cols() >= 1;
   bool windows = false;  // made
   bool pinned = false;   // the last usual element left the look-ups they replace
   SectionWindow records;

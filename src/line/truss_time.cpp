@@ -156,7 +156,9 @@ void TRUSS_TIME(const RunContext& R, ArchiveReader A, NodalMotion& M, InactiveTa
   // their displacements through windows on the two sections (see
   // SnapshotMotion). Such an element's look-ups would only repeat what the
   // last usual one found and left, and it has nothing to report; any other
-  // element is read the usual way.
+  // element is read the usual way. Of an envelope request's steps only the
+  // first is delivered: the road forms that one alone, since a plain record
+  // forms the others (from zero displacements) without a report.
   const bool road = SnapshotMotion::applies(R) && IT.NUM_INACTIVE <= 0 &&
                     R.NUM_ITEMS >= kSnapshotItems && TDSP.allocated() &&
                     TDSP.cols() >= R.NUM_ITEMS && SA.size() >= kWords;

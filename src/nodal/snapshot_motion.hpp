@@ -4,6 +4,11 @@
 // equation (direct storage without support motion) instead looks the file up
 // with its first element and then takes every element's displacements from
 // here, each read as the element's own fetch would have read it.
+//
+// An envelope request (REQUEST_MODE 3) of elements is such a snapshot too:
+// its fetch reads the one step STEP_NO into column 1 as a snapshot's does,
+// leaves the other NUM_STEPS - 1 columns zero, and the element delivers the
+// rows of column 1 to its item's column.
 #pragma once
 
 #include <cstdint>
@@ -19,8 +24,9 @@ inline constexpr int64_t kSnapshotItems = 16;
 
 class SnapshotMotion {
  public:
-  // Whether the request and the case allow it: one step (REQUEST_MODE 2)
-  // from step 1 on, direct storage, no support motion.
+  // Whether the request and the case allow it: a snapshot (REQUEST_MODE 2)
+  // or an envelope request of at least one step (REQUEST_MODE 3), of a step
+  // STEP_NO from 1 on, direct storage, no support motion.
   static bool applies(const RunContext& R);
 
   SnapshotMotion() = default;

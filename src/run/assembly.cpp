@@ -81,7 +81,23 @@ void assemble_history(const RunContext& R, const Tdsp& TDSP, VecRef<double> TDSP
     return;
   }
   if (R.REQUEST_MODE == 3) {
-    for (int64_t c = 1; c <= 2 * int64_t{R.NUM_ITEMS}; ++c) {
+    const int64_t ncols = 2 * int64_t{R.NUM_ITEMS};
+    if (TDSP.allocated() && ncols > 0 && ncols <= TDSP.cols() && TDSP_COMP.lo() == 1 &&
+        6 * ncols <= TDSP_COMP.size()) {
+      // Every entry lies within the store and the caller's array: the rows
+      // are copied as they lie, a row never touched as zeros.
+      double* out = TDSP_COMP.data();
+      for (int64_t r = 1; r <= 6; ++r) {
+        const auto& row = TDSP.row_values(r);
+        if (row.empty()) {
+          for (int64_t c = 0; c < ncols; ++c) out[6 * c + r - 1] = 0.0;
+        } else {
+          for (int64_t c = 0; c < ncols; ++c) out[6 * c + r - 1] = row[static_cast<size_t>(c)];
+        }
+      }
+      return;
+    }
+    for (int64_t c = 1; c <= ncols; ++c) {
       for (int64_t r = 1; r <= 6; ++r) TDSP_COMP(6 * (c - 1) + r) = TDSP.get(r, c);
     }
     return;
