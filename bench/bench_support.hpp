@@ -125,16 +125,21 @@ Alternation alternate_pairs(const std::string& label, Kernel kernel, Baseline ba
 }
 
 // alternate_pairs as the one iteration of ST, its figures as ST's counters.
-template <class Kernel, class Baseline>
-void alternate(benchmark::State& st, const std::string& label, Kernel kernel, Baseline baseline,
-               int rounds = 9) {
-  Alternation a;
-  for (auto _ : st) a = alternate_pairs(label, kernel, baseline, rounds);
+// The figures of A as the counters of ST.
+inline void put_counters(benchmark::State& st, const Alternation& a) {
   st.counters["kernel_ms"] = a.kernel_ms;
   st.counters["base_ms"] = a.base_ms;
   st.counters["ratio"] = a.ratio;
   st.counters["ratio_min"] = a.ratio_min;
   st.counters["ratio_max"] = a.ratio_max;
+}
+
+template <class Kernel, class Baseline>
+void alternate(benchmark::State& st, const std::string& label, Kernel kernel, Baseline baseline,
+               int rounds = 9) {
+  Alternation a;
+  for (auto _ : st) a = alternate_pairs(label, kernel, baseline, rounds);
+  put_counters(st, a);
 }
 
 }  // namespace respcore::bench

@@ -135,10 +135,7 @@ void BM_TrussSnapshot(benchmark::State& st) {
                                           per_record, 5);
     st.counters["ratio_vs_per_record"] = p.ratio;
   }
-  st.counters["kernel_ms"] = s.kernel_ms;
-  st.counters["ratio"] = s.ratio;
-  st.counters["ratio_min"] = s.ratio_min;
-  st.counters["ratio_max"] = s.ratio_max;
+  respcore::bench::put_counters(st, s);
   close(fd);
   close(fd2);
 }
@@ -219,10 +216,7 @@ void BM_BeamSnapshot(benchmark::State& st) {
                            " steps" + request_name(q);
   Alternation s;
   for (auto _ : st) s = alternate_pairs(name + ", kernel / one read per section", kernel, sections, 9);
-  st.counters["kernel_ms"] = s.kernel_ms;
-  st.counters["ratio"] = s.ratio;
-  st.counters["ratio_min"] = s.ratio_min;
-  st.counters["ratio_max"] = s.ratio_max;
+  respcore::bench::put_counters(st, s);
   close(fd);
   close(fd2);
 }
